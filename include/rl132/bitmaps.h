@@ -1,0 +1,7 @@
+// The bitmaps subsystem of RL132.
+#ifndef RL132_BITMAPS_H
+#define RL132_BITMAPS_H
+
+#include "rl132/core/rldefs.h"
+
+#endif

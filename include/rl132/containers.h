@@ -1,0 +1,7 @@
+// The containers subsystem of RL132.
+#ifndef RL132_CONTAINERS_H
+#define RL132_CONTAINERS_H
+
+#include "rl132/core/rldefs.h"
+
+#endif

@@ -1,0 +1,48 @@
+// Memory-shortage handling: the exception root and the one default exception.
+#ifndef RL132_CORE_VEXCEPT_H
+#define RL132_CORE_VEXCEPT_H
+#include "rl132/core/vobject.h"
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+class RL132_API vEXCEPTION : public vOBJECT {
+public:
+    vEXCEPTION();
+    vEXCEPTION(const vEXCEPTION&);
+    virtual ~vEXCEPTION();
+    // Tries to satisfy an allocation that just failed; non-zero means "try again".
+    virtual int NewFailureException(unsigned int size) = 0;
+
+    // Exception objects must be constructible while the heap is short, so they
+    // come straight from the global heap and never reach the new-failure handler.
+    static void* operator new(unsigned int size);
+    static void operator delete(void* p);
+};
+
+class vAPPFRAME;
+
+class RL132_API DEFEXCEP : public vEXCEPTION {
+public:
+    DEFEXCEP();
+    ~DEFEXCEP();
+    int NewFailureException(unsigned int size) override;
+
+    // The message buffers (255 bytes each, null once released or if never allocated).
+    char* WarningText() const { return pWarning; }
+    char* SevereText() const { return pSevere; }
+    int HasReserve() const { return pReserve != nullptr; }
+
+private:
+    friend class vSYSTEM;
+    friend struct vSYSTEMENTRY; // the entry point fills the message buffers
+    friend class vAPPFRAME; // the application framework on top of the library
+    int HandleException(HWND window);
+
+    void* pReserve;
+    char* pWarning;
+    char* pSevere;
+};
+
+#endif

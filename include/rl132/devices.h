@@ -1,0 +1,7 @@
+// The devices subsystem of RL132.
+#ifndef RL132_DEVICES_H
+#define RL132_DEVICES_H
+
+#include "rl132/core/rldefs.h"
+
+#endif

@@ -1,0 +1,7 @@
+// The metafiles subsystem of RL132.
+#ifndef RL132_METAFILES_H
+#define RL132_METAFILES_H
+
+#include "rl132/core/rldefs.h"
+
+#endif

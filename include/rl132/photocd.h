@@ -1,0 +1,7 @@
+// The photocd subsystem of RL132.
+#ifndef RL132_PHOTOCD_H
+#define RL132_PHOTOCD_H
+
+#include "rl132/core/rldefs.h"
+
+#endif

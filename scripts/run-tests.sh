@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Runs the whole suite under Wine: the headless programs first, then the ones that
+# need a 256-colour screen, under Xvfb at depth 8. Each phase prints CTest's
+# summary; the last line counts both phases together.
+set -uo pipefail
+BUILD="$(cd "${1:-build}" && pwd)"
+. "$(dirname "$0")/wine-env.sh"
+JOBS="${JOBS:-2}"
+rm -f "$BUILD"/ctest-*.log
+
+wine_prefix_ready
+unset DISPLAY
+wine_server_up
+ctest --test-dir "$BUILD" -L headless -j"$JOBS" --output-on-failure 2>&1 | tee "$BUILD/ctest-headless.log"
+rc_headless=${PIPESTATUS[0]}
+wine_server_down
+
+rc_display=0
+if ctest --test-dir "$BUILD" -N -L display8 2>/dev/null | grep -q 'Test *#'; then
+  # The desktop process of a prefix keeps the display it started with, so the
+  # display8 phase gets a fresh wineserver that sees DISPLAY from the start.
+  n=97
+  while [ -e "/tmp/.X11-unix/X$n" ] || [ -e "/tmp/.X$n-lock" ]; do n=$((n+1)); done
+  Xvfb ":$n" -screen 0 800x600x8 -nolisten tcp >/dev/null 2>&1 &
+  xvfb_pid=$!
+  for _ in $(seq 100); do [ -e "/tmp/.X11-unix/X$n" ] && break; sleep 0.1; done
+  export DISPLAY=":$n"
+  wine_server_up
+  ctest --test-dir "$BUILD" -L display8 -j1 --output-on-failure 2>&1 | tee "$BUILD/ctest-display8.log"
+  rc_display=${PIPESTATUS[0]}
+  wine_server_down
+  kill "$xvfb_pid" 2>/dev/null; wait "$xvfb_pid" 2>/dev/null
+fi
+
+passed=$(cat "$BUILD"/ctest-*.log | grep -cE '^ *[0-9]+/[0-9]+ Test +#[0-9]+: .* Passed')
+failed=$(cat "$BUILD"/ctest-*.log | grep -E '^ *[0-9]+/[0-9]+ Test +#[0-9]+: ' | grep -vc ' Passed')
+echo
+echo "$passed passed, $failed failed"
+[ "$rc_headless" = 0 ] && [ "$rc_display" = 0 ] && [ "$passed" -gt 0 ]

@@ -1,0 +1,3 @@
+#include <gtest/gtest.h>
+#include "rl132.h"
+TEST(Frame, Loads) { EXPECT_NE(vSYSTEM::GetInstance(), nullptr); }

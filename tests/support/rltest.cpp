@@ -1,0 +1,99 @@
+#include "rltest.h"
+#include <cstdio>
+#include <gtest/gtest.h>
+#include "rl132.h"
+
+namespace rltest {
+
+namespace {
+MessageBoxes* gBoxes = nullptr;
+DebugOutput* gOutput = nullptr;
+}
+
+int AnswerBox(HWND, const char* text, const char* caption, unsigned int type)
+{
+    int deflt = ((type & 0xF) == MB_OK) ? IDOK : ((type & 0xF) == MB_RETRYCANCEL ? IDRETRY : IDOK);
+    if (!gBoxes)
+        return deflt;
+    gBoxes->calls_.push_back({text ? text : "", caption ? caption : "<null>", type});
+    return gBoxes->answer_ ? gBoxes->answer_ : deflt;
+}
+
+MessageBoxes::MessageBoxes() { gBoxes = this; }
+MessageBoxes::~MessageBoxes() { gBoxes = nullptr; }
+
+DebugOutput::DebugOutput()
+{
+    gOutput = this;
+    handle_ = AddVectoredExceptionHandler(1, Handler);
+}
+
+DebugOutput::~DebugOutput()
+{
+    RemoveVectoredExceptionHandler(handle_);
+    gOutput = nullptr;
+}
+
+LONG CALLBACK DebugOutput::Handler(EXCEPTION_POINTERS* info)
+{
+    // OutputDebugStringA raises DBG_PRINTEXCEPTION_C with (length, text).
+    if (info->ExceptionRecord->ExceptionCode == 0x40010006L && gOutput &&
+        info->ExceptionRecord->NumberParameters >= 2) {
+        const char* s = (const char*)info->ExceptionRecord->ExceptionInformation[1];
+        size_t n = (size_t)info->ExceptionRecord->ExceptionInformation[0];
+        if (s) {
+            std::string piece(s, n);
+            // The reported length includes the terminator.
+            while (!piece.empty() && piece.back() == 0)
+                piece.pop_back();
+            gOutput->writes_.push_back(piece);
+        }
+        return EXCEPTION_CONTINUE_EXECUTION;
+    }
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+std::string DebugOutput::Text() const
+{
+    std::string all;
+    for (const std::string& w : writes_)
+        all += w;
+    return all;
+}
+
+std::string SharedDir()
+{
+    // Wine maps the Unix root to Z:; the checkout's parent holds shared/.
+    char path[MAX_PATH];
+    DWORD n = GetEnvironmentVariableA("RL132_SHARED", path, sizeof path);
+    if (n > 0 && n < sizeof path)
+        return path;
+    return RL132_SHARED_DIR;
+}
+
+std::string TempPath(const char* stem)
+{
+    char dir[MAX_PATH], name[MAX_PATH];
+    GetTempPathA(sizeof dir, dir);
+    GetTempFileNameA(dir, stem, 0, name);
+    DeleteFileA(name);
+    return name;
+}
+
+} // namespace rltest
+
+// Installed before any test runs, so no library box can wait for a person.
+class BoxEnvironment : public ::testing::Environment {
+public:
+    void SetUp() override { vSYSTEM::SetMessageBoxProc(rltest::AnswerBox); }
+};
+
+int main(int argc, char** argv)
+{
+    // Windows' own error boxes (missing DLL, critical errors) must not wait either.
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+    vSYSTEM::SetMessageBoxProc(rltest::AnswerBox);
+    ::testing::InitGoogleTest(&argc, argv);
+    ::testing::AddGlobalTestEnvironment(new BoxEnvironment);
+    return RUN_ALL_TESTS();
+}
