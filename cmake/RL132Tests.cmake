@@ -27,7 +27,7 @@ function(rl132_add_test_program name sources label)
   target_link_options(${name} PRIVATE ${RL132_STATIC_RUNTIME})
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
   set_tests_properties(${name} PROPERTIES LABELS ${label}
-    WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/bin TIMEOUT 600)
+    WORKING_DIRECTORY ${CMAKE_BINARY_DIR}/bin TIMEOUT 300)
 endfunction()
 
 foreach(sub ${RL132_SUBSYSTEMS} tools)

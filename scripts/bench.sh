@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Runs every benchmark program of the build under Wine, one after the other.
+# Extra arguments go to each program (e.g. input files for the compression bench).
+set -euo pipefail
+BUILD="$(cd "${1:-build}" && pwd)"; shift || true
+. "$(dirname "$0")/wine-env.sh"
+wine_prefix_ready
+wine_server_up
+for exe in "$BUILD"/bin/bench_*.exe; do
+  [ -e "$exe" ] || continue
+  echo "== $(basename "$exe" .exe)"
+  wine "$exe" "$@"
+  echo
+done
+wine_server_down
