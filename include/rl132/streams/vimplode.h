@@ -1,0 +1,42 @@
+// Block compression in the PKWARE Data Compression Library "implode" format.
+//
+// Both engines are driven entirely through caller callbacks and keep all their
+// state in a caller-supplied work area, so they are reentrant and never allocate.
+#ifndef RL132_STREAMS_VIMPLODE_H
+#define RL132_STREAMS_VIMPLODE_H
+#include "rl132/core/rldefs.h"
+
+// Literal modes.
+#define CMP_BINARY 0
+#define CMP_ASCII  1
+
+// Work-area sizes the callers allocate.
+#define CMP_BUFFER_SIZE 36312u   // implode
+#define EXP_BUFFER_SIZE 12596u   // explode
+
+// Return codes.
+#define CMP_NO_ERROR         0
+#define CMP_INVALID_DICTSIZE 1
+#define CMP_INVALID_MODE     2
+#define CMP_BAD_DATA         3
+#define CMP_ABORT            4
+
+// Read callback: fill buf with up to *size bytes; return how many were placed
+// (0 at the end of input).
+typedef unsigned int (*vIMPLODEREAD)(char* buf, unsigned int* size, void* param);
+// Write callback: consume *size bytes from buf.
+typedef void (*vIMPLODEWRITE)(char* buf, unsigned int* size, void* param);
+
+// Compresses everything read into the implode format. *type is CMP_BINARY or
+// CMP_ASCII, *dsize 1024, 2048 or 4096. Returns 0, CMP_INVALID_DICTSIZE or
+// CMP_INVALID_MODE.
+RL132_API unsigned int implode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work,
+                               void* param, unsigned int* type, unsigned int* dsize);
+
+// Expands an implode stream. Returns 0, CMP_INVALID_DICTSIZE (bad dictionary
+// code), CMP_INVALID_MODE (bad literal mode), CMP_BAD_DATA (fewer than 5 bytes at
+// the start) or CMP_ABORT (corrupt or truncated data; what was decoded before the
+// fault has been written).
+RL132_API unsigned int explode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* param);
+
+#endif
