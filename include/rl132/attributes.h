@@ -4,4 +4,8 @@
 
 #include "rl132/core/rldefs.h"
 
+#include "rl132/attributes/vcolour.h"
+#include "rl132/attributes/vlinespec.h"
+#include "rl132/attributes/vfillspec.h"
+
 #endif

@@ -4,4 +4,8 @@
 
 #include "rl132/core/rldefs.h"
 
+#include "rl132/bitmaps/odibhead.h"
+#include "rl132/bitmaps/odib.h"
+#include "rl132/bitmaps/vbmresize.h"
+
 #endif

@@ -4,4 +4,7 @@
 
 #include "rl132/core/rldefs.h"
 
+#include "rl132/containers/vlist.h"
+#include "rl132/containers/vcollect.h"
+
 #endif

@@ -10,4 +10,7 @@
 #include "rl132/core/vpageout.h"
 #include "rl132/core/vstring.h"
 
+#include "rl132/core/vnumber.h"
+#include "rl132/core/vgeom.h"
+
 #endif

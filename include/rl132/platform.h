@@ -6,4 +6,6 @@
 #include "rl132/platform/vsystem.h"
 #include "rl132/platform/vresid.h"
 
+#include "rl132/platform/oprogress.h"
+
 #endif

@@ -1,0 +1,6 @@
+// Line specifications.
+#ifndef RL132_ATTRIBUTES_VLINESPEC_H
+#define RL132_ATTRIBUTES_VLINESPEC_H
+#include "rl132/core/rldefs.h"
+
+#endif
