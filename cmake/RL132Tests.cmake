@@ -52,3 +52,12 @@ foreach(dir ${_dlls})
     target_link_options(${dllname} PRIVATE ${RL132_STATIC_RUNTIME} -Wl,--kill-at)
   endif()
 endforeach()
+
+# Checks on the built files and the installed SDK, run on the build machine.
+add_test(NAME build_binaries COMMAND bash ${CMAKE_SOURCE_DIR}/tests/build/check_binaries.sh
+  ${CMAKE_OBJDUMP} $<TARGET_FILE:RL132> $<TARGET_FILE:rltool>)
+add_test(NAME build_install_host COMMAND bash ${CMAKE_SOURCE_DIR}/tests/build/check_install.sh
+  ${CMAKE_SOURCE_DIR} ${CMAKE_BINARY_DIR})
+add_test(NAME tools_rltool COMMAND bash ${CMAKE_SOURCE_DIR}/tests/tools/rltool_test.sh
+  ${CMAKE_BINARY_DIR}/wine-run $<TARGET_FILE:rltool>)
+set_tests_properties(build_binaries build_install_host tools_rltool PROPERTIES LABELS headless TIMEOUT 300)
