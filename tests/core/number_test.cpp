@@ -519,3 +519,21 @@ TEST(Number, AngleTrigonometry)
         ASSERT_LE(fabs((double)R(x).aCos()()), fabs(acosDeg) + 0.01) << x;
     }
 }
+
+TEST(Number, PlainIntegerOperands)
+{
+    vINT i(7L);
+    EXPECT_EQ((i + 1)(), 8);
+    EXPECT_EQ((i - 10L)(), -3);
+    EXPECT_EQ((i * -2)(), -14);
+    EXPECT_EQ((i / 2)(), 3);
+    EXPECT_EQ((vINT(0x7FFFFFFFL) + 1)(), (long)INT32_MIN);
+    EXPECT_EQ((i / 0)(), 0);
+    vREAL r(2.5);
+    EXPECT_EQ((r * 2)(), 5 * 65536L);
+    EXPECT_EQ((r * -3L)(), -0x78000L);
+    EXPECT_EQ((r / 2)(), 0x14000L);
+    EXPECT_EQ((r + 1)(), 0x38000L);   // 1 names the real 1.0
+    EXPECT_EQ(i < 8, 1);
+    EXPECT_EQ(r > 2, 1);
+}

@@ -72,6 +72,18 @@ public:
     // The vREAL long division with the integer shifted left by 16 as dividend.
     vREAL operator/(const vREAL& r) const;
 
+    // Plain integers as second operand (vINT(v) would be ambiguous between the
+    // vINT and vREAL overloads). A double operand stays a compile error: say
+    // which of the two arithmetics is meant.
+    vINT operator+(int v) const { return *this + vINT((long)v); }
+    vINT operator+(long v) const { return *this + vINT(v); }
+    vINT operator-(int v) const { return *this - vINT((long)v); }
+    vINT operator-(long v) const { return *this - vINT(v); }
+    vINT operator*(int v) const { return *this * vINT((long)v); }
+    vINT operator*(long v) const { return *this * vINT(v); }
+    vINT operator/(int v) const { return *this / vINT((long)v); }
+    vINT operator/(long v) const { return *this / vINT(v); }
+
     // Newton's integer square root; 0 for n <= 0. The steps round, so the
     // result can be one above the floor of the root (15 gives 4).
     vINT Sqrt() const;
@@ -130,6 +142,11 @@ public:
     vREAL operator/(const vREAL& o) const;
     // Computed in double precision and truncated toward zero.
     vREAL operator/(const vINT& i) const;
+    // Plain integers scale like a vINT.
+    vREAL operator*(int v) const { return *this * vINT((long)v); }
+    vREAL operator*(long v) const { return *this * vINT(v); }
+    vREAL operator/(int v) const { return *this / vINT((long)v); }
+    vREAL operator/(long v) const { return *this / vINT(v); }
 
     // Round() rounds half up for positive values but gives floor(x - 0.5) for
     // every value that is not positive (0 gives -1). Ceil() of a negative value
