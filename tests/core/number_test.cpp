@@ -169,20 +169,6 @@ TEST(Number, RoundingAroundEveryIntegerAndHalf)
     EXPECT_EQ(R(INT32_MIN).Floor()(), -32768);
 }
 
-TEST(Number, RealAddSubtractCompare)
-{
-    std::vector<int32_t> v = InterestingRaws(21, 3000);
-    for (size_t i = 0; i < v.size(); ++i) {
-        int64_t a = v[i], b = v[(i * 13 + 1) % v.size()];
-        ASSERT_EQ(Raw(R(a) + R(b)), Wrap(a + b));
-        ASSERT_EQ(Raw(R(a) - R(b)), Wrap(a - b));
-        ASSERT_EQ(Raw(-R(a)), Wrap(-a));
-        ASSERT_EQ(R(a) < R(b), (int)(a < b));
-        ASSERT_EQ(R(a) >= R(b), (int)(a >= b));
-        ASSERT_EQ(R(a) == R(b), (int)(a == b));
-    }
-}
-
 TEST(Number, RealTimesReal)
 {
     EXPECT_EQ(Raw(vREAL(2) * vREAL(2)), -4 * kOne);
