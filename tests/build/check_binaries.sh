@@ -29,7 +29,7 @@ dump=$("$OBJDUMP" -p "$DLL")
 # Resource types: 6 is the string table, 0x10 the version resource.
 grep -q 'Entry: ID: 0x000006' <<< "$dump" || err "no string table resource"
 grep -q 'Entry: ID: 0x000010' <<< "$dump" || err "no version resource"
-for sym in WEP _Z9vMemAllocm _Z8vMemFreePv _ZN7vSYSTEM13GetTraceLevelEv; do
+for sym in WEP WEP@4 _Z9vMemAllocm _Z8vMemFreePv _ZN7vSYSTEM13GetTraceLevelEv; do
   grep -Eq "\] $sym\$" <<< "$dump" || err "export missing: $sym"
 done
 for prog in "$@"; do

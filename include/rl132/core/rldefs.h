@@ -14,6 +14,23 @@
 #  define RL132_API
 #endif
 
+// Members defined inside a class body are exported too: GCC exports a dllexport
+// class's inline members only when each is marked, and a host must find every
+// member in the DLL.
+#if defined(_WIN32) && defined(__GNUC__) && defined(RL132_BUILDING_DLL)
+#  define RL132_INLINE __attribute__((dllexport))
+#else
+#  define RL132_INLINE
+#endif
+
+// The system's callback convention (stdcall on 32-bit Windows). The DLL exports
+// stdcall functions under both their decorated and plain names.
+#if defined(_WIN32)
+#  define RL132_CALLBACK __stdcall
+#else
+#  define RL132_CALLBACK
+#endif
+
 // Library version, also carried by the DLL's version resource.
 #define RL132_VERSION_MAJOR 1
 #define RL132_VERSION_MINOR 0

@@ -30,9 +30,9 @@ public:
     int NewFailureException(unsigned int size) override;
 
     // The message buffers (255 bytes each, null once released or if never allocated).
-    char* WarningText() const { return pWarning; }
-    char* SevereText() const { return pSevere; }
-    int HasReserve() const { return pReserve != nullptr; }
+    RL132_INLINE char* WarningText() const { return pWarning; }
+    RL132_INLINE char* SevereText() const { return pSevere; }
+    RL132_INLINE int HasReserve() const { return pReserve != nullptr; }
 
 private:
     friend class vSYSTEM;

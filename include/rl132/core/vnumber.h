@@ -11,32 +11,6 @@
 #include "rl132/core/rldefs.h"
 #include "rl132/core/vobject.h"
 
-// The calling convention of the system's per-point line callback. The DLL's
-// exports carry no stdcall "@n" suffixes, so a host refers to a stdcall export
-// by its undecorated symbol; otherwise its import would not resolve.
-#if defined(_WIN32) && defined(__GNUC__) && !defined(_WIN64) && !defined(RL132_BUILDING_DLL) \
-    && !defined(RL132_STATIC)
-#  define RL132_CALLBACK __stdcall
-#  define RL132_UNDECORATED(sym) __asm__(sym)
-#elif defined(_WIN32)
-#  define RL132_CALLBACK __stdcall
-#  define RL132_UNDECORATED(sym)
-#else
-#  define RL132_CALLBACK
-#  define RL132_UNDECORATED(sym)
-#endif
-
-// Members defined in the headers are exported too: GCC exports a dllexport
-// class's inline members only when each is marked, and a host must find every
-// member in the DLL.
-#ifndef RL132_INLINE
-#  if defined(_WIN32) && defined(__GNUC__) && defined(RL132_BUILDING_DLL)
-#    define RL132_INLINE __attribute__((dllexport))
-#  else
-#    define RL132_INLINE
-#  endif
-#endif
-
 class vREAL;
 class vANGLE;
 
@@ -220,8 +194,7 @@ RL132_API short Sqrt(long n);
 // The line renderer's per-point callback for thick solid lines: fills a
 // width x width square centred on (x, y) with the current brush of the active
 // drawing context. The width is in the low 16 bits of `width`.
-RL132_API void RL132_CALLBACK fnLineDDA(short x, short y, long width)
-    RL132_UNDECORATED("_Z9fnLineDDAssl");
+RL132_API void RL132_CALLBACK fnLineDDA(short x, short y, long width);
 
 inline vINT vINT::operator>>(unsigned short n) const
 {

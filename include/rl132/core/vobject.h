@@ -7,10 +7,10 @@
 // any library object by a vOBJECT reference.
 class RL132_API vOBJECT {
 public:
-    vOBJECT() {}
-    vOBJECT(const vOBJECT&) {}
-    ~vOBJECT() {}
-    vOBJECT& operator=(const vOBJECT&) { return *this; }
+    RL132_INLINE vOBJECT() {}
+    RL132_INLINE vOBJECT(const vOBJECT&) {}
+    RL132_INLINE ~vOBJECT() {}
+    RL132_INLINE vOBJECT& operator=(const vOBJECT&) { return *this; }
 };
 
 #endif

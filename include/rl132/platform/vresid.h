@@ -9,13 +9,13 @@ class RL132_API vRESID : public vOBJECT {
 public:
     vRESID();
     explicit vRESID(unsigned short id, HINSTANCE module = nullptr);
-    unsigned short Id() const { return uId; }
+    RL132_INLINE unsigned short Id() const { return uId; }
     // The module that holds the resource (the library when none was given).
     HINSTANCE Module() const;
     // Loads the string resource into buffer (at most size - 1 characters, always
     // terminated when size > 0); returns the number of characters loaded.
     int Load(char* buffer, int size) const;
-    int operator==(const vRESID& r) const { return uId == r.uId && Module() == r.Module(); }
+    RL132_INLINE int operator==(const vRESID& r) const { return uId == r.uId && Module() == r.Module(); }
 
 private:
     unsigned short uId;
@@ -28,7 +28,7 @@ public:
     vMODULE();
     explicit vMODULE(HINSTANCE module);
     ~vMODULE();
-    HINSTANCE Handle() const { return hModule; }
+    RL132_INLINE HINSTANCE Handle() const { return hModule; }
 
 private:
     HINSTANCE hModule;

@@ -29,7 +29,7 @@ public:
     static DEFEXCEP& GetDefaultException();
 
     // The library's module instance handle (string tables, resources).
-    HINSTANCE Instance() const { return hInstance; }
+    RL132_INLINE HINSTANCE Instance() const { return hInstance; }
     static HINSTANCE GetInstance();
 
     // Every message box of the library is shown through ShowMessage. A program
@@ -39,9 +39,9 @@ public:
     static int ShowMessage(HWND owner, const char* text, const char* caption, unsigned int type);
 
     // Registered window messages.
-    static unsigned int AppMessage() { return uAppMessage; }
-    static unsigned int PaletteMessage() { return uPaletteMessage; }
-    static unsigned int CloseMessage() { return uCloseMessage; }
+    RL132_INLINE static unsigned int AppMessage() { return uAppMessage; }
+    RL132_INLINE static unsigned int PaletteMessage() { return uPaletteMessage; }
+    RL132_INLINE static unsigned int CloseMessage() { return uCloseMessage; }
 
 private:
     friend struct vMEMLAYER; // vMemRealloc and its aliases
