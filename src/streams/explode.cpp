@@ -34,6 +34,8 @@ struct ExplodeState {
     unsigned padding;      // zero bits added to the bit buffer after the input ended      // zero bits added after the end of the input
     unsigned inPos, inEnd;
     bool eof;
+    unsigned long long readTotal;  // bytes the read callback delivered
+    unsigned long long used;       // input bytes used, through the last item's byte
     unsigned char in[kInSize + 8];
     unsigned char win[kWinSize + kSlack];
 };
@@ -53,10 +55,13 @@ void FillInput(ExplodeState& s)
     while (!s.eof && s.inEnd < 8) {
         unsigned want = kInSize - s.inEnd;
         unsigned got = s.read(reinterpret_cast<char*>(s.in + s.inEnd), &want, s.param);
-        if (got == 0)
+        if (got == 0) {
             s.eof = true;
-        else
-            s.inEnd += got > kInSize - s.inEnd ? kInSize - s.inEnd : got;
+        } else {
+            got = got > want ? want : got;
+            s.inEnd += got;
+            s.readTotal += got;
+        }
     }
 }
 
@@ -194,6 +199,9 @@ Result Run(ExplodeState& s, unsigned dictBits)
         pos += len;
     }
     Flush(s, flushed, pos);
+    // Whole bytes still in the bit buffer were never reached.
+    unsigned unread = count > s.padding ? (count - s.padding) / 8 : 0;
+    s.used = s.readTotal - (s.inEnd - inPos) - unread;
     return result;
 }
 
@@ -209,17 +217,23 @@ unsigned int explode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* p
     s.padding = 0;
     s.inPos = s.inEnd = 0;
     s.eof = false;
+    s.readTotal = 0;
+    s.used = 0;
 
     // Ask for a full buffer first; a short answer is topped up until five
     // bytes (header and the shortest item stream) are in hand.
     while (!s.eof && s.inEnd < 5) {
         unsigned want = kInSize - s.inEnd;
         unsigned got = read(reinterpret_cast<char*>(s.in + s.inEnd), &want, param);
-        if (got == 0)
+        if (got == 0) {
             s.eof = true;
-        else
-            s.inEnd += got > want ? want : got;
+        } else {
+            got = got > want ? want : got;
+            s.inEnd += got;
+            s.readTotal += got;
+        }
     }
+    s.used = s.inEnd;
     if (s.inEnd < 5)
         return CMP_BAD_DATA;
     unsigned mode = s.in[0], dictCode = s.in[1];
@@ -230,4 +244,11 @@ unsigned int explode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* p
     s.inPos = 2;
     Result r = mode == CMP_ASCII ? Run<true>(s, dictCode) : Run<false>(s, dictCode);
     return r == kDone ? CMP_NO_ERROR : CMP_ABORT;
+}
+
+unsigned long long explode_used(const char* work)
+{
+    uintptr_t a = reinterpret_cast<uintptr_t>(work);
+    const ExplodeState& s = *reinterpret_cast<const ExplodeState*>(work + ((8 - (a & 7)) & 7));
+    return s.used;
 }
