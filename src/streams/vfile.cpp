@@ -5,6 +5,12 @@
 // While a cache exists the system's file pointer stays at base, so writing the
 // cache out is one WriteFile at the pointer, and a move to any position inside
 // the cached bytes is just a new offset.
+//
+// Between writes the same memory reads ahead: it then holds the readLen bytes
+// before base (the system's pointer), readPos of them already delivered, and
+// the stream's position is base - readLen + readPos. Every operation other
+// than a read first gives the unread bytes back (DropReadAhead), so the write
+// cache and the read-ahead never hold bytes at the same time.
 #include <windows.h>
 #include "rl132/streams/vfile.h"
 #include "rl132/core/vstring.h"
@@ -23,21 +29,21 @@ void PutLE(unsigned char* b, unsigned long v, unsigned long n)
 
 vFILE::vFILE()
     : vSTREAM(), handle(INVALID_HANDLE_VALUE), cacheOffset(0), cacheFill(0), base(0),
-      cache(nullptr), mode(kTemporaryMode)
+      cache(nullptr), mode(kTemporaryMode), readLen(0), readPos(0)
 {
     Constructor();
 }
 
 vFILE::vFILE(const vSTRING& name, unsigned long m, int cached)
     : vSTREAM(name, 0), handle(INVALID_HANDLE_VALUE), cacheOffset(0), cacheFill(0), base(0),
-      cache(nullptr), mode((long)m)
+      cache(nullptr), mode((long)m), readLen(0), readPos(0)
 {
     OpenFile(name, m, cached);
 }
 
 vFILE::vFILE(const vFILE& other)
     : vSTREAM(), handle(INVALID_HANDLE_VALUE), cacheOffset(0), cacheFill(0), base(0),
-      cache(nullptr), mode(kTemporaryMode)
+      cache(nullptr), mode(kTemporaryMode), readLen(0), readPos(0)
 {
     Constructor();
     Compress(0);
@@ -83,6 +89,7 @@ void vFILE::Constructor()
     char path[MAX_PATH + 1];
     mode = kTemporaryMode;
     cacheOffset = cacheFill = 0;
+    readLen = readPos = 0;
     base = 0;
     handle = INVALID_HANDLE_VALUE;
     DWORD n = GetTempPathA(500, dir);
@@ -99,6 +106,7 @@ void vFILE::Constructor()
 void vFILE::OpenFile(const vSTRING& name, unsigned long m, int cached)
 {
     cacheOffset = cacheFill = 0;
+    readLen = readPos = 0;
     base = 0;
     SetStatus(vSTREAM_OK);
     mode = (long)m;
@@ -146,6 +154,7 @@ int vFILE::Close()
     if (handle == INVALID_HANDLE_VALUE)
         return 0;
     // What waits in the cache belongs to the file.
+    DropReadAhead();
     if (cache && cacheFill)
         Flush();
     BOOL ok = CloseHandle(handle);
@@ -178,8 +187,10 @@ unsigned long vFILE::Write(const void* data, unsigned long count)
         SetStatus(vSTREAM_READONLY);
         return 0;
     }
-    if (cache)
+    if (cache) {
+        DropReadAhead();
         return WriteCache(data, count);
+    }
     DWORD written = 0;
     if (count && !WriteFile(handle, data, count, &written, nullptr))
         written = 0;
@@ -320,6 +331,57 @@ void vFILE::SetReadStatus(long wanted, long got)
         SetStatus(vSTREAM_SHORTREAD);
 }
 
+void vFILE::DropReadAhead()
+{
+    if (!readLen)
+        return;
+    unsigned long back = (unsigned long)(readLen - readPos);
+    if (back) {
+        LONG high = -1;
+        SetFilePointer(handle, -(LONG)back, &high, FILE_CURRENT);
+        base -= back;
+    }
+    readLen = readPos = 0;
+}
+
+long vFILE::ReadBuffered(unsigned char* out, unsigned long count)
+{
+    unsigned long done = 0;
+    while (done < count) {
+        if (readPos < readLen) {
+            unsigned long take = (unsigned long)(readLen - readPos);
+            if (take > count - done)
+                take = count - done;
+            memcpy(out + done, cache + readPos, take);
+            readPos = (unsigned short)(readPos + take);
+            done += take;
+            continue;
+        }
+        // Everything read ahead is delivered: the system's pointer is at the
+        // position. Large reads go straight into the caller's buffer.
+        readLen = readPos = 0;
+        unsigned long left = count - done;
+        DWORD got = 0;
+        BOOL ok;
+        if (!cache || left >= vFILE_CACHESIZE) {
+            ok = ReadFile(handle, out + done, left, &got, nullptr);
+            base += got;
+            done += got;
+            if (!ok)
+                return done ? (long)done : -1;
+            break;
+        }
+        ok = ReadFile(handle, cache, vFILE_CACHESIZE, &got, nullptr);
+        base += got;
+        readLen = (unsigned short)got;
+        if (!ok)
+            return done ? (long)done : -1;
+        if (got == 0)
+            break;
+    }
+    return (long)done;
+}
+
 void vFILE::ReadRawBytes(unsigned char* bytes, unsigned long count)
 {
     memset(bytes, 0, count);
@@ -328,14 +390,7 @@ void vFILE::ReadRawBytes(unsigned char* bytes, unsigned long count)
         return;
     }
     Flush();
-    DWORD got = 0;
-    if (!ReadFile(handle, bytes, count, &got, nullptr)) {
-        base += got;
-        SetStatus(vSTREAM_READERROR);
-        return;
-    }
-    base += got;
-    SetReadStatus((long)count, (long)got);
+    SetReadStatus((long)count, ReadBuffered(bytes, count));
 }
 
 unsigned long vFILE::ReadULong()
@@ -374,26 +429,21 @@ vOBJECT* vFILE::ReadPointer()
 
 long vFILE::ReadByteString(unsigned char* buffer, unsigned long count)
 {
+    ClearLastCompressed();
     if (handle == INVALID_HANDLE_VALUE) {
         SetStatus(vSTREAM_READERROR);
-        ClearLastCompressed();
         return 0;
     }
-    ClearLastCompressed();
     Flush();
     unsigned long start = CurrentPos();
-    DWORD got = 0;
-    if (count && !ReadFile(handle, buffer, count, &got, nullptr)) {
-        base += got;
-        SetStatus(vSTREAM_READERROR);
-        return (long)got;
-    }
-    base += got;
-    SetReadStatus((long)count, (long)got);
+    long got = ReadBuffered(buffer, count);
+    SetReadStatus((long)count, got);
+    if (got < 0)
+        return 0;
     if (DetectingCompressed() && got >= 4 && buffer[0] == 0xB1 && buffer[1] == 0xAA &&
         buffer[2] == 0x12 && buffer[3] == 0x00)
-        return ExpandFrame(buffer, count, got, start);
-    return (long)got;
+        return ExpandFrame(buffer, count, (unsigned long)got, start);
+    return got;
 }
 
 // ---------------------------------------------------------------- positioning
@@ -413,6 +463,7 @@ int vFILE::SeekTo(unsigned long offset, long high, unsigned long method, unsigne
 unsigned long vFILE::MoveFromStart(unsigned long position)
 {
     SetStatus(vSTREAM_OK);
+    DropReadAhead();
     // Inside the cached bytes only the offset moves: the disk is not touched.
     if (cache && position >= base && position - base <= cacheFill) {
         cacheOffset = position - base;
@@ -431,6 +482,7 @@ unsigned long vFILE::MoveFromStart(unsigned long position)
 unsigned long vFILE::MoveFromCur(long delta)
 {
     SetStatus(vSTREAM_OK);
+    DropReadAhead();
     if (cache && (delta >= 0 ? cacheOffset + (unsigned long)delta <= cacheFill
                              : (unsigned long)-delta <= cacheOffset)) {
         cacheOffset += delta;
@@ -448,6 +500,7 @@ unsigned long vFILE::MoveFromCur(long delta)
 
 unsigned long vFILE::MoveFromEnd(long delta)
 {
+    DropReadAhead();
     Flush();
     SetStatus(vSTREAM_OK);
     unsigned long now;
@@ -461,6 +514,8 @@ unsigned long vFILE::MoveFromEnd(long delta)
 
 unsigned long vFILE::CurrentPos() const
 {
+    if (readLen)
+        return base - (unsigned long)(readLen - readPos);
     if (cache && (cacheOffset || cacheFill))
         return base + cacheOffset;
     if (handle == INVALID_HANDLE_VALUE)
@@ -484,6 +539,8 @@ int vFILE::AtEnd() const
 {
     if (handle == INVALID_HANDLE_VALUE)
         return 1;
+    if (readLen)
+        return CurrentPos() >= Size() ? 1 : 0;
     LONG high = 0;
     DWORD pos = SetFilePointer(handle, 0, &high, FILE_CURRENT);
     return pos >= Size() ? 1 : 0;

@@ -25,14 +25,6 @@ Bytes Frame(const Bytes& packed)
     f.insert(f.end(), packed.begin(), packed.end());
     return f;
 }
-
-Bytes Concat(std::initializer_list<Bytes> parts)
-{
-    Bytes out;
-    for (const Bytes& p : parts)
-        out.insert(out.end(), p.begin(), p.end());
-    return out;
-}
 } // namespace
 
 TEST(StreamBlock, CompressibleBlockIsFramed)

@@ -120,13 +120,7 @@ TEST(StreamFile, CacheWritesOutOnlyWhenTheNextWriteDoesNotFit)
     EXPECT_EQ(f.Status(), vSTREAM_SHORTREAD);
     EXPECT_EQ(f.Size(), 3074UL);
 
-    Bytes all = a;
-    all.insert(all.end(), b.begin(), b.end());
-    all.insert(all.end(), fill.begin(), fill.end());
-    all.push_back(0x5A);
-    all.insert(all.end(), big.begin(), big.end());
-    all.insert(all.end(), c.begin(), c.end());
-    EXPECT_EQ(FileBytes(tmp.path), all);
+    EXPECT_EQ(FileBytes(tmp.path), Concat({a, b, fill, Bytes(1, 0x5A), big, c}));
 }
 
 TEST(StreamFile, ExactlyOneCacheFullStaysInMemory)
@@ -327,5 +321,112 @@ TEST(StreamFile, FileToFileCopyTakesTheRestOfTheSource)
         m = c;
         ASSERT_EQ(m.Size(), 8UL);
         EXPECT_EQ(LE32(m.Buffer() + 4), 0x05060708UL);
+    }
+}
+
+TEST(StreamFile, ReadAheadGivesWayToWritesAndMoves)
+{
+    TempFile tmp;
+    Bytes data = Incompressible(3000, 17);
+    PutFile(tmp.path, data);
+    vFILE f(tmp.Name(), vFILE_UPDATE, 1);
+    EXPECT_EQ(f.ReadULong(), LE32(&data[0]));
+    EXPECT_EQ(f.CurrentPos(), 4UL);
+    EXPECT_FALSE(f.AtEnd());
+    // A write right after a read lands at the position, not where the system
+    // stopped reading.
+    f.WriteULong(0x0BADF00D);
+    EXPECT_EQ(f.CurrentPos(), 8UL);
+    EXPECT_EQ(f.ReadUWord(), data[8] | (data[9] << 8));
+    f.MoveFromCur(-2);
+    EXPECT_EQ(f.ReadUWord(), data[8] | (data[9] << 8));
+    f.MoveFromEnd(-4);
+    EXPECT_EQ(f.ReadULong(), LE32(&data[2996]));
+    EXPECT_TRUE(f.AtEnd());
+    EXPECT_EQ(f.Status(), vSTREAM_OK);
+    f.MoveFromStart(0);
+    unsigned char b[12];
+    EXPECT_EQ(f.ReadByteString(b, 12), 12);
+    EXPECT_EQ(LE32(b + 4), 0x0BADF00DUL);
+    EXPECT_EQ(f.Close(), 1);
+    Bytes disk = FileBytes(tmp.path);
+    ASSERT_EQ(disk.size(), 3000u);
+    EXPECT_EQ(LE32(&disk[4]), 0x0BADF00DUL);
+    disk[4] = data[4], disk[5] = data[5], disk[6] = data[6], disk[7] = data[7];
+    EXPECT_EQ(disk, data);
+}
+
+TEST(StreamFile, RandomOperationsMatchAModelFile)
+{
+    // Random writes, reads and moves on a file, cached and not, checked step by
+    // step against a byte vector; the file must end as the vector.
+    for (int cached = 0; cached < 2; ++cached) {
+        for (unsigned seed = 1; seed <= 6; ++seed) {
+            Rng r(seed * 7919 + cached);
+            TempFile tmp;
+            Bytes model = Incompressible(r.Next() % 3000, seed);
+            PutFile(tmp.path, model);
+            unsigned long pos = 0;
+            {
+                vFILE f(tmp.Name(), vFILE_UPDATE, cached);
+                for (int step = 0; step < 1500; ++step) {
+                    unsigned op = r.Next() % 9;
+                    if (op <= 2) {  // write 1, 2, 4 bytes or a block
+                        unsigned long n = op == 0 ? 1 : op == 1 ? 4 : r.Next() % 1500;
+                        Bytes v = Incompressible(n, r.Next());
+                        if (n == 1)
+                            f.WriteUByte(v[0]);
+                        else if (n == 4)
+                            f.WriteULong(LE32(v.data()));
+                        else
+                            f.WriteBlock(v.data(), n);
+                        if (model.size() < pos + n)
+                            model.resize(pos + n);
+                        std::copy(v.begin(), v.end(), model.begin() + pos);
+                        pos += n;
+                    } else if (op <= 5) {  // read 2 bytes or a run
+                        unsigned long n = op == 3 ? 2 : r.Next() % 2000;
+                        Bytes got(n + 1, 0);
+                        unsigned long expect = pos < model.size() ? model.size() - pos : 0;
+                        if (expect > n)
+                            expect = n;
+                        if (op == 3) {
+                            unsigned short w = f.ReadUWord();
+                            unsigned short m = 0;
+                            for (unsigned long i = 0; i < expect; ++i)
+                                m |= model[pos + i] << (8 * i);
+                            ASSERT_EQ(w, m) << seed << " step " << step;
+                        } else {
+                            f.DetectCompressed(0);
+                            ASSERT_EQ(f.ReadByteString(got.data(), n), (long)expect) << step;
+                            ASSERT_TRUE(std::equal(got.begin(), got.begin() + expect,
+                                                   model.begin() + pos));
+                        }
+                        pos += expect;
+                    } else if (op == 6) {
+                        pos = model.empty() ? 0 : r.Next() % (model.size() + 1);
+                        ASSERT_EQ(f.MoveFromStart(pos), pos);
+                    } else if (op == 7) {
+                        long d = (long)(r.Next() % 200) - 100;
+                        if ((long)pos + d < 0 || pos + d > model.size())
+                            d = 0;
+                        ASSERT_EQ(f.MoveFromCur(d), pos + d) << step;
+                        pos += d;
+                    } else {
+                        long d = -(long)(r.Next() % 50);
+                        if ((long)model.size() + d < 0)
+                            d = 0;
+                        f.MoveFromEnd(d);
+                        // With unwritten cached bytes the disk's end is earlier;
+                        // the position is wherever the system put it.
+                        pos = f.CurrentPos();
+                        ASSERT_LE(pos, model.size());
+                    }
+                    ASSERT_EQ(f.CurrentPos(), pos) << "seed " << seed << " step " << step;
+                    ASSERT_LE(f.Size(), model.size());
+                }
+            }
+            ASSERT_EQ(FileBytes(tmp.path), model) << "seed " << seed << " cached " << cached;
+        }
     }
 }

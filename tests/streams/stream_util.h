@@ -3,6 +3,8 @@
 #define STREAM_UTIL_H
 #include <windows.h>
 #include <cstdio>
+#include <cstring>
+#include <initializer_list>
 #include <string>
 #include <vector>
 #include "rl132.h"
@@ -81,6 +83,21 @@ inline Bytes Incompressible(size_t n, unsigned int seed = 11)
     Bytes out(n);
     for (size_t i = 0; i < n; ++i)
         out[i] = (unsigned char)(r.Next() >> 11);
+    return out;
+}
+
+inline Bytes Concat(std::initializer_list<Bytes> parts)
+{
+    size_t total = 0;
+    for (const Bytes& p : parts)
+        total += p.size();
+    Bytes out(total);
+    size_t at = 0;
+    for (const Bytes& p : parts) {
+        if (!p.empty())
+            memcpy(&out[at], p.data(), p.size());
+        at += p.size();
+    }
     return out;
 }
 
