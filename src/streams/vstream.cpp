@@ -72,7 +72,7 @@ vSTREAM::vSTREAM(const vSTRING& n, unsigned long)
 
 // The name is copied rather than shared: each stream deletes its own.
 vSTREAM::vSTREAM(const vSTREAM& other)
-    : vARCHIVE(), status(other.status), name(new vSTRING(*other.name)), refCount(other.refCount),
+    : vARCHIVE(), status(other.status), name(new vSTRING(other.Name())), refCount(other.refCount),
       attached(nullptr), swapOrder(other.swapOrder), compress(other.compress),
       lastCompressed(other.lastCompressed), detect(other.detect)
 {
@@ -90,6 +90,13 @@ vSTREAM::~vSTREAM()
 }
 
 int vSTREAM::IsStream() const { return 1; }
+
+vSTRING& vSTREAM::Name() const
+{
+    // Only when the name could not be allocated: an empty stand-in.
+    static vSTRING none;
+    return name ? *name : none;
+}
 int vSTREAM::Close() { return 0; }
 int vSTREAM::ReOpen() { return 0; }
 

@@ -98,7 +98,7 @@ public:
     short IncCount() { return refCount++; }
     short DecCount() { return refCount--; }
     int NoRef() const { return refCount == 0; }
-    vSTRING& Name() const { return *name; }
+    vSTRING& Name() const;
     // An object that keeps a byte-order flag tied to this stream: the flag is
     // cleared when the stream goes away.
     void Attach(int* byteOrderFlag) { attached = byteOrderFlag; }
