@@ -24,7 +24,7 @@ struct Sink {
     Word bits;
     unsigned count;
     unsigned pos;
-    unsigned total;               // bytes handed over so far
+    uint64_t total;               // bytes handed over so far
     bool ascii;
     unsigned dictBits;
     unsigned char buf[kOutSize + 16];

@@ -148,7 +148,9 @@ Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue, 
         return best;
     const unsigned char* cur = s.buf + p;
     uint32_t absP = s.base + p;
-    unsigned maxDist = absP < s.dictSize ? absP : s.dictSize;
+    // Everything in front of p in the buffer is real history; bounding by the
+    // offset rather than the absolute position stays right past 4 GB.
+    unsigned maxDist = p < s.dictSize ? p : s.dictSize;
     unsigned dictBits = s.sink.dictBits;
 
     if (maxLen < 3)
@@ -185,21 +187,21 @@ void Parse(ImplodeState& s, const Params& prm)
     Sink& out = s.sink;
     unsigned p = 0, mark = 0;     // mark: positions below it are in the chains
     int byteValue = 24;
-    uint32_t valueAt = kValuePeriod;   // absolute position of the next update
+    uint32_t valueFrom = 0;            // absolute position of the last update
     uint32_t bitsBefore = 0;
     Fill(s, p, mark);
     Found cur = Find<kAscii>(s, p, prm, byteValue, prm.chain);
     while (p < s.end) {
         out.Drain();
-        if (s.base + p >= valueAt) {
-            uint32_t bitsNow = (out.total + out.pos) * 8 + out.count;
+        uint32_t span = s.base + p - valueFrom;   // modular, so right past 4 GB too
+        if (span >= kValuePeriod) {
+            uint32_t bitsNow = uint32_t(out.total + out.pos) * 8 + out.count;
             // A little above the average: runs that cost next to nothing pull
             // the average below what the remaining bytes cost.
-            unsigned span = s.base + p - valueAt + kValuePeriod;
             int v = int(((bitsNow - bitsBefore) * 5 + span / 2) / span);
             byteValue = v < 12 ? 12 : v > 36 ? 36 : v;
             bitsBefore = bitsNow;
-            valueAt = s.base + p + kValuePeriod;
+            valueFrom = s.base + p;
         }
         if (cur.len == 0) {
             out.Literal(s.buf[p]);
