@@ -13,12 +13,18 @@ const unsigned kOutSize = 2048;
 // Collects the bit stream in a small buffer and hands it to the write callback
 // whenever the buffer is nearly full.
 struct Sink {
+    // The accumulator is a machine word and is emptied half a word at a time,
+    // so every Put of up to 16 bits fits without 64-bit arithmetic on 32-bit
+    // targets.
+    typedef uintptr_t Word;
+    static const unsigned kHalf = sizeof(Word) * 4;
+
     vIMPLODEWRITE write;
     void* param;
-    uint64_t bits;
+    Word bits;
     unsigned count;
     unsigned pos;
-    unsigned total;               // bytes handed over so far
+    uint64_t total;               // bytes handed over so far
     bool ascii;
     unsigned dictBits;
     unsigned char buf[kOutSize + 16];
@@ -37,17 +43,16 @@ struct Sink {
         pos = 2;
     }
 
-    // n <= 32 bits.
+    // n <= 16 bits.
     inline void Put(uint32_t v, unsigned n)
     {
-        bits |= uint64_t(v) << count;
+        bits |= Word(v) << count;
         count += n;
-        if (count >= 32) {
-            uint32_t w = uint32_t(bits);
-            memcpy(buf + pos, &w, 4);
-            pos += 4;
-            bits >>= 32;
-            count -= 32;
+        if (count >= kHalf) {
+            memcpy(buf + pos, &bits, kHalf / 8);   // little-endian target
+            pos += kHalf / 8;
+            bits >>= kHalf;
+            count -= kHalf;
         }
     }
 

@@ -55,7 +55,7 @@ const Params kLevels[9] = {
     {12, 32, 0},     // 2
     {8, 16, 8},      // 3: lazy from here on
     {16, 32, 16},    // 4
-    {32, 64, 32},    // 5: default
+    {64, 64, 32},    // 5: default
     {96, 128, 64},   // 6
     {256, 258, 128}, // 7
     {4096, 518, 518},// 8: every candidate
@@ -79,10 +79,8 @@ struct Found {
 
 // Keeps the window filled; slides it when the lookahead runs short. p and mark
 // are buffer offsets that move with the data.
-void Fill(ImplodeState& s, unsigned& p, unsigned& mark)
+__attribute__((noinline)) void Refill(ImplodeState& s, unsigned& p, unsigned& mark)
 {
-    if (s.eof || s.end - p >= kLook)
-        return;
     if (s.end == kBufSize) {
         unsigned shift = p - kHist;
         memmove(s.buf, s.buf + shift, s.end - shift);
@@ -92,6 +90,12 @@ void Fill(ImplodeState& s, unsigned& p, unsigned& mark)
         mark -= shift;
     }
     s.end += ReadSome(s.read, s.param, s.buf + s.end, kBufSize - s.end, s.eof);
+}
+
+inline void Fill(ImplodeState& s, unsigned& p, unsigned& mark)
+{
+    if (s.end - p < kLook && !s.eof)
+        Refill(s, p, mark);
 }
 
 inline void Insert(ImplodeState& s, unsigned p)
@@ -120,7 +124,21 @@ inline int Value(unsigned len, unsigned dist, unsigned dictBits, int byteValue)
 const unsigned kValuePeriod = 512;
 
 template <bool kAscii>
-Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue)
+Found TwoByte(const ImplodeState& s, const unsigned char* cur, uint32_t absP, unsigned maxDist, int byteValue)
+{
+    Found best = {0, 0, -1000};
+    unsigned d2 = uint16_t(absP - s.head2[Hash2(cur)]);
+    if (d2 >= 1 && d2 <= 256 && d2 <= maxDist && cur[-int(d2)] == cur[0] && cur[1 - int(d2)] == cur[1]) {
+        unsigned dictBits = s.sink.dictBits;
+        // Only worth it when cheaper than the two literals.
+        if (CopyCost(2, d2, dictBits) < LiteralCost(cur[0], kAscii) + LiteralCost(cur[1], kAscii))
+            best = {2, d2, Value(2, d2, dictBits, byteValue)};
+    }
+    return best;
+}
+
+template <bool kAscii>
+Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue, unsigned chain)
 {
     Found best = {0, 0, -1000};
     unsigned maxLen = s.end - p;
@@ -130,21 +148,17 @@ Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue)
         return best;
     const unsigned char* cur = s.buf + p;
     uint32_t absP = s.base + p;
-    unsigned maxDist = absP < s.dictSize ? absP : s.dictSize;
+    // Everything in front of p in the buffer is real history; bounding by the
+    // offset rather than the absolute position stays right past 4 GB.
+    unsigned maxDist = p < s.dictSize ? p : s.dictSize;
     unsigned dictBits = s.sink.dictBits;
 
-    unsigned d2 = uint16_t(absP - s.head2[Hash2(cur)]);
-    if (d2 >= 1 && d2 <= 256 && d2 <= maxDist && cur[-int(d2)] == cur[0] && cur[1 - int(d2)] == cur[1]) {
-        // Only worth it when cheaper than the two literals.
-        if (CopyCost(2, d2, dictBits) < LiteralCost(cur[0], kAscii) + LiteralCost(cur[1], kAscii))
-            best = {2, d2, Value(2, d2, dictBits, byteValue)};
-    }
     if (maxLen < 3)
-        return best;
+        return TwoByte<kAscii>(s, cur, absP, maxDist, byteValue);
     unsigned longest = 2;
     unsigned last = 0;
     uint16_t c = s.head[Hash3(cur)];
-    for (unsigned steps = prm.chain; steps; --steps) {
+    for (unsigned steps = chain; steps; --steps) {
         unsigned d = uint16_t(absP - c);
         if (d <= last || d > maxDist)
             break;
@@ -163,7 +177,8 @@ Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue)
         }
         c = s.prev[c & (kMaxDict - 1)];
     }
-    return best;
+    // Two-byte copies matter only where nothing longer turned up.
+    return best.len ? best : TwoByte<kAscii>(s, cur, absP, maxDist, byteValue);
 }
 
 template <bool kAscii>
@@ -172,21 +187,21 @@ void Parse(ImplodeState& s, const Params& prm)
     Sink& out = s.sink;
     unsigned p = 0, mark = 0;     // mark: positions below it are in the chains
     int byteValue = 24;
-    uint32_t valueAt = kValuePeriod;   // absolute position of the next update
+    uint32_t valueFrom = 0;            // absolute position of the last update
     uint32_t bitsBefore = 0;
     Fill(s, p, mark);
-    Found cur = Find<kAscii>(s, p, prm, byteValue);
+    Found cur = Find<kAscii>(s, p, prm, byteValue, prm.chain);
     while (p < s.end) {
         out.Drain();
-        if (s.base + p >= valueAt) {
-            uint32_t bitsNow = (out.total + out.pos) * 8 + out.count;
+        uint32_t span = s.base + p - valueFrom;   // modular, so right past 4 GB too
+        if (span >= kValuePeriod) {
+            uint32_t bitsNow = uint32_t(out.total + out.pos) * 8 + out.count;
             // A little above the average: runs that cost next to nothing pull
             // the average below what the remaining bytes cost.
-            unsigned span = s.base + p - valueAt + kValuePeriod;
             int v = int(((bitsNow - bitsBefore) * 5 + span / 2) / span);
             byteValue = v < 12 ? 12 : v > 36 ? 36 : v;
             bitsBefore = bitsNow;
-            valueAt = s.base + p + kValuePeriod;
+            valueFrom = s.base + p;
         }
         if (cur.len == 0) {
             out.Literal(s.buf[p]);
@@ -194,13 +209,15 @@ void Parse(ImplodeState& s, const Params& prm)
                 Insert(s, p), mark = p + 1;
             ++p;
             Fill(s, p, mark);
-            cur = Find<kAscii>(s, p, prm, byteValue);
+            cur = Find<kAscii>(s, p, prm, byteValue, prm.chain);
             continue;
         }
         if (cur.len < prm.lazy && p + 1 < s.end) {
             if (mark <= p)
                 Insert(s, p), mark = p + 1;
-            Found next = Find<kAscii>(s, p + 1, prm, byteValue);
+            // The look one position ahead needs less care when this copy is
+            // already good.
+            Found next = Find<kAscii>(s, p + 1, prm, byteValue, cur.len >= 8 ? prm.chain / 4 : prm.chain / 2);
             // A literal now pays off when the next position's copy is worth
             // more than this one, counting the literal's cost.
             if (next.len && next.gain - 4 * int(LiteralCost(s.buf[p], kAscii)) + byteValue > cur.gain) {
@@ -219,7 +236,7 @@ void Parse(ImplodeState& s, const Params& prm)
             Insert(s, mark++);
         p = stop;
         Fill(s, p, mark);
-        cur = Find<kAscii>(s, p, prm, byteValue);
+        cur = Find<kAscii>(s, p, prm, byteValue, prm.chain);
     }
 }
 

@@ -70,7 +70,7 @@ unsigned FindMatches(OptState& s, unsigned p)
         return 0;
     }
     const unsigned char* cur = s.buf + p;
-    unsigned maxDist = pos < s.dictSize ? pos : s.dictSize;
+    unsigned maxDist = p < s.dictSize ? p : s.dictSize;   // the buffer holds this much history
     unsigned key = cur[0] | unsigned(cur[1]) << 8;
     uint32_t m = s.head[key];
     s.head[key] = pos + 1;
