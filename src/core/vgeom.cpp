@@ -89,8 +89,8 @@ vINT vRECT::DistFrom(const vPOINT& p) const
 
 vRECT vRECT::Expand(const vINT& width, const vINT& height)
 {
-    // Height before width; the order is visible only through wrapping, but it
-    // is kept.
+    // A zero amount leaves its edges alone (AdjustWidth(0) would not: it grows
+    // by nothing, but only by the arithmetic's accident).
     if (!!height)
         AdjustHeight(height);
     if (!!width)

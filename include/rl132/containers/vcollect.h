@@ -36,11 +36,11 @@ public:
     vCOLLECTION& operator=(const vCOLLECTION& o);
     ~vCOLLECTION();
 
-    vARRAYTYPE Type() const { return type; }
+    RL132_INLINE vARRAYTYPE Type() const { return type; }
     // In 16-bit values: twice the number of points.
-    unsigned short NoValues() const { return count; }
+    RL132_INLINE unsigned short NoValues() const { return count; }
     // Forgets the values and keeps the block.
-    void Reset() { count = 0; }
+    RL132_INLINE void Reset() { count = 0; }
 
     // 1 when appended. Coordinates keep their low 16 bits.
     int AddPoint(const vPOINT& p);

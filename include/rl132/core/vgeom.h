@@ -14,18 +14,18 @@ class vRECT;
 // A point, or a vector from the origin.
 class RL132_API vPOINT : public vOBJECT {
 public:
-    vPOINT() {}
-    vPOINT(const vINT& px, const vINT& py) : x(px), y(py) {}
-    vPOINT(const vPOINT& o) : vOBJECT(), x(o.x), y(o.y) {}
-    vPOINT& operator=(const vPOINT& o) { x = o.x; y = o.y; return *this; }
+    RL132_INLINE vPOINT() {}
+    RL132_INLINE vPOINT(const vINT& px, const vINT& py) : x(px), y(py) {}
+    RL132_INLINE vPOINT(const vPOINT& o) : vOBJECT(), x(o.x), y(o.y) {}
+    RL132_INLINE vPOINT& operator=(const vPOINT& o) { x = o.x; y = o.y; return *this; }
 
-    vINT& X() { return x; }
-    vINT& Y() { return y; }
-    const vINT& X() const { return x; }
-    const vINT& Y() const { return y; }
+    RL132_INLINE vINT& X() { return x; }
+    RL132_INLINE vINT& Y() { return y; }
+    RL132_INLINE const vINT& X() const { return x; }
+    RL132_INLINE const vINT& Y() const { return y; }
 
-    vPOINT operator+(const vPOINT& o) const { return vPOINT(x + o.x, y + o.y); }
-    vPOINT operator-(const vPOINT& o) const { return vPOINT(x - o.x, y - o.y); }
+    RL132_INLINE vPOINT operator+(const vPOINT& o) const { return vPOINT(x + o.x, y + o.y); }
+    RL132_INLINE vPOINT operator-(const vPOINT& o) const { return vPOINT(x - o.x, y - o.y); }
     // Each coordinate through vINT * vREAL (or vINT / vREAL), then truncated
     // back toward zero.
     vPOINT operator*(const vREAL& r) const;
@@ -33,18 +33,18 @@ public:
 
     // Componentwise and all-or-nothing: a < b only when both coordinates are
     // smaller, so two points can be neither < nor >= each other.
-    int operator==(const vPOINT& o) const { return x == o.x && y == o.y; }
-    int operator!=(const vPOINT& o) const { return x != o.x || y != o.y; }
-    int operator<(const vPOINT& o) const { return x < o.x && y < o.y; }
-    int operator<=(const vPOINT& o) const { return x <= o.x && y <= o.y; }
-    int operator>(const vPOINT& o) const { return x > o.x && y > o.y; }
-    int operator>=(const vPOINT& o) const { return x >= o.x && y >= o.y; }
+    RL132_INLINE int operator==(const vPOINT& o) const { return x == o.x && y == o.y; }
+    RL132_INLINE int operator!=(const vPOINT& o) const { return x != o.x || y != o.y; }
+    RL132_INLINE int operator<(const vPOINT& o) const { return x < o.x && y < o.y; }
+    RL132_INLINE int operator<=(const vPOINT& o) const { return x <= o.x && y <= o.y; }
+    RL132_INLINE int operator>(const vPOINT& o) const { return x > o.x && y > o.y; }
+    RL132_INLINE int operator>=(const vPOINT& o) const { return x >= o.x && y >= o.y; }
 
     // x + y with no absolute values: meant for vectors with non-negative
     // components ((-3, 4) gives 1).
-    vINT ManDist() const { return x + y; }
+    RL132_INLINE vINT ManDist() const { return x + y; }
     // vINT::Sqrt of x*x + y*y, the squares and sum wrapping at 32 bits.
-    vINT DiagDist() const { return (x * x + y * y).Sqrt(); }
+    RL132_INLINE vINT DiagDist() const { return (x * x + y * y).Sqrt(); }
     // 1 when the point lies in the rectangle, edges included.
     int operator^(const vRECT& r) const;
 
@@ -55,18 +55,18 @@ public:
 // A width and a height.
 class RL132_API vSIZE : public vOBJECT {
 public:
-    vSIZE() {}
-    vSIZE(const vINT& w, const vINT& h) : width(w), height(h) {}
-    vSIZE(const vSIZE& o) : vOBJECT(), width(o.width), height(o.height) {}
-    vSIZE& operator=(const vSIZE& o) { width = o.width; height = o.height; return *this; }
+    RL132_INLINE vSIZE() {}
+    RL132_INLINE vSIZE(const vINT& w, const vINT& h) : width(w), height(h) {}
+    RL132_INLINE vSIZE(const vSIZE& o) : vOBJECT(), width(o.width), height(o.height) {}
+    RL132_INLINE vSIZE& operator=(const vSIZE& o) { width = o.width; height = o.height; return *this; }
 
-    vINT& Width() { return width; }
-    vINT& Height() { return height; }
-    const vINT& Width() const { return width; }
-    const vINT& Height() const { return height; }
+    RL132_INLINE vINT& Width() { return width; }
+    RL132_INLINE vINT& Height() { return height; }
+    RL132_INLINE const vINT& Width() const { return width; }
+    RL132_INLINE const vINT& Height() const { return height; }
 
-    int operator==(const vSIZE& o) const { return width == o.width && height == o.height; }
-    int operator!=(const vSIZE& o) const { return width != o.width || height != o.height; }
+    RL132_INLINE int operator==(const vSIZE& o) const { return width == o.width && height == o.height; }
+    RL132_INLINE int operator!=(const vSIZE& o) const { return width != o.width || height != o.height; }
 
     vINT width;
     vINT height;
@@ -75,30 +75,30 @@ public:
 // A range of reals from low to high.
 class RL132_API vRANGE : public vOBJECT {
 public:
-    vRANGE() {}
-    vRANGE(const vREAL& l, const vREAL& h) : low(l), high(h) {}
-    vRANGE(const vINT& l, const vINT& h) : low(l), high(h) {}
-    vRANGE(const vRANGE& o) : vOBJECT(), low(o.low), high(o.high) {}
-    vRANGE& operator=(const vRANGE& o) { low = o.low; high = o.high; return *this; }
+    RL132_INLINE vRANGE() {}
+    RL132_INLINE vRANGE(const vREAL& l, const vREAL& h) : low(l), high(h) {}
+    RL132_INLINE vRANGE(const vINT& l, const vINT& h) : low(l), high(h) {}
+    RL132_INLINE vRANGE(const vRANGE& o) : vOBJECT(), low(o.low), high(o.high) {}
+    RL132_INLINE vRANGE& operator=(const vRANGE& o) { low = o.low; high = o.high; return *this; }
 
-    vREAL& Low() { return low; }
-    vREAL& High() { return high; }
-    const vREAL& Low() const { return low; }
-    const vREAL& High() const { return high; }
+    RL132_INLINE vREAL& Low() { return low; }
+    RL132_INLINE vREAL& High() { return high; }
+    RL132_INLINE const vREAL& Low() const { return low; }
+    RL132_INLINE const vREAL& High() const { return high; }
 
-    vRANGE operator+(const vRANGE& o) const { return vRANGE(low + o.low, high + o.high); }
-    vRANGE operator-(const vRANGE& o) const { return vRANGE(low - o.low, high - o.high); }
+    RL132_INLINE vRANGE operator+(const vRANGE& o) const { return vRANGE(low + o.low, high + o.high); }
+    RL132_INLINE vRANGE operator-(const vRANGE& o) const { return vRANGE(low - o.low, high - o.high); }
     // Both ends through vREAL * vREAL (or vREAL / vREAL), quirks included.
     vRANGE operator*(const vREAL& r) const;
     vRANGE operator/(const vREAL& r) const;
 
     // Componentwise and all-or-nothing on (low, high), like vPOINT.
-    int operator==(const vRANGE& o) const { return low == o.low && high == o.high; }
-    int operator!=(const vRANGE& o) const { return low != o.low || high != o.high; }
-    int operator<(const vRANGE& o) const { return low < o.low && high < o.high; }
-    int operator<=(const vRANGE& o) const { return low <= o.low && high <= o.high; }
-    int operator>(const vRANGE& o) const { return low > o.low && high > o.high; }
-    int operator>=(const vRANGE& o) const { return low >= o.low && high >= o.high; }
+    RL132_INLINE int operator==(const vRANGE& o) const { return low == o.low && high == o.high; }
+    RL132_INLINE int operator!=(const vRANGE& o) const { return low != o.low || high != o.high; }
+    RL132_INLINE int operator<(const vRANGE& o) const { return low < o.low && high < o.high; }
+    RL132_INLINE int operator<=(const vRANGE& o) const { return low <= o.low && high <= o.high; }
+    RL132_INLINE int operator>(const vRANGE& o) const { return low > o.low && high > o.high; }
+    RL132_INLINE int operator>=(const vRANGE& o) const { return low >= o.low && high >= o.high; }
 
     vREAL low;
     vREAL high;
@@ -109,48 +109,48 @@ public:
 // overlap include all four edges.
 class RL132_API vRECT : public vOBJECT {
 public:
-    vRECT() {}
-    vRECT(const vPOINT& topLeft, const vPOINT& bottomRight)
+    RL132_INLINE vRECT() {}
+    RL132_INLINE vRECT(const vPOINT& topLeft, const vPOINT& bottomRight)
         : left(topLeft.x), top(topLeft.y), right(bottomRight.x), bottom(bottomRight.y) {}
-    vRECT(const vINT& l, const vINT& t, const vINT& r, const vINT& b)
+    RL132_INLINE vRECT(const vINT& l, const vINT& t, const vINT& r, const vINT& b)
         : left(l), top(t), right(r), bottom(b) {}
     // right = left + width, bottom = top + height, so Width() gives width back.
-    vRECT(const vPOINT& topLeft, const vINT& width, const vINT& height)
+    RL132_INLINE vRECT(const vPOINT& topLeft, const vINT& width, const vINT& height)
         : left(topLeft.x), top(topLeft.y), right(topLeft.x + width), bottom(topLeft.y + height) {}
-    vRECT(const vRECT& o) : vOBJECT(), left(o.left), top(o.top), right(o.right), bottom(o.bottom) {}
-    vRECT& operator=(const vRECT& o)
+    RL132_INLINE vRECT(const vRECT& o) : vOBJECT(), left(o.left), top(o.top), right(o.right), bottom(o.bottom) {}
+    RL132_INLINE vRECT& operator=(const vRECT& o)
     {
         left = o.left; top = o.top; right = o.right; bottom = o.bottom;
         return *this;
     }
 
     // Negative for a rectangle stored the wrong way round.
-    vINT Width() const { return right - left; }
-    vINT Height() const { return bottom - top; }
+    RL132_INLINE vINT Width() const { return right - left; }
+    RL132_INLINE vINT Height() const { return bottom - top; }
 
-    vINT Top() const { return top; }
-    vINT Left() const { return left; }
-    vINT Bottom() const { return bottom; }
-    vINT Right() const { return right; }
-    void Top(const vINT& v) { top = v; }
-    void Left(const vINT& v) { left = v; }
-    void Bottom(const vINT& v) { bottom = v; }
-    void Right(const vINT& v) { right = v; }
+    RL132_INLINE vINT Top() const { return top; }
+    RL132_INLINE vINT Left() const { return left; }
+    RL132_INLINE vINT Bottom() const { return bottom; }
+    RL132_INLINE vINT Right() const { return right; }
+    RL132_INLINE void Top(const vINT& v) { top = v; }
+    RL132_INLINE void Left(const vINT& v) { left = v; }
+    RL132_INLINE void Bottom(const vINT& v) { bottom = v; }
+    RL132_INLINE void Right(const vINT& v) { right = v; }
 
-    vPOINT TopLeft() const { return vPOINT(left, top); }
-    vPOINT TopRight() const { return vPOINT(right, top); }
-    vPOINT BottomLeft() const { return vPOINT(left, bottom); }
-    vPOINT BottomRight() const { return vPOINT(right, bottom); }
-    void TopLeft(const vPOINT& p) { left = p.x; top = p.y; }
-    void TopRight(const vPOINT& p) { right = p.x; top = p.y; }
-    void BottomLeft(const vPOINT& p) { left = p.x; bottom = p.y; }
-    void BottomRight(const vPOINT& p) { right = p.x; bottom = p.y; }
+    RL132_INLINE vPOINT TopLeft() const { return vPOINT(left, top); }
+    RL132_INLINE vPOINT TopRight() const { return vPOINT(right, top); }
+    RL132_INLINE vPOINT BottomLeft() const { return vPOINT(left, bottom); }
+    RL132_INLINE vPOINT BottomRight() const { return vPOINT(right, bottom); }
+    RL132_INLINE void TopLeft(const vPOINT& p) { left = p.x; top = p.y; }
+    RL132_INLINE void TopRight(const vPOINT& p) { right = p.x; top = p.y; }
+    RL132_INLINE void BottomLeft(const vPOINT& p) { left = p.x; bottom = p.y; }
+    RL132_INLINE void BottomRight(const vPOINT& p) { right = p.x; bottom = p.y; }
 
-    int operator==(const vRECT& o) const
+    RL132_INLINE int operator==(const vRECT& o) const
     {
         return left == o.left && top == o.top && right == o.right && bottom == o.bottom;
     }
-    int operator!=(const vRECT& o) const { return !(*this == o); }
+    RL132_INLINE int operator!=(const vRECT& o) const { return !(*this == o); }
 
     // Moves all four edges by p.
     vRECT operator+(const vPOINT& p) const;
@@ -195,33 +195,33 @@ public:
         CONTROL = 0x20   // a control point
     };
 
-    vBEZPOINT() : flags(0) {}
-    vBEZPOINT(const vPOINT& p, unsigned char f) : point(p), flags(f) {}
-    vBEZPOINT(const vBEZPOINT& o) : vOBJECT(), point(o.point), flags(o.flags) {}
-    vBEZPOINT& operator=(const vBEZPOINT& o) { point = o.point; flags = o.flags; return *this; }
+    RL132_INLINE vBEZPOINT() : flags(0) {}
+    RL132_INLINE vBEZPOINT(const vPOINT& p, unsigned char f) : point(p), flags(f) {}
+    RL132_INLINE vBEZPOINT(const vBEZPOINT& o) : vOBJECT(), point(o.point), flags(o.flags) {}
+    RL132_INLINE vBEZPOINT& operator=(const vBEZPOINT& o) { point = o.point; flags = o.flags; return *this; }
 
-    vPOINT& Point() { return point; }
-    const vPOINT& Point() const { return point; }
-    unsigned char Flags() const { return flags; }
-    void Flags(unsigned char f) { flags = f; }
+    RL132_INLINE vPOINT& Point() { return point; }
+    RL132_INLINE const vPOINT& Point() const { return point; }
+    RL132_INLINE unsigned char Flags() const { return flags; }
+    RL132_INLINE void Flags(unsigned char f) { flags = f; }
 
-    int First() const { return (flags & FIRST) != 0; }
-    int Last() const { return (flags & LAST) != 0; }
-    int LineTo() const { return (flags & LINETO) != 0; }
-    int CurveTo() const { return (flags & CURVETO) != 0; }
-    int Control() const { return (flags & CONTROL) != 0; }
+    RL132_INLINE int First() const { return (flags & FIRST) != 0; }
+    RL132_INLINE int Last() const { return (flags & LAST) != 0; }
+    RL132_INLINE int LineTo() const { return (flags & LINETO) != 0; }
+    RL132_INLINE int CurveTo() const { return (flags & CURVETO) != 0; }
+    RL132_INLINE int Control() const { return (flags & CONTROL) != 0; }
     // Each sets (non-zero) or clears (0) its own bit only.
-    void First(int on) { Set(FIRST, on); }
-    void Last(int on) { Set(LAST, on); }
-    void LineTo(int on) { Set(LINETO, on); }
-    void CurveTo(int on) { Set(CURVETO, on); }
-    void Control(int on) { Set(CONTROL, on); }
+    RL132_INLINE void First(int on) { Set(FIRST, on); }
+    RL132_INLINE void Last(int on) { Set(LAST, on); }
+    RL132_INLINE void LineTo(int on) { Set(LINETO, on); }
+    RL132_INLINE void CurveTo(int on) { Set(CURVETO, on); }
+    RL132_INLINE void Control(int on) { Set(CONTROL, on); }
 
     vPOINT point;
     unsigned char flags;
 
 private:
-    void Set(unsigned char bit, int on)
+    RL132_INLINE void Set(unsigned char bit, int on)
     {
         flags = (unsigned char)(on ? (flags | bit) : (flags & ~bit));
     }

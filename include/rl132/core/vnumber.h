@@ -11,11 +11,30 @@
 #include "rl132/core/rldefs.h"
 #include "rl132/core/vobject.h"
 
-// The calling convention of the system's per-point line callback.
-#if defined(_WIN32)
+// The calling convention of the system's per-point line callback. The DLL's
+// exports carry no stdcall "@n" suffixes, so a host refers to a stdcall export
+// by its undecorated symbol; otherwise its import would not resolve.
+#if defined(_WIN32) && defined(__GNUC__) && !defined(_WIN64) && !defined(RL132_BUILDING_DLL) \
+    && !defined(RL132_STATIC)
 #  define RL132_CALLBACK __stdcall
+#  define RL132_UNDECORATED(sym) __asm__(sym)
+#elif defined(_WIN32)
+#  define RL132_CALLBACK __stdcall
+#  define RL132_UNDECORATED(sym)
 #else
 #  define RL132_CALLBACK
+#  define RL132_UNDECORATED(sym)
+#endif
+
+// Members defined in the headers are exported too: GCC exports a dllexport
+// class's inline members only when each is marked, and a host must find every
+// member in the DLL.
+#ifndef RL132_INLINE
+#  if defined(_WIN32) && defined(__GNUC__) && defined(RL132_BUILDING_DLL)
+#    define RL132_INLINE __attribute__((dllexport))
+#  else
+#    define RL132_INLINE
+#  endif
 #endif
 
 class vREAL;
@@ -25,33 +44,33 @@ class vSTREAM;
 // A whole number: a signed 32-bit value with wrapping arithmetic.
 class RL132_API vINT : public vOBJECT {
 public:
-    vINT() : value(0) {}
+    RL132_INLINE vINT() : value(0) {}
     // Values wider than 32 bits (only possible where long is 64-bit) keep their
     // low 32 bits, so every platform computes the same results.
-    vINT(long v) : value(Wrap((unsigned long)v)) {}
+    RL132_INLINE vINT(long v) : value(Wrap((unsigned long)v)) {}
     // Truncates toward zero: 2.75 gives 2 and -2.75 gives -2 (unlike Floor()).
-    vINT(const vREAL& r);
-    vINT(const vINT& o) : vOBJECT(), value(o.value) {}
-    vINT& operator=(const vINT& o) { value = o.value; return *this; }
+    RL132_INLINE vINT(const vREAL& r);
+    RL132_INLINE vINT(const vINT& o) : vOBJECT(), value(o.value) {}
+    RL132_INLINE vINT& operator=(const vINT& o) { value = o.value; return *this; }
 
-    long operator()() const { return value; }
+    RL132_INLINE long operator()() const { return value; }
 
-    vINT operator-() const { return vINT(Wrap(0u - U())); }
+    RL132_INLINE vINT operator-() const { return vINT(Wrap(0u - U())); }
     // Shift counts are taken modulo 32; the right shift keeps the sign.
-    vINT operator<<(unsigned short n) const { return vINT(Wrap(U() << (n & 31))); }
-    vINT operator>>(unsigned short n) const;
+    RL132_INLINE vINT operator<<(unsigned short n) const { return vINT(Wrap(U() << (n & 31))); }
+    RL132_INLINE vINT operator>>(unsigned short n) const;
 
-    int operator==(const vINT& o) const { return value == o.value; }
-    int operator!=(const vINT& o) const { return value != o.value; }
-    int operator<(const vINT& o) const { return value < o.value; }
-    int operator<=(const vINT& o) const { return value <= o.value; }
-    int operator>(const vINT& o) const { return value > o.value; }
-    int operator>=(const vINT& o) const { return value >= o.value; }
-    int operator!() const { return value == 0; }
+    RL132_INLINE int operator==(const vINT& o) const { return value == o.value; }
+    RL132_INLINE int operator!=(const vINT& o) const { return value != o.value; }
+    RL132_INLINE int operator<(const vINT& o) const { return value < o.value; }
+    RL132_INLINE int operator<=(const vINT& o) const { return value <= o.value; }
+    RL132_INLINE int operator>(const vINT& o) const { return value > o.value; }
+    RL132_INLINE int operator>=(const vINT& o) const { return value >= o.value; }
+    RL132_INLINE int operator!() const { return value == 0; }
 
-    vINT operator+(const vINT& o) const { return vINT(Wrap(U() + o.U())); }
-    vINT operator-(const vINT& o) const { return vINT(Wrap(U() - o.U())); }
-    vINT operator*(const vINT& o) const { return vINT(Wrap(U() * o.U())); }
+    RL132_INLINE vINT operator+(const vINT& o) const { return vINT(Wrap(U() + o.U())); }
+    RL132_INLINE vINT operator-(const vINT& o) const { return vINT(Wrap(U() - o.U())); }
+    RL132_INLINE vINT operator*(const vINT& o) const { return vINT(Wrap(U() * o.U())); }
     // Truncates toward zero. The most negative value divided by -1 wraps to
     // itself, and a zero divisor gives 0 instead of a processor fault.
     vINT operator/(const vINT& o) const;
@@ -65,6 +84,18 @@ public:
     // The vREAL long division with the integer shifted left by 16 as dividend.
     vREAL operator/(const vREAL& r) const;
 
+    // Plain integers as second operand (vINT(v) would be ambiguous between the
+    // vINT and vREAL overloads). A double operand stays a compile error: say
+    // which of the two arithmetics is meant.
+    RL132_INLINE vINT operator+(int v) const { return *this + vINT((long)v); }
+    RL132_INLINE vINT operator+(long v) const { return *this + vINT(v); }
+    RL132_INLINE vINT operator-(int v) const { return *this - vINT((long)v); }
+    RL132_INLINE vINT operator-(long v) const { return *this - vINT(v); }
+    RL132_INLINE vINT operator*(int v) const { return *this * vINT((long)v); }
+    RL132_INLINE vINT operator*(long v) const { return *this * vINT(v); }
+    RL132_INLINE vINT operator/(int v) const { return *this / vINT((long)v); }
+    RL132_INLINE vINT operator/(long v) const { return *this / vINT(v); }
+
     // Newton's integer square root; 0 for n <= 0. The steps round, so the
     // result can be one above the floor of the root (15 gives 4).
     vINT Sqrt() const;
@@ -75,8 +106,8 @@ public:
     vSTREAM& operator>>(vSTREAM& stream) const;
 
 private:
-    static long Wrap(unsigned long u) { return (long)(int)(unsigned int)u; }
-    unsigned int U() const { return (unsigned int)value; }
+    RL132_INLINE static long Wrap(unsigned long u) { return (long)(int)(unsigned int)u; }
+    RL132_INLINE unsigned int U() const { return (unsigned int)value; }
     long value;
 };
 
@@ -85,36 +116,36 @@ class RL132_API vREAL : public vOBJECT {
     friend class vINT;
     friend class vANGLE;
 public:
-    vREAL() : raw(0) {}
+    RL132_INLINE vREAL() : raw(0) {}
     // The integer shifted left by 16, wrapping for magnitudes of 32,768 and more.
-    vREAL(const vINT& i) : raw(Wrap((unsigned int)i() << 16)) {}
-    vREAL(short s) : raw(Wrap((unsigned int)s << 16)) {}
+    RL132_INLINE vREAL(const vINT& i) : raw(Wrap((unsigned int)i() << 16)) {}
+    RL132_INLINE vREAL(short s) : raw(Wrap((unsigned int)s << 16)) {}
     // Same as from a vINT; lets plain literals such as vREAL(2) name a real.
-    vREAL(int i) : raw(Wrap((unsigned int)i << 16)) {}
+    RL132_INLINE vREAL(int i) : raw(Wrap((unsigned int)i << 16)) {}
     // d * 65,536 truncated toward zero; out of range (or not a number) gives
     // the raw value 0x80000000, as the processor's conversion does.
     vREAL(double d);
-    vREAL(const vREAL& o) : vOBJECT(), raw(o.raw) {}
+    RL132_INLINE vREAL(const vREAL& o) : vOBJECT(), raw(o.raw) {}
 
     // A real from its raw 16.16 bits.
-    static vREAL FromRaw(long rawValue) { return vREAL(rawValue); }
+    RL132_INLINE static vREAL FromRaw(long rawValue) { return vREAL(rawValue); }
 
-    vREAL& operator=(const vINT& i) { raw = Wrap((unsigned int)i() << 16); return *this; }
-    vREAL& operator=(const vREAL& o) { raw = o.raw; return *this; }
+    RL132_INLINE vREAL& operator=(const vINT& i) { raw = Wrap((unsigned int)i() << 16); return *this; }
+    RL132_INLINE vREAL& operator=(const vREAL& o) { raw = o.raw; return *this; }
 
     // The raw 16.16 value, not the integer part.
-    long operator()() const { return raw; }
+    RL132_INLINE long operator()() const { return raw; }
 
-    vREAL operator+(const vREAL& o) const { return vREAL(Wrap(U() + o.U())); }
-    vREAL operator-(const vREAL& o) const { return vREAL(Wrap(U() - o.U())); }
-    vREAL operator-() const { return vREAL(Wrap(0u - U())); }
+    RL132_INLINE vREAL operator+(const vREAL& o) const { return vREAL(Wrap(U() + o.U())); }
+    RL132_INLINE vREAL operator-(const vREAL& o) const { return vREAL(Wrap(U() - o.U())); }
+    RL132_INLINE vREAL operator-() const { return vREAL(Wrap(0u - U())); }
 
-    int operator==(const vREAL& o) const { return raw == o.raw; }
-    int operator!=(const vREAL& o) const { return raw != o.raw; }
-    int operator<(const vREAL& o) const { return raw < o.raw; }
-    int operator<=(const vREAL& o) const { return raw <= o.raw; }
-    int operator>(const vREAL& o) const { return raw > o.raw; }
-    int operator>=(const vREAL& o) const { return raw >= o.raw; }
+    RL132_INLINE int operator==(const vREAL& o) const { return raw == o.raw; }
+    RL132_INLINE int operator!=(const vREAL& o) const { return raw != o.raw; }
+    RL132_INLINE int operator<(const vREAL& o) const { return raw < o.raw; }
+    RL132_INLINE int operator<=(const vREAL& o) const { return raw <= o.raw; }
+    RL132_INLINE int operator>(const vREAL& o) const { return raw > o.raw; }
+    RL132_INLINE int operator>=(const vREAL& o) const { return raw >= o.raw; }
 
     // Multiplies the magnitudes through four 16-bit partial products (the lowest
     // truncated), then negates unless the raw values' XOR is positive. So two
@@ -128,6 +159,11 @@ public:
     vREAL operator/(const vREAL& o) const;
     // Computed in double precision and truncated toward zero.
     vREAL operator/(const vINT& i) const;
+    // Plain integers scale like a vINT.
+    RL132_INLINE vREAL operator*(int v) const { return *this * vINT((long)v); }
+    RL132_INLINE vREAL operator*(long v) const { return *this * vINT(v); }
+    RL132_INLINE vREAL operator/(int v) const { return *this / vINT((long)v); }
+    RL132_INLINE vREAL operator/(long v) const { return *this / vINT(v); }
 
     // Round() rounds half up for positive values but gives floor(x - 0.5) for
     // every value that is not positive (0 gives -1). Ceil() of a negative value
@@ -149,9 +185,9 @@ public:
 
 private:
     // Takes a raw value as it stands; only the library builds reals this way.
-    vREAL(long rawValue) : raw(Wrap((unsigned long)rawValue)) {}
-    static long Wrap(unsigned long u) { return (long)(int)(unsigned int)u; }
-    unsigned int U() const { return (unsigned int)raw; }
+    RL132_INLINE vREAL(long rawValue) : raw(Wrap((unsigned long)rawValue)) {}
+    RL132_INLINE static long Wrap(unsigned long u) { return (long)(int)(unsigned int)u; }
+    RL132_INLINE unsigned int U() const { return (unsigned int)raw; }
     long raw;
 };
 
@@ -159,18 +195,18 @@ private:
 class RL132_API vANGLE : public vOBJECT {
     friend class vREAL;
 public:
-    vANGLE() : raw(0) {}
+    RL132_INLINE vANGLE() : raw(0) {}
     // Whole degrees reduced modulo 360 with the sign kept: 370 is 10, -370 is -10.
-    vANGLE(short deg) : raw(Reduce(deg)) {}
-    vANGLE(int deg) : raw(Reduce(deg)) {}
+    RL132_INLINE vANGLE(short deg) : raw(Reduce(deg)) {}
+    RL132_INLINE vANGLE(int deg) : raw(Reduce(deg)) {}
     // Degrees * 65,536 truncated toward zero, not reduced: 400.0 stays 400.
     vANGLE(double deg);
-    vANGLE(const vANGLE& o) : vOBJECT(), raw(o.raw) {}
-    vANGLE& operator=(const vANGLE& o) { raw = o.raw; return *this; }
+    RL132_INLINE vANGLE(const vANGLE& o) : vOBJECT(), raw(o.raw) {}
+    RL132_INLINE vANGLE& operator=(const vANGLE& o) { raw = o.raw; return *this; }
 
-    static vANGLE FromRaw(long rawValue) { vANGLE a; a.raw = (long)(int)(unsigned int)(unsigned long)rawValue; return a; }
+    RL132_INLINE static vANGLE FromRaw(long rawValue) { vANGLE a; a.raw = (long)(int)(unsigned int)(unsigned long)rawValue; return a; }
     // The raw 16.16 degrees.
-    long operator()() const { return raw; }
+    RL132_INLINE long operator()() const { return raw; }
 
     // Double-precision results, times 65,536, truncated toward zero.
     vREAL Sin() const;
@@ -178,7 +214,7 @@ public:
     vREAL Tan() const;
 
 private:
-    static long Reduce(int deg) { return (long)(int)((unsigned int)(deg % 360) << 16); }
+    RL132_INLINE static long Reduce(int deg) { return (long)(int)((unsigned int)(deg % 360) << 16); }
     long raw;
 };
 
@@ -195,7 +231,8 @@ RL132_API short Sqrt(long n);
 // The line renderer's per-point callback for thick solid lines: fills a
 // width x width square centred on (x, y) with the current brush of the active
 // drawing context. The width is in the low 16 bits of `width`.
-RL132_API void RL132_CALLBACK fnLineDDA(short x, short y, long width);
+RL132_API void RL132_CALLBACK fnLineDDA(short x, short y, long width)
+    RL132_UNDECORATED("_Z9fnLineDDAssl");
 
 inline vINT vINT::operator>>(unsigned short n) const
 {
