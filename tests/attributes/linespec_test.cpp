@@ -1,6 +1,7 @@
 // vLINESPEC: defaults, line types with their stock patterns, the comparison
 // that ignores the pattern, getters and setters.
 #include <gtest/gtest.h>
+#include <cstring>
 #include <vector>
 #include "rl132.h"
 
@@ -135,4 +136,105 @@ TEST(LineSpec, CopiesCarryEveryFieldAndSettersStoreUnchecked)
     }
     b.Width(vINT(-2147483647L - 1));
     EXPECT_EQ(b.Width()(), -2147483647L - 1);
+}
+
+// ---------------------------------------------------------------- stream form
+
+TEST(LineSpecStream, TwentyFourBytesByteForByte)
+{
+    vMEMSTREAM m;
+    vLINESPEC dashed(vLT_DASH3, vCOLOUR(vCMYK, 0x64000000, 80, 1), vINT(-3), (vCORNERTYPE)1, (vDASHTYPE)2);
+    vSTREAM& back = (dashed >> m);
+    EXPECT_EQ(&back, &m);
+    vLINESPEC() >> m;
+    const unsigned char expected[] = {
+        0x00, 0x00, 0x00, 0x64, 2, 80, 0x10, 0x00,   // colour
+        0xFD, 0xFF, 0xFF, 0xFF,                       // width -3
+        4, 0, 1, 0, 2, 0,                             // line, corner, dash types
+        5, 3, 3, 3, 0, 0,                             // pattern
+        0x00, 0x00, 0x00, 0x00, 0, 100, 0x00, 0x00,
+        0x01, 0x00, 0x00, 0x00,
+        1, 0, 2, 0, 0, 0,
+        0, 0, 0, 0, 0, 0,                             // solid: zeroed, not stray bytes
+    };
+    ASSERT_EQ(m.Size(), sizeof expected);
+    for (size_t i = 0; i < sizeof expected; ++i)
+        EXPECT_EQ(m.Buffer()[i], expected[i]) << "byte " << i;
+}
+
+TEST(LineSpecStream, ReadingRestoresEveryFieldWithoutApplyingTheLineType)
+{
+    // A pattern no stock type would give, on a stock type; and "no line" with
+    // a width: reading keeps both as saved.
+    const unsigned char odd[6] = {1, 2, 3, 4, 5, 6};
+    vLINESPEC a(vLT_USER, vCOLOUR(10, 20, 30), vINT(8), (vCORNERTYPE)0, (vDASHTYPE)1, odd);
+    a.LineType(vLT_DASH1, nullptr);   // pattern becomes 3, 3, 0, 0, 0, 0
+    vLINESPEC saved = a;
+    vMEMSTREAM m;
+    a >> m;
+    // Patch the saved line type to vLT_NONE and the pattern to 1..6 by hand.
+    std::vector<unsigned char> bytes(m.Buffer(), m.Buffer() + m.Size());
+    ASSERT_EQ(bytes.size(), 24u);
+    bytes[12] = 0;
+    for (int i = 0; i < 6; ++i)
+        bytes[18 + i] = (unsigned char)(i + 1);
+    unsigned char* buffer = (unsigned char*)vMemAlloc(24);
+    memcpy(buffer, bytes.data(), 24);
+    {
+        vMEMSTREAM in(&buffer, 24, vSTRING(), 0, 0);
+        vLINESPEC r;
+        r << in;
+        EXPECT_EQ(r.LineType(), vLT_NONE);
+        EXPECT_EQ(r.Width()(), 8);
+        EXPECT_EQ(PatternOf(r), (std::vector<int>{1, 2, 3, 4, 5, 6}));
+        EXPECT_TRUE(r.Colour() == vCOLOUR(10, 20, 30));
+        EXPECT_EQ((int)r.DashType(), 1);
+        EXPECT_EQ(in.Status(), vSTREAM_OK);
+    }
+    vMemFree(buffer);
+
+    // The stream constructor reads the same way.
+    m.MoveFromStart(0);
+    vLINESPEC c(m);
+    EXPECT_TRUE(c == saved);
+    EXPECT_EQ(PatternOf(c), (std::vector<int>{3, 3, 0, 0, 0, 0}));
+
+    // Types travel as words and come back zero-extended.
+    vLINESPEC wide(vLT_SOLID, vCOLOUR(), vINT(1), (vCORNERTYPE)-1, (vDASHTYPE)0x12345);
+    vMEMSTREAM w;
+    wide >> w;
+    w.MoveFromStart(0);
+    vLINESPEC narrow(w);
+    EXPECT_EQ((int)narrow.CornerType(), 0xFFFF);
+    EXPECT_EQ((int)narrow.DashType(), 0x2345);
+}
+
+TEST(LineSpecStream, CompressingStreamsKeepThePatternRawAndShortDataReadsZeros)
+{
+    vLINESPEC a(vLT_DASH4, vCOLOUR(1, 2, 3), vINT(2));
+    {
+        vFILE f;
+        f.Compress(1);
+        a >> f;
+        EXPECT_EQ(f.CurrentPos(), 24u);
+        f.MoveFromStart(0);
+        vLINESPEC r(f);
+        EXPECT_TRUE(r == a);
+        EXPECT_EQ(PatternOf(r), (std::vector<int>{5, 3, 3, 3, 3, 3}));
+        EXPECT_EQ(f.Status(), vSTREAM_OK);
+    }
+    // A record cut inside its pattern: the missing bytes read as 0, the
+    // status says the data ended, nothing outside the pattern is touched.
+    vMEMSTREAM m;
+    a >> m;
+    unsigned char* buffer = (unsigned char*)vMemAlloc(21);
+    memcpy(buffer, m.Buffer(), 21);
+    {
+        vMEMSTREAM in(&buffer, 21, vSTRING(), 0, 0);
+        vLINESPEC r(in);
+        EXPECT_EQ(PatternOf(r), (std::vector<int>{5, 3, 3, 0, 0, 0}));
+        EXPECT_EQ(r.LineType(), vLT_DASH4);
+        EXPECT_EQ(in.Status(), vSTREAM_SHORTREAD);
+    }
+    vMemFree(buffer);
 }

@@ -32,6 +32,8 @@ public:
     vLINESPEC(vLINETYPE type = vLT_SOLID, const vCOLOUR& colour = vCOLOUR(), const vINT& width = vINT(1),
               vCORNERTYPE corner = (vCORNERTYPE)2, vDASHTYPE dash = (vDASHTYPE)0,
               const unsigned char* pattern = nullptr);
+    // RGB black, width 0, then the stream form.
+    explicit vLINESPEC(vSTREAM& stream);
     vLINESPEC(const vLINESPEC& other);
     vLINESPEC& operator=(const vLINESPEC& other);
 
@@ -54,6 +56,12 @@ public:
     void Width(const vINT& w) { width = w; }
     void CornerType(vCORNERTYPE c) { cornerType = c; }
     void DashType(vDASHTYPE d) { dashType = d; }
+
+    // Stream form, 24 bytes: the colour's 8, width (long), line, corner and dash
+    // types (words), six pattern bytes. `spec << stream` loads exactly what was
+    // stored (no stock pattern, no width rule); `spec >> stream` stores.
+    vSTREAM& operator<<(vSTREAM& stream);
+    vSTREAM& operator>>(vSTREAM& stream) const;
 
 private:
     vCOLOUR colour;
