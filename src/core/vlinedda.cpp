@@ -1,0 +1,27 @@
+// The per-point callback that the line renderer hands to LineDDA for thick
+// solid lines: one square pen dot per point.
+#include "core/vlinedda.h"
+#include "rl132/core/vnumber.h"
+
+namespace {
+HDC g_lineDC = 0;
+}
+
+HDC vLineDDASetDC(HDC dc)
+{
+    HDC old = g_lineDC;
+    g_lineDC = dc;
+    return old;
+}
+
+void RL132_CALLBACK fnLineDDA(short x, short y, long width)
+{
+    if (!g_lineDC)
+        return;
+    // The width travels in the low 16 bits of the callback's data word. The
+    // square's corner is offset by half the width (arithmetic shift), so odd
+    // widths put the extra pixel on the right and bottom.
+    int w = (int)((unsigned long)width & 0xFFFFu);
+    int half = w >> 1;
+    PatBlt(g_lineDC, x - half, y - half, w, w, PATCOPY);
+}
