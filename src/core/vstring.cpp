@@ -1,5 +1,478 @@
 // vSTRING: the library's owned, zero-terminated ANSI string.
+#include <windows.h>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
 #include "rl132/core/vstring.h"
+#include "rl132/core/vmem.h"
+#include "rl132/core/vtrace.h"
+#include "rl132/platform/vresid.h"
+#include "rl132/platform/vsystem.h"
+
+namespace {
+
+const unsigned long kMaxLength = 0xFFFF;   // lengths are 16-bit
+const int kScratch = 1024;                 // the shared local scratch buffer
+
+// Handed out by operator() when an allocation left a string without a buffer.
+char gEmptyText[1] = {0};
+
+// The argument block behind text that is formatted with no arguments of its
+// own. wsprintf consumes at most 8 bytes per directive and a directive takes
+// at least 2 characters, so 1,023 characters of format can never read past it;
+// every directive sees zeros ("%d" gives 0, "%s" a null string).
+const unsigned long kNoArguments[kScratch] = {0};
+
+unsigned long CappedLength(const char* text)
+{
+    if (!text)
+        return 0;
+    size_t n = strlen(text);
+    return n > kMaxLength ? kMaxLength : (unsigned long)n;
+}
+
+char* NewText(const char* text, unsigned long length)
+{
+    char* p = (char*)vMemAlloc(length + 1);
+    if (!p)
+        return nullptr;
+    if (length)
+        memcpy(p, text, length);
+    p[length] = 0;
+    return p;
+}
+
+// wvsprintfA stops at 1,024 bytes; the terminator is set here in any case so the
+// copy that follows never runs past the buffer.
+void FormatInto(char* out, const char* format, va_list args)
+{
+    wvsprintfA(out, format, args);
+    out[kScratch - 1] = 0;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------- vCHAR
+
+vCHAR::vCHAR() : cChar(0) {}
+vCHAR::vCHAR(unsigned short c) : cChar((char)(c & 0xFF)) {}
+
+char vCHAR::operator()() const { return cChar; }
+
+vCHAR& vCHAR::Next()
+{
+    cChar = (char)(((unsigned char)cChar + 1) & 0xFF);
+    return *this;
+}
+
+int vCHAR::Symbol(char& c) const
+{
+    c = cChar;
+    unsigned char u = (unsigned char)cChar;
+    if (u <= ' ' || u == 0x7F)
+        return 0;
+    return ::IsCharAlphaNumericA(cChar) ? 0 : 1;
+}
+
+int vCHAR::operator==(const vCHAR& c) const { return cChar == c.cChar; }
+int vCHAR::operator!=(const vCHAR& c) const { return cChar != c.cChar; }
+int vCHAR::operator<(const vCHAR& c) const { return (unsigned char)cChar < (unsigned char)c.cChar; }
+int vCHAR::operator>(const vCHAR& c) const { return (unsigned char)cChar > (unsigned char)c.cChar; }
+int vCHAR::operator<=(const vCHAR& c) const { return (unsigned char)cChar <= (unsigned char)c.cChar; }
+int vCHAR::operator>=(const vCHAR& c) const { return (unsigned char)cChar >= (unsigned char)c.cChar; }
+
+int vCHAR::IsCharAlphaA() const { return ::IsCharAlphaA(cChar) ? 1 : 0; }
+int vCHAR::IsCharNumeric() const { return (::IsCharAlphaNumericA(cChar) && !::IsCharAlphaA(cChar)) ? 1 : 0; }
+int vCHAR::IsCharUpperA() const { return ::IsCharUpperA(cChar) ? 1 : 0; }
+int vCHAR::IsCharLowerA() const { return ::IsCharLowerA(cChar) ? 1 : 0; }
+
+// ---------------------------------------------------------------- construction
+
+vSTRING::vSTRING() : pText(NewText("", 0))
+{
+    vTrace(3, "vSTRING::vSTRING()");
+}
+
+vSTRING::vSTRING(const vSTRING& s) : vOBJECT(s), pText(nullptr)
+{
+    vTrace(9, "vSTRING::vSTRING(vSTRING)");
+    pText = NewText(s(), CappedLength(s()));
+}
+
+vSTRING::vSTRING(const char* format, ...) : pText(nullptr)
+{
+    vTrace(9, "vSTRING::vSTRING(format)");
+    if (!format) {
+        pText = NewText("", 0);
+        return;
+    }
+    va_list args;
+    va_start(args, format);
+    FormatInto((char*)vSYSTEM::GetLocalBuffer(), format, args);
+    va_end(args);
+    AssignLocalBuffer();
+}
+
+vSTRING::vSTRING(const vRESID& id) : pText(nullptr)
+{
+    vTrace(9, "vSTRING::vSTRING(vRESID)");
+    char* local = (char*)vSYSTEM::GetLocalBuffer();
+    id.Load(local, 256);
+    AssignLocalBuffer();
+}
+
+vSTRING::~vSTRING()
+{
+    vTrace(9, "vSTRING::~vSTRING()");
+    vMemFree(pText);
+    pText = nullptr;
+}
+
+int vSTRING::Assign(const char* text, unsigned long length)
+{
+    if (length > kMaxLength)
+        length = kMaxLength;
+    if (!pText) {
+        pText = NewText(text, length);
+        return pText != nullptr;
+    }
+    unsigned long old = strlen(pText);
+    // Text taken from this very buffer is moved down before the buffer shrinks
+    // (or moves), so resizing can never lose it.
+    if ((uintptr_t)text >= (uintptr_t)pText && (uintptr_t)text <= (uintptr_t)(pText + old)) {
+        memmove(pText, text, length);
+        pText[length] = 0;
+        char* p = (char*)vMemRealloc(pText, length + 1);
+        if (p)
+            pText = p;
+        return 1;
+    }
+    char* p = (char*)vMemRealloc(pText, length + 1);
+    if (!p)
+        return 0;   // the old text stays as it was
+    pText = p;
+    if (length)
+        memcpy(pText, text, length);
+    pText[length] = 0;
+    return 1;
+}
+
+int vSTRING::AssignLocalBuffer()
+{
+    const char* local = (const char*)vSYSTEM::GetLocalBuffer();
+    return Assign(local, strlen(local));
+}
+
+vSTRING vSTRING::Format(const char* text, unsigned long length)
+{
+    // The extracted text becomes a format of its own. It is formatted here once
+    // against an all-zero argument block, and the result then goes through the
+    // formatting constructor as plain text.
+    char spec[kScratch];
+    char out[kScratch];
+    if (length > kScratch - 1)
+        length = kScratch - 1;
+    memcpy(spec, text, length);
+    spec[length] = 0;
+    FormatInto(out, spec, (va_list)kNoArguments);
+    return vSTRING("%s", out);
+}
+
+// ---------------------------------------------------------------- assignment
+
+vSTRING& vSTRING::operator=(const vSTRING& s)
+{
+    vTrace(9, "vSTRING::=");
+    if (&s != this)
+        Assign(s(), CappedLength(s()));
+    return *this;
+}
+
+vSTRING& vSTRING::operator=(const char* text)
+{
+    vTrace(9, "vSTRING::=");
+    Assign(text ? text : "", CappedLength(text));
+    return *this;
+}
+
+vSTRING& vSTRING::operator=(const vRESID& id)
+{
+    vTrace(9, "vSTRING::=");
+    char* local = (char*)vSYSTEM::GetLocalBuffer();
+    id.Load(local, 256);
+    AssignLocalBuffer();
+    return *this;
+}
+
+vSTRING& vSTRING::operator=(const vCHAR& c)
+{
+    vTrace(9, "vSTRING::=");
+    char one = c();
+    Assign(&one, one ? 1 : 0);
+    return *this;
+}
+
+// ---------------------------------------------------------------- access
+
+char* vSTRING::operator()() const { return pText ? pText : gEmptyText; }
+
+unsigned short vSTRING::Length() const
+{
+    int n = pText ? lstrlenA(pText) : 0;
+    return n > (int)kMaxLength ? (unsigned short)kMaxLength : (unsigned short)n;
+}
+
+int vSTRING::Null() const { return (!pText || !pText[0]) ? 1 : 0; }
+
+char vSTRING::operator[](unsigned short i) const { return Char(i); }
+
+char vSTRING::Char(unsigned short i) const
+{
+    // Only as far as i is walked, so indexing stays proportional to i.
+    if (!pText || memchr(pText, 0, i))
+        return 0;
+    return pText[i];
+}
+
+void vSTRING::Char(unsigned short i, const vCHAR& c)
+{
+    if (!pText)
+        return;
+    unsigned long length = strlen(pText);
+    if (i < length) {
+        pText[i] = c();
+        return;
+    }
+    if (i > length || length >= kMaxLength)
+        return;
+    // Overwriting the terminator: the buffer grows by one so that a terminator
+    // still follows the stored character.
+    char* p = (char*)vMemRealloc(pText, length + 2);
+    if (!p)
+        return;
+    pText = p;
+    pText[length] = c();
+    pText[length + 1] = 0;
+}
+
+vSTRING vSTRING::operator+(const vSTRING& s) const
+{
+    vSTRING result;
+    unsigned long a = CappedLength((*this)()), b = CappedLength(s());
+    if (a + b > kMaxLength)
+        b = kMaxLength - a;
+    char* p = (char*)vMemAlloc(a + b + 1);
+    if (!p)
+        return result;
+    memcpy(p, (*this)(), a);
+    memcpy(p + a, s(), b);
+    p[a + b] = 0;
+    vMemFree(result.pText);
+    result.pText = p;
+    return result;
+}
+
+vSTRING vSTRING::operator+(const vCHAR& c) const
+{
+    char one[2] = {c(), 0};
+    vSTRING tail;
+    tail = one;
+    return *this + tail;
+}
+
+// ---------------------------------------------------------------- comparison
+
+namespace {
+// The comparison's result is kept as the 16-bit value the operators were built on.
+short Compare(const vSTRING& other, const vSTRING& self)
+{
+    return (short)lstrcmpA(other(), self());
+}
+} // namespace
+
+int vSTRING::operator==(const vSTRING& s) const { return Compare(s, *this) == 0; }
+int vSTRING::operator!=(const vSTRING& s) const { return Compare(s, *this) != 0; }
+int vSTRING::operator>(const vSTRING& s) const { return Compare(s, *this) > 0; }
+int vSTRING::operator<(const vSTRING& s) const { return Compare(s, *this) < 0; }
+int vSTRING::operator>=(const vSTRING& s) const { return Compare(s, *this) != 0; }
+int vSTRING::operator<=(const vSTRING& s) const { return Compare(s, *this) != 0; }
+
+// ---------------------------------------------------------------- case
+
+vSTRING& vSTRING::ConvertUpper()
+{
+    for (char* p = pText; p && *p; ++p)
+        if (*p >= 'a' && *p <= 'z')
+            *p = (char)(*p - 'a' + 'A');
+    return *this;
+}
+
+vSTRING& vSTRING::ConvertLower()
+{
+    for (char* p = pText; p && *p; ++p)
+        if (*p >= 'A' && *p <= 'Z')
+            *p = (char)(*p - 'A' + 'a');
+    return *this;
+}
+
+vSTRING& vSTRING::Capitalise()
+{
+    if (!pText || !pText[0])
+        return *this;
+    if (pText[0] >= 'a' && pText[0] <= 'z')
+        pText[0] = (char)(pText[0] - 'a' + 'A');
+    for (char* p = pText + 1; *p; ++p)
+        if (*p >= 'A' && *p <= 'Z')
+            *p = (char)(*p - 'A' + 'a');
+    return *this;
+}
+
+int vSTRING::Scan(const char* format, ...) const
+{
+    if (!format)
+        return 0;
+    va_list args;
+    va_start(args, format);
+    int n = vsscanf((*this)(), format, args);
+    va_end(args);
+    return n;
+}
+
+// ---------------------------------------------------------------- parsing
+
+vSTRING vSTRING::GetSubString(const vSTRING& s) const
+{
+    const char* text = (*this)();
+    const char* at = strstr(text, s());
+    if (!at)
+        return Format("", 0);
+    return Format(at, strlen(at));
+}
+
+vSTRING vSTRING::GetSubString(unsigned short from, unsigned short to) const
+{
+    unsigned long length = Length();
+    if (length == 0 || from > to || from >= length)
+        return Format("", 0);
+    if (to >= length)
+        to = (unsigned short)(length - 1);
+    return Format((*this)() + from, (unsigned long)to - from + 1);
+}
+
+vSTRING vSTRING::GetPreDelimitedSubString(const vCHAR& c, unsigned short n) const
+{
+    const char* text = (*this)();
+    const char delimiter = c();
+    if (n == 0 || delimiter == 0)
+        return Format("", 0);
+    unsigned short seen = 0;
+    for (const char* p = text; *p; ++p) {
+        if (*p == delimiter && ++seen == n)
+            return Format(text, (unsigned long)(p - text));
+    }
+    return Format("", 0);
+}
+
+vSTRING vSTRING::Word(unsigned short n) const
+{
+    const char* text = (*this)();
+    const char* p = text;
+    unsigned short index = 0;
+    for (;;) {
+        while (*p == ' ')
+            ++p;
+        if (!*p)
+            break;
+        const char* start = p;
+        while (*p && *p != ' ')
+            ++p;
+        // A word without a blank behind it is not a word here.
+        if (!*p)
+            break;
+        if (index == n)
+            return Format(start, (unsigned long)(p - start));
+        ++index;
+    }
+    return *this;
+}
+
+vSTRING vSTRING::GetDelimitedSubString(const vCHAR& c, unsigned short n) const
+{
+    const char* p = (*this)();
+    const char delimiter = c();
+    for (unsigned short seen = 0; seen < n; ++seen) {
+        p = delimiter ? strchr(p, delimiter) : nullptr;
+        if (!p)
+            return Format("", 0);
+        ++p;
+    }
+    const char* end = delimiter ? strchr(p, delimiter) : nullptr;
+    return Format(p, end ? (unsigned long)(end - p) : strlen(p));
+}
+
+vSTRING vSTRING::RemoveFromEnd(const vCHAR& c)
+{
+    const char delimiter = c();
+    char* at = (pText && delimiter) ? strrchr(pText, delimiter) : nullptr;
+    if (!at)
+        return *this;
+    vSTRING tail = Format(at + 1, strlen(at + 1));
+    Assign(pText, (unsigned long)(at - pText));
+    return tail;
+}
+
+vSTRING& vSTRING::RemoveLeadAndTrailing(const vCHAR& c)
+{
+    const char ch = c();
+    if (!pText || !ch)
+        return *this;
+    unsigned long length = strlen(pText);
+    unsigned long first = 0;
+    while (first < length && pText[first] == ch)
+        ++first;
+    unsigned long last = length;
+    while (last > first && pText[last - 1] == ch)
+        --last;
+    Assign(pText + first, last - first);
+    return *this;
+}
+
+vSTRING& vSTRING::StripLTChar(const vCHAR& c)
+{
+    const char ch = c();
+    if (!pText || !ch)
+        return *this;
+    char* out = pText;
+    for (const char* p = pText; *p; ++p)
+        if (*p != ch)
+            *out++ = *p;
+    *out = 0;
+    Assign(pText, (unsigned long)(out - pText));
+    return *this;
+}
+
+unsigned short vSTRING::NoOfOccurance(const vCHAR& c) const
+{
+    const char ch = c();
+    unsigned short n = 0;
+    for (const char* p = (*this)(); ch && *p; ++p)
+        if (*p == ch)
+            ++n;
+    return n;
+}
+
+unsigned short vSTRING::NoOfOccurance(const vSTRING& s) const
+{
+    // Every position compares the string's own start, not the text at that
+    // position: callers use the result as "starts with" times the length.
+    // The comparison is the same at every position, so it is made once.
+    if (strncmp((*this)(), s(), strlen(s())) != 0)
+        return 0;
+    return Length();
+}
+
+// ---------------------------------------------------------------- languages
 
 unsigned short vSTRING::LanguageOffset(unsigned short languageId)
 {
