@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include "rl132/core/vstring.h"
 #include "rl132/core/vmem.h"
@@ -114,6 +115,32 @@ vSTRING::vSTRING(const char* format, ...) : pText(nullptr)
     AssignLocalBuffer();
 }
 
+void vSTRING::FormatInt(const vINT& i)
+{
+    wsprintfA((char*)vSYSTEM::GetLocalBuffer(), "%ld", i());
+}
+
+void vSTRING::FormatReal(const vREAL& r)
+{
+    // wsprintf has no floating conversions; the runtime's does, and a 16.16
+    // value needs at most a dozen characters.
+    snprintf((char*)vSYSTEM::GetLocalBuffer(), kScratch, "%.4g", (double)r() / 65536.0);
+}
+
+vSTRING::vSTRING(const vINT& i) : pText(nullptr)
+{
+    vTrace(9, "vSTRING::vSTRING(vINT)");
+    FormatInt(i);
+    AssignLocalBuffer();
+}
+
+vSTRING::vSTRING(const vREAL& r) : pText(nullptr)
+{
+    vTrace(9, "vSTRING::vSTRING(vREAL)");
+    FormatReal(r);
+    AssignLocalBuffer();
+}
+
 vSTRING::vSTRING(const vRESID& id) : pText(nullptr)
 {
     vTrace(9, "vSTRING::vSTRING(vRESID)");
@@ -193,6 +220,22 @@ vSTRING& vSTRING::operator=(const char* text)
 {
     vTrace(9, "vSTRING::=");
     Assign(text ? text : "", CappedLength(text));
+    return *this;
+}
+
+vSTRING& vSTRING::operator=(const vINT& i)
+{
+    vTrace(9, "vSTRING::=");
+    FormatInt(i);
+    AssignLocalBuffer();
+    return *this;
+}
+
+vSTRING& vSTRING::operator=(const vREAL& r)
+{
+    vTrace(9, "vSTRING::=");
+    FormatReal(r);
+    AssignLocalBuffer();
     return *this;
 }
 
@@ -328,6 +371,12 @@ vSTRING& vSTRING::Capitalise()
     return *this;
 }
 
+vINT vSTRING::Int() const { return vINT(atol((*this)())); }
+
+// vREAL's conversion from double truncates toward zero and gives the raw value
+// 0x80000000 out of range, as the processor's conversion does.
+vREAL vSTRING::Real() const { return vREAL(atof((*this)())); }
+
 int vSTRING::Scan(const char* format, ...) const
 {
     if (!format)
@@ -451,6 +500,8 @@ vSTRING& vSTRING::StripLTChar(const vCHAR& c)
     Assign(pText, (unsigned long)(out - pText));
     return *this;
 }
+
+vINT vSTRING::Count(const vCHAR& c) const { return vINT((long)NoOfOccurance(c)); }
 
 unsigned short vSTRING::NoOfOccurance(const vCHAR& c) const
 {

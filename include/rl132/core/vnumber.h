@@ -20,6 +20,7 @@
 
 class vREAL;
 class vANGLE;
+class vSTREAM;
 
 // A whole number: a signed 32-bit value with wrapping arithmetic.
 class RL132_API vINT : public vOBJECT {
@@ -67,6 +68,11 @@ public:
     // Newton's integer square root; 0 for n <= 0. The steps round, so the
     // result can be one above the floor of the root (15 gives 4).
     vINT Sqrt() const;
+
+    // On a stream the value is one signed long: `v << stream` reads it and
+    // `v >> stream` writes it.
+    vSTREAM& operator<<(vSTREAM& stream);
+    vSTREAM& operator>>(vSTREAM& stream) const;
 
 private:
     static long Wrap(unsigned long u) { return (long)(int)(unsigned int)u; }
@@ -135,6 +141,11 @@ public:
     vANGLE aSin() const;
     vANGLE aCos() const;
     vANGLE aTan() const;
+
+    // On a stream the raw 16.16 bits are one signed long: `r << stream` reads
+    // them and `r >> stream` writes them.
+    vSTREAM& operator<<(vSTREAM& stream);
+    vSTREAM& operator>>(vSTREAM& stream) const;
 
 private:
     // Takes a raw value as it stands; only the library builds reals this way.

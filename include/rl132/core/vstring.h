@@ -2,6 +2,7 @@
 #ifndef RL132_CORE_VSTRING_H
 #define RL132_CORE_VSTRING_H
 #include "rl132/core/vobject.h"
+#include "rl132/core/vnumber.h"
 
 class vRESID;
 
@@ -48,12 +49,18 @@ public:
     // Formats like wsprintf into the shared 1,024-byte local scratch buffer, so
     // at most 1,023 characters result; a null format gives the empty string.
     vSTRING(const char* format, ...);
+    // "%ld" of the integer.
+    vSTRING(const vINT& i);
+    // "%.4g" of the real's value (raw / 65,536): 1.5, 0.3333, 3.277e+04.
+    vSTRING(const vREAL& r);
     // The string resource, at most 255 characters.
     vSTRING(const vRESID& id);
     ~vSTRING();
 
     vSTRING& operator=(const vSTRING& s);
     vSTRING& operator=(const char* text);
+    vSTRING& operator=(const vINT& i);
+    vSTRING& operator=(const vREAL& r);
     vSTRING& operator=(const vRESID& id);
     vSTRING& operator=(const vCHAR& c);
 
@@ -88,6 +95,10 @@ public:
     // First character upper case (a to z only), every later A to Z lower case.
     vSTRING& Capitalise();
 
+    // The runtime's conversions of the leading text: decimal digits for Int();
+    // for Real() the floating value times 65,536 truncated toward zero.
+    vINT Int() const;
+    vREAL Real() const;
     // sscanf over the text; the number of fields read, or -1 for an empty text.
     int Scan(const char* format, ...) const;
 
@@ -115,6 +126,8 @@ public:
     vSTRING& RemoveLeadAndTrailing(const vCHAR& c);
     // In place: every c goes.
     vSTRING& StripLTChar(const vCHAR& c);
+    // Occurrences of c (both count up to the terminator).
+    vINT Count(const vCHAR& c) const;
     unsigned short NoOfOccurance(const vCHAR& c) const;
     // Counts, for every position, whether the start of the string matches s:
     // Length() when the string begins with s, 0 otherwise.
@@ -131,6 +144,9 @@ private:
     int Assign(const char* text, unsigned long length);
     // Makes the string from the shared local scratch buffer's contents.
     int AssignLocalBuffer();
+    // Number formatting into the shared local scratch buffer.
+    static void FormatInt(const vINT& i);
+    static void FormatReal(const vREAL& r);
     // The formatting constructor applied to extracted text.
     static vSTRING Format(const char* text, unsigned long length);
 

@@ -39,4 +39,20 @@ RL132_API unsigned int implode(vIMPLODEREAD read, vIMPLODEWRITE write, char* wor
 // fault has been written).
 RL132_API unsigned int explode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* param);
 
+// Compression effort, a parameter of this library beside the format's interface.
+// Levels 1 to 8 work in CMP_BUFFER_SIZE bytes; level 9 finds the smallest output
+// the format allows for the window and needs implode_work_size(9) bytes (when
+// the work area is smaller, it compresses like level 8). implode uses the default.
+#define CMP_LEVEL_FASTEST 1
+#define CMP_LEVEL_DEFAULT 5
+#define CMP_LEVEL_BEST    9
+
+// Bytes of work area implode_level needs at the given level.
+RL132_API unsigned int implode_work_size(unsigned int level);
+
+// implode with a chosen effort; workSize is the size of the work area.
+RL132_API unsigned int implode_level(vIMPLODEREAD read, vIMPLODEWRITE write, char* work,
+                                     unsigned int workSize, void* param, unsigned int* type,
+                                     unsigned int* dsize, unsigned int level);
+
 #endif

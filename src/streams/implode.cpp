@@ -1,0 +1,267 @@
+// Compressor for the implode format: hash-chain match finder with lazy
+// evaluation, all state in the caller's 36,312-byte work area.
+//
+// Matches of three or more bytes are found through chains of earlier positions
+// with the same three-byte hash. Two-byte matches (allowed only within 256
+// bytes) come from a table holding the latest position of each two-byte hash.
+// Chain entries and table heads are absolute positions truncated to 16 bits;
+// a stale entry can only point at some other position inside the window, and
+// every candidate is compared byte for byte, so stale entries cost time, never
+// correctness. A chain walk stops as soon as a distance fails to grow.
+//
+// Candidates are weighed by the bits they save over coding the same bytes as
+// literals, with the format's exact code lengths: a longer match far away can be
+// worth less than a shorter one nearby.
+#include <string.h>
+#include <stdint.h>
+#include "rl132/streams/vimplode.h"
+#include "streams/dcl_codes.h"
+#include "streams/dcl_encode.h"
+#include "streams/implode_opt.h"
+
+namespace {
+
+using namespace dcl;
+
+const unsigned kHist = kMaxDict;
+const unsigned kLook = kMaxMatch + 2;       // lookahead kept while input remains
+const unsigned kBufSize = kHist + 7168 + kLook;
+const unsigned kHashBits = 12;
+const unsigned kHash2Bits = 11;
+
+struct ImplodeState {
+    vIMPLODEREAD read;
+    void* param;
+    unsigned dictSize;
+    uint32_t base;                 // absolute position of buf[0]
+    unsigned end;                  // bytes in buf
+    bool eof;
+    Sink sink;
+    uint16_t head[1u << kHashBits];
+    uint16_t prev[kMaxDict];
+    uint16_t head2[1u << kHash2Bits];
+    unsigned char buf[kBufSize + 8];
+};
+
+static_assert(sizeof(ImplodeState) + 8 <= CMP_BUFFER_SIZE, "compressor state exceeds its work area");
+
+struct Params {
+    unsigned chain;      // candidates examined per search
+    unsigned nice;       // a match this long ends the search
+    unsigned lazy;       // matches shorter than this are checked against the next position
+};
+
+const Params kLevels[9] = {
+    {4, 16, 0},      // 1: greedy
+    {12, 32, 0},     // 2
+    {8, 16, 8},      // 3: lazy from here on
+    {16, 32, 16},    // 4
+    {32, 64, 32},    // 5: default
+    {96, 128, 64},   // 6
+    {256, 258, 128}, // 7
+    {4096, 518, 518},// 8: every candidate
+    {4096, 518, 518},// 9 without room for the optimal parser
+};
+
+inline unsigned Hash3(const unsigned char* p)
+{
+    return ((Load32(p) & 0xFFFFFF) * 2654435761u) >> (32 - kHashBits);
+}
+
+inline unsigned Hash2(const unsigned char* p)
+{
+    return ((Load32(p) & 0xFFFF) * 2654435761u) >> (32 - kHash2Bits);
+}
+
+struct Found {
+    unsigned len, dist;
+    int gain;   // bits saved against literals
+};
+
+// Keeps the window filled; slides it when the lookahead runs short. p and mark
+// are buffer offsets that move with the data.
+void Fill(ImplodeState& s, unsigned& p, unsigned& mark)
+{
+    if (s.eof || s.end - p >= kLook)
+        return;
+    if (s.end == kBufSize) {
+        unsigned shift = p - kHist;
+        memmove(s.buf, s.buf + shift, s.end - shift);
+        s.base += shift;
+        s.end -= shift;
+        p -= shift;
+        mark -= shift;
+    }
+    s.end += ReadSome(s.read, s.param, s.buf + s.end, kBufSize - s.end, s.eof);
+}
+
+inline void Insert(ImplodeState& s, unsigned p)
+{
+    if (p + 2 >= s.end)
+        return;
+    uint16_t a = uint16_t(s.base + p);
+    unsigned h = Hash3(s.buf + p);
+    s.prev[a & (kMaxDict - 1)] = s.head[h];
+    s.head[h] = a;
+    s.head2[Hash2(s.buf + p)] = a;
+}
+
+template <bool kAscii>
+inline int Gain(const unsigned char* p, unsigned len, unsigned dist, unsigned dictBits)
+{
+    unsigned lits = 9 * len;
+    if (kAscii) {
+        lits = 0;
+        for (unsigned i = 0; i < len; ++i)
+            lits += LiteralCost(p[i], true);
+    }
+    return int(lits) - int(CopyCost(len, dist, dictBits));
+}
+
+template <bool kAscii>
+Found Find(const ImplodeState& s, unsigned p, const Params& prm)
+{
+    Found best = {0, 0, 0};
+    unsigned maxLen = s.end - p;
+    if (maxLen > kMaxMatch)
+        maxLen = kMaxMatch;
+    if (maxLen < 2)
+        return best;
+    const unsigned char* cur = s.buf + p;
+    uint32_t absP = s.base + p;
+    unsigned maxDist = absP < s.dictSize ? absP : s.dictSize;
+    unsigned dictBits = s.sink.dictBits;
+
+    unsigned d2 = uint16_t(absP - s.head2[Hash2(cur)]);
+    if (d2 >= 1 && d2 <= 256 && d2 <= maxDist && cur[-int(d2)] == cur[0] && cur[1 - int(d2)] == cur[1]) {
+        int g = Gain<kAscii>(cur, 2, d2, dictBits);
+        if (g > 0)
+            best = {2, d2, g};
+    }
+    if (maxLen < 3)
+        return best;
+    unsigned longest = 2;
+    unsigned last = 0;
+    uint16_t c = s.head[Hash3(cur)];
+    for (unsigned steps = prm.chain; steps; --steps) {
+        unsigned d = uint16_t(absP - c);
+        if (d <= last || d > maxDist)
+            break;
+        last = d;
+        const unsigned char* q = cur - d;
+        if (q[longest] == cur[longest] && q[0] == cur[0] && q[1] == cur[1]) {
+            unsigned len = MatchLength(q, cur, maxLen);
+            if (len > longest) {
+                longest = len;
+                int g = Gain<kAscii>(cur, len, d, dictBits);
+                if (g > best.gain)
+                    best = {len, d, g};
+                if (len >= prm.nice || len == maxLen)
+                    break;
+            }
+        }
+        c = s.prev[c & (kMaxDict - 1)];
+    }
+    return best;
+}
+
+template <bool kAscii>
+void Parse(ImplodeState& s, const Params& prm)
+{
+    Sink& out = s.sink;
+    unsigned p = 0, mark = 0;     // mark: positions below it are in the chains
+    Fill(s, p, mark);
+    Found cur = Find<kAscii>(s, p, prm);
+    while (p < s.end) {
+        out.Drain();
+        if (cur.len == 0) {
+            out.Literal(s.buf[p]);
+            if (mark <= p)
+                Insert(s, p), mark = p + 1;
+            ++p;
+            Fill(s, p, mark);
+            cur = Find<kAscii>(s, p, prm);
+            continue;
+        }
+        if (cur.len < prm.lazy && p + 1 < s.end) {
+            if (mark <= p)
+                Insert(s, p), mark = p + 1;
+            Found next = Find<kAscii>(s, p + 1, prm);
+            if (next.gain > cur.gain) {
+                out.Literal(s.buf[p]);
+                ++p;
+                Fill(s, p, mark);
+                cur = next;
+                continue;
+            }
+        }
+        out.Copy(cur.len, cur.dist);
+        unsigned stop = p + cur.len;
+        if (mark < p)
+            mark = p;
+        while (mark < stop)
+            Insert(s, mark++);
+        p = stop;
+        Fill(s, p, mark);
+        cur = Find<kAscii>(s, p, prm);
+    }
+}
+
+unsigned DictBitsOf(unsigned dsize)
+{
+    return dsize == 1024 ? 4 : dsize == 2048 ? 5 : dsize == 4096 ? 6 : 0;
+}
+
+unsigned Run(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* param, bool ascii,
+             unsigned dsize, unsigned level)
+{
+    uintptr_t a = reinterpret_cast<uintptr_t>(work);
+    ImplodeState& s = *reinterpret_cast<ImplodeState*>(work + ((8 - (a & 7)) & 7));
+    s.read = read;
+    s.param = param;
+    s.dictSize = dsize;
+    s.base = 0;
+    s.end = 0;
+    s.eof = false;
+    s.sink.Start(write, param, ascii, DictBitsOf(dsize));
+    memset(s.head, 0, sizeof s.head);
+    memset(s.prev, 0, sizeof s.prev);
+    memset(s.head2, 0, sizeof s.head2);
+    const Params& prm = kLevels[level - 1];
+    if (ascii)
+        Parse<true>(s, prm);
+    else
+        Parse<false>(s, prm);
+    s.sink.Finish();
+    return CMP_NO_ERROR;
+}
+
+} // namespace
+
+unsigned int implode_work_size(unsigned int level)
+{
+    return level >= CMP_LEVEL_BEST ? dcl::OptimalWorkSize() : CMP_BUFFER_SIZE;
+}
+
+unsigned int implode_level(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, unsigned int workSize,
+                           void* param, unsigned int* type, unsigned int* dsize, unsigned int level)
+{
+    unsigned bits = DictBitsOf(*dsize);
+    if (!bits)
+        return CMP_INVALID_DICTSIZE;
+    if (*type != CMP_BINARY && *type != CMP_ASCII)
+        return CMP_INVALID_MODE;
+    if (level < 1)
+        level = 1;
+    if (level > CMP_LEVEL_BEST)
+        level = CMP_LEVEL_BEST;
+    if (level == CMP_LEVEL_BEST && workSize >= dcl::OptimalWorkSize())
+        return dcl::ImplodeOptimal(read, write, work, param, *type == CMP_ASCII, *dsize);
+    return Run(read, write, work, param, *type == CMP_ASCII, *dsize, level);
+}
+
+unsigned int implode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* param,
+                     unsigned int* type, unsigned int* dsize)
+{
+    return implode_level(read, write, work, CMP_BUFFER_SIZE, param, type, dsize, CMP_LEVEL_DEFAULT);
+}
