@@ -1,8 +1,8 @@
 // Expander for the implode format.
 //
-// The decoder keeps a 64-bit bit buffer that is refilled with one unaligned load
-// while at least eight input bytes are buffered, so a whole copy item (at most
-// 30 bits) decodes without further checks. Near the end of the input the buffer
+// The decoder keeps a bit buffer of one machine word that is refilled with one
+// unaligned load while a word's worth of input is buffered; on a 32-bit target
+// a copy item (at most 30 bits) takes two refills, a literal one. Near the end of the input the buffer
 // is topped up with zero bits, and the number of padding bits is tracked: an item
 // that reaches into the padding means the data was cut short.
 //
@@ -31,11 +31,11 @@ struct ExplodeState {
     vIMPLODEREAD read;
     vIMPLODEWRITE write;
     void* param;
-    uint64_t bits;
-    unsigned count;        // valid bits in the buffer, padding included
-    unsigned padding;      // zero bits added after the end of the input
+    unsigned padding;      // zero bits added to the bit buffer after the input ended      // zero bits added after the end of the input
     unsigned inPos, inEnd;
     bool eof;
+    unsigned long long readTotal;  // bytes the read callback delivered
+    unsigned long long used;       // input bytes used, through the last item's byte
     unsigned char in[kInSize + 8];
     unsigned char win[kWinSize + kSlack];
 };
@@ -43,13 +43,6 @@ struct ExplodeState {
 static_assert(sizeof(ExplodeState) + 8 <= EXP_BUFFER_SIZE, "expander state exceeds its work area");
 
 enum Result { kDone, kCorrupt };
-
-inline uint64_t Load64(const unsigned char* p)
-{
-    uint64_t v;
-    memcpy(&v, p, 8);
-    return v;
-}
 
 // Reads until the input buffer holds at least 8 bytes or the input ends.
 void FillInput(ExplodeState& s)
@@ -62,34 +55,50 @@ void FillInput(ExplodeState& s)
     while (!s.eof && s.inEnd < 8) {
         unsigned want = kInSize - s.inEnd;
         unsigned got = s.read(reinterpret_cast<char*>(s.in + s.inEnd), &want, s.param);
-        if (got == 0)
+        if (got == 0) {
             s.eof = true;
-        else
-            s.inEnd += got > kInSize - s.inEnd ? kInSize - s.inEnd : got;
+        } else {
+            got = got > want ? want : got;
+            s.inEnd += got;
+            s.readTotal += got;
+        }
     }
 }
 
-// Leaves at least 56 bits (real or padding) in the buffer.
-inline void Refill(ExplodeState& s)
+// The bit buffer is the machine word: 32 bits on the library's own target, so
+// the hot loop never touches 64-bit arithmetic there.
+typedef uintptr_t Word;
+const unsigned kWordBits = sizeof(Word) * 8;
+const unsigned kFill = kWordBits - 8;   // bits guaranteed after a refill
+
+// Refill when fewer than a word's worth of input bytes are buffered: reads more,
+// and at the end of the input tops up with zero bits counted as padding.
+__attribute__((noinline)) void SlowRefill(ExplodeState& s, Word& bits, unsigned& count, unsigned& inPos)
 {
-    if (s.inEnd - s.inPos < 8) {
-        FillInput(s);
-        if (s.inEnd - s.inPos < 8) {
-            while (s.count <= 56) {
-                if (s.inPos < s.inEnd) {
-                    s.bits |= uint64_t(s.in[s.inPos++]) << s.count;
-                } else {
-                    s.padding += 8;
-                }
-                s.count += 8;
-            }
-            return;
-        }
+    s.inPos = inPos;
+    FillInput(s);
+    inPos = s.inPos;
+    while (count <= kFill) {
+        if (inPos < s.inEnd)
+            bits |= Word(s.in[inPos++]) << count;
+        else
+            s.padding += 8;
+        count += 8;
     }
-    s.bits |= Load64(s.in + s.inPos) << s.count;
-    s.inPos += (63 - s.count) >> 3;
-    s.count |= 56;
 }
+
+#define DCL_REFILL()                                                   \
+    do {                                                               \
+        if (s.inEnd - inPos >= sizeof(Word)) {                         \
+            Word v;                                                    \
+            memcpy(&v, s.in + inPos, sizeof v);                        \
+            bits |= v << count;                                        \
+            inPos += (kWordBits - 1 - count) >> 3;                     \
+            count |= kFill;                                            \
+        } else {                                                       \
+            SlowRefill(s, bits, count, inPos);                         \
+        }                                                              \
+    } while (0)
 
 void Flush(ExplodeState& s, unsigned from, unsigned to)
 {
@@ -99,24 +108,34 @@ void Flush(ExplodeState& s, unsigned from, unsigned to)
     }
 }
 
+// Copies forward so that overlapping copies repeat the pattern, as the format
+// requires. Word-sized moves may write up to 7 bytes past the end; the window's
+// slack takes them and later output overwrites them.
 inline void CopyMatch(unsigned char* d, unsigned dist, unsigned len)
 {
     const unsigned char* p = d - dist;
-    if (dist >= 8) {
-        // Whole words; any overrun lands in the slack beyond the window's end
-        // and is overwritten by later output.
-        unsigned char* e = d + len;
-        do {
-            memcpy(d, p, 8);
-            d += 8;
-            p += 8;
-        } while (d < e);
-    } else if (dist == 1) {
-        memset(d, *p, len);
-    } else {
-        for (unsigned i = 0; i < len; ++i)
+    unsigned char* const e = d + len;
+    if (dist < 8) {
+        if (dist == 1) {
+            memset(d, *p, len);
+            return;
+        }
+        // Lay down the first eight bytes one by one; from then on a source a
+        // whole number of periods back and at least eight bytes away allows
+        // word moves.
+        static const unsigned char kPeriods[8] = {0, 8, 8, 9, 8, 10, 12, 14};
+        for (unsigned i = 0; i < 8; ++i)
             d[i] = p[i];
+        d += 8;
+        p = d - kPeriods[dist];
+        if (d >= e)
+            return;
     }
+    do {
+        memcpy(d, p, 8);
+        d += 8;
+        p += 8;
+    } while (d < e);
 }
 
 template <bool kAscii>
@@ -125,8 +144,8 @@ Result Run(ExplodeState& s, unsigned dictBits)
     // win[0, pos) holds valid bytes; win[flushed, pos) has not been written yet.
     unsigned pos = 0, flushed = 0;
     const unsigned dictMask = (1u << dictBits) - 1;
-    uint64_t bits = s.bits;
-    unsigned count = s.count;
+    Word bits = 0;
+    unsigned count = 0, inPos = s.inPos;
     unsigned char* const win = s.win;
     Result result = kCorrupt;
     for (;;) {
@@ -135,11 +154,7 @@ Result Run(ExplodeState& s, unsigned dictBits)
             memmove(win, win + pos - kMaxDict, kMaxDict);
             pos = flushed = kMaxDict;
         }
-        s.bits = bits;
-        s.count = count;
-        Refill(s);
-        bits = s.bits;
-        count = s.count;
+        DCL_REFILL();
         if (!(bits & 1)) {
             unsigned lit, used;
             if (kAscii) {
@@ -157,6 +172,7 @@ Result Run(ExplodeState& s, unsigned dictBits)
             win[pos++] = (unsigned char)lit;
             continue;
         }
+        // Flag, length code and extra bits: at most 16 bits.
         const LenIn& le = kLenIn.e[(bits >> 1) & 0x7F];
         bits >>= 1 + le.codeBits;
         unsigned len = le.base + (unsigned(bits) & ((1u << le.extraBits) - 1));
@@ -167,6 +183,9 @@ Result Run(ExplodeState& s, unsigned dictBits)
                 result = kDone;
             break;
         }
+        // Distance code and low bits: at most 14 more.
+        if (kFill < 30)
+            DCL_REFILL();
         unsigned de = kDistIn.e[bits & 0xFF];
         bits >>= de >> 8;
         unsigned low = len == 2 ? 2 : dictBits;
@@ -180,6 +199,9 @@ Result Run(ExplodeState& s, unsigned dictBits)
         pos += len;
     }
     Flush(s, flushed, pos);
+    // Whole bytes still in the bit buffer were never reached.
+    unsigned unread = count > s.padding ? (count - s.padding) / 8 : 0;
+    s.used = s.readTotal - (s.inEnd - inPos) - unread;
     return result;
 }
 
@@ -192,22 +214,26 @@ unsigned int explode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* p
     s.read = read;
     s.write = write;
     s.param = param;
-    s.bits = 0;
-    s.count = 0;
     s.padding = 0;
     s.inPos = s.inEnd = 0;
     s.eof = false;
+    s.readTotal = 0;
+    s.used = 0;
 
     // Ask for a full buffer first; a short answer is topped up until five
     // bytes (header and the shortest item stream) are in hand.
     while (!s.eof && s.inEnd < 5) {
         unsigned want = kInSize - s.inEnd;
         unsigned got = read(reinterpret_cast<char*>(s.in + s.inEnd), &want, param);
-        if (got == 0)
+        if (got == 0) {
             s.eof = true;
-        else
-            s.inEnd += got > want ? want : got;
+        } else {
+            got = got > want ? want : got;
+            s.inEnd += got;
+            s.readTotal += got;
+        }
     }
+    s.used = s.inEnd;
     if (s.inEnd < 5)
         return CMP_BAD_DATA;
     unsigned mode = s.in[0], dictCode = s.in[1];
@@ -218,4 +244,11 @@ unsigned int explode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* p
     s.inPos = 2;
     Result r = mode == CMP_ASCII ? Run<true>(s, dictCode) : Run<false>(s, dictCode);
     return r == kDone ? CMP_NO_ERROR : CMP_ABORT;
+}
+
+unsigned long long explode_used(const char* work)
+{
+    uintptr_t a = reinterpret_cast<uintptr_t>(work);
+    const ExplodeState& s = *reinterpret_cast<const ExplodeState*>(work + ((8 - (a & 7)) & 7));
+    return s.used;
 }

@@ -9,9 +9,8 @@
 // every candidate is compared byte for byte, so stale entries cost time, never
 // correctness. A chain walk stops as soon as a distance fails to grow.
 //
-// Candidates are weighed by the bits they save over coding the same bytes as
-// literals, with the format's exact code lengths: a longer match far away can be
-// worth less than a shorter one nearby.
+// Candidates are weighed with the format's exact code lengths: a longer match
+// far away can be worth less than a shorter one nearby.
 #include <string.h>
 #include <stdint.h>
 #include "rl132/streams/vimplode.h"
@@ -75,7 +74,7 @@ inline unsigned Hash2(const unsigned char* p)
 
 struct Found {
     unsigned len, dist;
-    int gain;   // bits saved against literals
+    int gain;   // Value() of the copy
 };
 
 // Keeps the window filled; slides it when the lookahead runs short. p and mark
@@ -106,22 +105,24 @@ inline void Insert(ImplodeState& s, unsigned p)
     s.head2[Hash2(s.buf + p)] = a;
 }
 
-template <bool kAscii>
-inline int Gain(const unsigned char* p, unsigned len, unsigned dist, unsigned dictBits)
+// What a copy is worth: the bytes it covers at a nominal value each, less its
+// cost. A byte a copy leaves out is coded some other way, so the nominal value
+// is what bytes have cost lately: near 9 bits where little repeats, 3 or 4 in
+// text. Weighing length against distance with it beats both counting every
+// byte as a literal and taking the longest copy.
+// Values are in quarter bits.
+inline int Value(unsigned len, unsigned dist, unsigned dictBits, int byteValue)
 {
-    unsigned lits = 9 * len;
-    if (kAscii) {
-        lits = 0;
-        for (unsigned i = 0; i < len; ++i)
-            lits += LiteralCost(p[i], true);
-    }
-    return int(lits) - int(CopyCost(len, dist, dictBits));
+    return byteValue * int(len) - 4 * int(CopyCost(len, dist, dictBits));
 }
 
+// How often the nominal byte value is brought up to date, in input bytes.
+const unsigned kValuePeriod = 512;
+
 template <bool kAscii>
-Found Find(const ImplodeState& s, unsigned p, const Params& prm)
+Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue)
 {
-    Found best = {0, 0, 0};
+    Found best = {0, 0, -1000};
     unsigned maxLen = s.end - p;
     if (maxLen > kMaxMatch)
         maxLen = kMaxMatch;
@@ -134,9 +135,9 @@ Found Find(const ImplodeState& s, unsigned p, const Params& prm)
 
     unsigned d2 = uint16_t(absP - s.head2[Hash2(cur)]);
     if (d2 >= 1 && d2 <= 256 && d2 <= maxDist && cur[-int(d2)] == cur[0] && cur[1 - int(d2)] == cur[1]) {
-        int g = Gain<kAscii>(cur, 2, d2, dictBits);
-        if (g > 0)
-            best = {2, d2, g};
+        // Only worth it when cheaper than the two literals.
+        if (CopyCost(2, d2, dictBits) < LiteralCost(cur[0], kAscii) + LiteralCost(cur[1], kAscii))
+            best = {2, d2, Value(2, d2, dictBits, byteValue)};
     }
     if (maxLen < 3)
         return best;
@@ -153,7 +154,7 @@ Found Find(const ImplodeState& s, unsigned p, const Params& prm)
             unsigned len = MatchLength(q, cur, maxLen);
             if (len > longest) {
                 longest = len;
-                int g = Gain<kAscii>(cur, len, d, dictBits);
+                int g = Value(len, d, dictBits, byteValue);
                 if (g > best.gain)
                     best = {len, d, g};
                 if (len >= prm.nice || len == maxLen)
@@ -170,24 +171,39 @@ void Parse(ImplodeState& s, const Params& prm)
 {
     Sink& out = s.sink;
     unsigned p = 0, mark = 0;     // mark: positions below it are in the chains
+    int byteValue = 24;
+    uint32_t valueAt = kValuePeriod;   // absolute position of the next update
+    uint32_t bitsBefore = 0;
     Fill(s, p, mark);
-    Found cur = Find<kAscii>(s, p, prm);
+    Found cur = Find<kAscii>(s, p, prm, byteValue);
     while (p < s.end) {
         out.Drain();
+        if (s.base + p >= valueAt) {
+            uint32_t bitsNow = (out.total + out.pos) * 8 + out.count;
+            // A little above the average: runs that cost next to nothing pull
+            // the average below what the remaining bytes cost.
+            unsigned span = s.base + p - valueAt + kValuePeriod;
+            int v = int(((bitsNow - bitsBefore) * 5 + span / 2) / span);
+            byteValue = v < 12 ? 12 : v > 36 ? 36 : v;
+            bitsBefore = bitsNow;
+            valueAt = s.base + p + kValuePeriod;
+        }
         if (cur.len == 0) {
             out.Literal(s.buf[p]);
             if (mark <= p)
                 Insert(s, p), mark = p + 1;
             ++p;
             Fill(s, p, mark);
-            cur = Find<kAscii>(s, p, prm);
+            cur = Find<kAscii>(s, p, prm, byteValue);
             continue;
         }
         if (cur.len < prm.lazy && p + 1 < s.end) {
             if (mark <= p)
                 Insert(s, p), mark = p + 1;
-            Found next = Find<kAscii>(s, p + 1, prm);
-            if (next.gain > cur.gain) {
+            Found next = Find<kAscii>(s, p + 1, prm, byteValue);
+            // A literal now pays off when the next position's copy is worth
+            // more than this one, counting the literal's cost.
+            if (next.len && next.gain - 4 * int(LiteralCost(s.buf[p], kAscii)) + byteValue > cur.gain) {
                 out.Literal(s.buf[p]);
                 ++p;
                 Fill(s, p, mark);
@@ -203,7 +219,7 @@ void Parse(ImplodeState& s, const Params& prm)
             Insert(s, mark++);
         p = stop;
         Fill(s, p, mark);
-        cur = Find<kAscii>(s, p, prm);
+        cur = Find<kAscii>(s, p, prm, byteValue);
     }
 }
 

@@ -39,6 +39,11 @@ RL132_API unsigned int implode(vIMPLODEREAD read, vIMPLODEWRITE write, char* wor
 // fault has been written).
 RL132_API unsigned int explode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* param);
 
+// After explode returned: how many input bytes it used, through the byte that
+// holds the end code (or the last item decoded). Bytes the read callback
+// delivered beyond that belong to whatever follows the compressed data.
+RL132_API unsigned long long explode_used(const char* work);
+
 // Compression effort, a parameter of this library beside the format's interface.
 // Levels 1 to 8 work in CMP_BUFFER_SIZE bytes; level 9 finds the smallest output
 // the format allows for the window and needs implode_work_size(9) bytes (when
