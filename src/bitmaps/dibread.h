@@ -16,6 +16,10 @@ int RowsAvailable(vSTREAM& s, const rldib::InfoPlan& plan);
 // Reads the rows into `rows` (plan.keptSize bytes), decoding difference-coded
 // blocks and converting 16- and 32-bit rows to 24 bits.
 int ReadRows(vSTREAM& s, const rldib::InfoPlan& plan, unsigned char* rows);
+// One block of a 24-bit image on a compressing stream: the coded form when it
+// goes out as a compressed frame, the raw form otherwise.
+void WriteCodedBlock(vSTREAM& s, const unsigned char* raw, const unsigned char* coded,
+                     unsigned long n);
 // Header, palette and `size` bytes of rows.
 void Write(vSTREAM& s, const oDIBHEADER& header, const oDIBPALETTE* palette,
            const unsigned char* rows, unsigned long size);

@@ -153,21 +153,17 @@ int dibread::ReadRows(vSTREAM& s, const rldib::InfoPlan& plan, unsigned char* ro
         return 1;
     if (plan.storedBits == 24) {
         // Read in the writer's block size, so that each compressed frame comes
-        // back whole; any frame means the writer difference-coded every block.
-        bool framed = false;
+        // back whole. A block that came as a frame is difference-coded; one
+        // stored raw holds the pixels as they are (see WriteCodedBlock).
         for (unsigned long at = 0; at < plan.storedSize; at += rldib::kDiffBlock) {
             unsigned long n = plan.storedSize - at;
             if (n > rldib::kDiffBlock)
                 n = rldib::kDiffBlock;
             if (s.ReadByteString(rows + at, n) != (long)n)
                 return 0;
-            framed = framed || s.UnCompressed();
+            if (s.UnCompressed())
+                rldib::DiffDecodeBlock(rows + at, n);
         }
-        if (framed)
-            for (unsigned long at = 0; at < plan.storedSize; at += rldib::kDiffBlock) {
-                unsigned long n = plan.storedSize - at;
-                rldib::DiffDecodeBlock(rows + at, n > rldib::kDiffBlock ? (unsigned long)rldib::kDiffBlock : n);
-            }
     } else if (plan.storedBits == 16 || plan.storedBits == 32) {
         unsigned char* stored = (unsigned char*)vMemAlloc(plan.storedStride);
         if (!stored)
@@ -206,6 +202,21 @@ int dibread::ReadRows(vSTREAM& s, const rldib::InfoPlan& plan, unsigned char* ro
     return 1;
 }
 
+void dibread::WriteCodedBlock(vSTREAM& s, const unsigned char* raw, const unsigned char* coded,
+                              unsigned long n)
+{
+    // Only a compressed frame tells a reader that a block is coded. When the
+    // stream keeps the coded block as it is (it would not shrink, or the stream
+    // never compresses), the block is written again uncoded in its place.
+    unsigned long occupied = s.WriteBlock(coded, n);
+    if (occupied < n)
+        return;
+    s.MoveFromCur(-(long)occupied);
+    s.Compress(0);
+    s.WriteBlock(raw, n);
+    s.Compress(1);
+}
+
 void dibread::Write(vSTREAM& s, const oDIBHEADER& header, const oDIBPALETTE* palette,
                     const unsigned char* rows, unsigned long size)
 {
@@ -223,7 +234,7 @@ void dibread::Write(vSTREAM& s, const oDIBHEADER& header, const oDIBPALETTE* pal
             if (n > rldib::kDiffBlock)
                 n = rldib::kDiffBlock;
             rldib::DiffEncodeCopy(rows + at, block, n);
-            s.WriteBlock(block, n);
+            WriteCodedBlock(s, rows + at, block, n);
         }
     } else {
         s.WriteBlock(rows, size);

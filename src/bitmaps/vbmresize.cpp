@@ -170,10 +170,11 @@ private:
 class BlockSink {
 public:
     explicit BlockSink(vSTREAM& s)
-        : s_(s), block_(nullptr), cap_(0), fill_(0), diff_(false), whole_(nullptr) {}
+        : s_(s), block_(nullptr), coded_(nullptr), cap_(0), fill_(0), diff_(false), whole_(nullptr) {}
     ~BlockSink()
     {
         vMemFree(block_);
+        vMemFree(coded_);
         delete whole_;
     }
     bool Init(unsigned bits)
@@ -189,7 +190,9 @@ public:
         }
         cap_ = diff_ ? (unsigned long)rldib::kDiffBlock : 65536UL;
         block_ = (unsigned char*)vMemAlloc(cap_);
-        return block_ != nullptr;
+        if (diff_)
+            coded_ = (unsigned char*)vMemAlloc(cap_);
+        return block_ != nullptr && (!diff_ || coded_ != nullptr);
     }
     void Put(const unsigned char* data, unsigned long n)
     {
@@ -219,9 +222,12 @@ private:
     {
         if (!fill_)
             return;
-        if (diff_)
-            rldib::DiffEncodeBlock(block_, fill_);
-        Emit(block_, fill_);
+        if (diff_) {
+            rldib::DiffEncodeCopy(block_, coded_, fill_);
+            dibread::WriteCodedBlock(s_, block_, coded_, fill_);
+        } else {
+            Emit(block_, fill_);
+        }
         fill_ = 0;
     }
     void Emit(const unsigned char* data, unsigned long n)
@@ -233,6 +239,7 @@ private:
     }
     vSTREAM& s_;
     unsigned char* block_;
+    unsigned char* coded_;
     unsigned long cap_, fill_;
     bool diff_;
     vMEMSTREAM* whole_;

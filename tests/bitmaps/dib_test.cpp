@@ -379,21 +379,84 @@ TEST(Dib, DifferenceCodedThroughCompressingFiles)
         delete d;
     }
 
-    // The coded bytes themselves, taken off a compressing stream that keeps
-    // what it is given: each 12,000-byte block restarts from a raw triple.
-    oMEMDIB* d = Gradient24(4100, 3, 9);   // 36,912 bytes: 3 blocks and 912
+    // The bytes on the file: every block that went out as a compressed frame
+    // expands to the coded form (each 12,000-byte block restarting from a raw
+    // triple); a block the compressor could not shrink holds the raw pixels.
+    oMEMDIB* d = Gradient24(4100, 3, 9);   // 36,900 bytes: 3 blocks and 900
     std::vector<unsigned char> raw = Rows(*d);
+    std::string path = rltest::TempPath("dibc");
+    {
+        vFILE f(vSTRING("%s", path.c_str()), vFILE_WRITENEW, 1);
+        f.Compress(1);
+        *d >> f;
+    }
+    std::vector<unsigned char> file;
+    {
+        vFILE f(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
+        file.resize(f.Size());
+        f.DetectCompressed(0);
+        ASSERT_EQ(f.ReadByteString(file.data(), (unsigned long)file.size()), (long)file.size());
+    }
+    auto u32 = [&](size_t at) {
+        return (unsigned long)file[at] | ((unsigned long)file[at + 1] << 8) |
+               ((unsigned long)file[at + 2] << 16) | ((unsigned long)file[at + 3] << 24);
+    };
+    size_t pos = 0;
+    int frames = 0;
+    const unsigned long parts[] = {40, 12000, 12000, 12000, 900};
+    size_t rawAt = 0;
+    for (unsigned long n : parts) {
+        std::vector<unsigned char> got(n);
+        bool framed = pos + 8 <= file.size() && u32(pos) == 0x0012AAB1UL;
+        // The stream's own reader expands a frame found at the position.
+        vFILE whole(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
+        whole.MoveFromStart((unsigned long)pos);
+        ASSERT_EQ(whole.ReadByteString(got.data(), n), (long)n);
+        ASSERT_EQ(whole.UnCompressed() != 0, framed) << rawAt;
+        pos = whole.CurrentPos();
+        ASSERT_EQ(got.size(), n);
+        if (n == 40)
+            continue;
+        for (unsigned long i = 0; i < n; ++i) {
+            bool coded = framed && i >= 3 && i < n / 3 * 3;
+            unsigned char expect = coded ? (unsigned char)(raw[rawAt + i] - raw[rawAt + i - 3]) : raw[rawAt + i];
+            ASSERT_EQ(got[i], expect) << rawAt + i;
+        }
+        frames += framed;
+        rawAt += n;
+    }
+    EXPECT_EQ(pos, file.size());
+    EXPECT_GE(frames, 3);
+    DeleteFileA(path.c_str());
+
+    // Noise does not shrink: its blocks go out raw, uncoded, and read back.
+    {
+        vMEMSTREAM nm;
+        std::vector<unsigned char> noise = RandomBytes(3 * 8000, 21);
+        Fill(nm, MakeStored(2000, 3, 24, 0, 0, noise, false));
+        oMEMDIB n(nm, 0);
+        std::string np = rltest::TempPath("dibn");
+        {
+            vFILE f(vSTRING("%s", np.c_str()), vFILE_WRITENEW, 1);
+            f.Compress(1);
+            n >> f;
+        }
+        vFILE f(vSTRING("%s", np.c_str()), vFILE_READONLY, 0);
+        oMEMDIB back(f, 0);
+        EXPECT_EQ(Rows(back), noise);
+        f.Close();
+        DeleteFileA(np.c_str());
+    }
+
+    // A memory stream keeps blocks as given, so they stay raw and read back.
     vMEMSTREAM m;
     m.Compress(1);
     *d >> m;
-    std::vector<unsigned char> coded = StreamBytes(m);
-    ASSERT_EQ(coded.size(), 40 + raw.size());
-    for (size_t i = 0; i < raw.size(); ++i) {
-        size_t inBlock = i % 12000, blockLen = std::min<size_t>(12000, raw.size() - i / 12000 * 12000);
-        bool whole = inBlock < blockLen / 3 * 3;
-        unsigned char expect = (inBlock < 3 || !whole) ? raw[i] : (unsigned char)(raw[i] - raw[i - 3]);
-        ASSERT_EQ(coded[40 + i], expect) << i;
-    }
+    EXPECT_EQ(m.Size(), 40 + raw.size());
+    EXPECT_EQ(0, std::memcmp(m.Buffer() + 40, raw.data(), raw.size()));
+    m.MoveFromStart(0);
+    oMEMDIB back(m, 0);
+    EXPECT_EQ(Rows(back), raw);
     delete d;
 }
 
