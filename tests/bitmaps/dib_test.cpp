@@ -432,7 +432,7 @@ TEST(Dib, DifferenceCodedThroughCompressingFiles)
     // Noise does not shrink: its blocks go out raw, uncoded, and read back.
     {
         vMEMSTREAM nm;
-        std::vector<unsigned char> noise = RandomBytes(3 * 8000, 21);
+        std::vector<unsigned char> noise = RandomBytes(3 * 6000, 21);
         Fill(nm, MakeStored(2000, 3, 24, 0, 0, noise, false));
         oMEMDIB n(nm, 0);
         std::string np = rltest::TempPath("dibn");
