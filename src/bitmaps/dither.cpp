@@ -139,46 +139,48 @@ void BuildCube()
     gCubeReady = true;
 }
 
-// One channel of one row. Channels diffuse independently, so each is walked on
-// its own; that keeps the running shares in registers. The next row's entry x is
-// final once pixel x has given its below-left share, so entries are written
-// once, in order, and need no clearing.
-template <int C, int Mul, bool First>
-void CubePass(const unsigned char* src, unsigned char* out, const std::int16_t* cur,
-              std::int16_t* next, std::uint32_t width)
-{
-    const CubeEntry* table = gCube + kTableBias;
-    int right = 0, pend0 = 0, pend1 = 0;
-    cur += 3 + C;   // entry 1 belongs to pixel 0
-    next += C;
-    src += C;
-    for (std::uint32_t x = 0; x < width; ++x, src += 3, cur += 3, next += 3) {
-        const CubeEntry& q = table[*src + *cur + right];
-        if (First)
-            out[x] = (unsigned char)(q.level * Mul + kCubeBase);
-        else
-            out[x] = (unsigned char)(out[x] + q.level * Mul);
-        *next = (std::int16_t)(pend0 + q.belowLeft);
-        pend0 = pend1 + q.below;
-        pend1 = q.belowRight;
-        right = q.right;
-    }
-    next[0] = (std::int16_t)pend0;
-    next[3] = (std::int16_t)pend1;
-}
 } // namespace
 
+// The three channels diffuse independently, so their dependency chains (value
+// plus carried error, table lookup, share to the right) run side by side in one
+// walk. The next row's entry x is final once pixel x has given its below-left
+// share, so entries are written once, in order, and need no clearing; pending0
+// and pending1 hold what entries x + 1 and x + 2 have received so far.
 void Ditherer::Line8(const unsigned char* bgr, unsigned char* out)
 {
     if (!gCubeReady)
         BuildCube();
     Swap();
     static_assert(sizeof(PIXERR) == 6, "error rows are read as plain 16-bit triples");
-    const std::int16_t* cur = &cur_[0].b;
+    const std::int16_t* cur = &cur_[1].b;   // entry 1 belongs to pixel 0
     std::int16_t* next = &next_[0].b;
-    CubePass<0, 1, true>(bgr, out, cur, next, width_);
-    CubePass<1, 6, false>(bgr, out, cur, next, width_);
-    CubePass<2, 36, false>(bgr, out, cur, next, width_);
+    const CubeEntry* table = gCube + kTableBias;
+    int rightB = 0, rightG = 0, rightR = 0;
+    int pend0B = 0, pend0G = 0, pend0R = 0, pend1B = 0, pend1G = 0, pend1R = 0;
+    for (std::uint32_t x = 0; x < width_; ++x, bgr += 3, cur += 3, next += 3) {
+        const CubeEntry& qb = table[bgr[0] + cur[0] + rightB];
+        const CubeEntry& qg = table[bgr[1] + cur[1] + rightG];
+        const CubeEntry& qr = table[bgr[2] + cur[2] + rightR];
+        rightB = qb.right;
+        rightG = qg.right;
+        rightR = qr.right;
+        out[x] = (unsigned char)(qb.level + 6 * qg.level + 36 * qr.level + kCubeBase);
+        next[0] = (std::int16_t)(pend0B + qb.belowLeft);
+        pend0B = pend1B + qb.below;
+        pend1B = qb.belowRight;
+        next[1] = (std::int16_t)(pend0G + qg.belowLeft);
+        pend0G = pend1G + qg.below;
+        pend1G = qg.belowRight;
+        next[2] = (std::int16_t)(pend0R + qr.belowLeft);
+        pend0R = pend1R + qr.below;
+        pend1R = qr.belowRight;
+    }
+    next[0] = (std::int16_t)pend0B;
+    next[1] = (std::int16_t)pend0G;
+    next[2] = (std::int16_t)pend0R;
+    next[3] = (std::int16_t)pend1B;
+    next[4] = (std::int16_t)pend1G;
+    next[5] = (std::int16_t)pend1R;
 }
 
 void Ditherer::Line4(const unsigned char* bgr, unsigned char* out)

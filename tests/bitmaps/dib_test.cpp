@@ -127,6 +127,7 @@ TEST(DibHeader, ModelsStridesAndResolution)
     EXPECT_EQ(mono.HorzDPI(), 300u);
     EXPECT_EQ(mono.VertDPI(), 72u);
     EXPECT_EQ(oDIBHEADER(1, 1, 1, 1, oCM_RGB24).BytesPerLine(), 4u);
+    EXPECT_EQ(oDIBHEADER(5, 0, 1, 1, oCM_RGB24).BytesPerLine(), 0u);   // no division by zero
     EXPECT_EQ(oDIBHEADER(9, 2, 1, 1, oCM_PAL16).BytesPerLine(), 8u);
     EXPECT_EQ(oDIBHEADER(9, 2, 1, 1, oCM_PAL16).biClrUsed, 16u);
     EXPECT_EQ(oDIBHEADER(9, 2, 1, 1, oCM_RGB32).ColourDepth(), 32);

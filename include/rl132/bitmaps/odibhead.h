@@ -49,8 +49,8 @@ public:
     unsigned long HorzDPI() const { return (unsigned long)biXPelsPerMeter / oDIB_DPI_FACTOR; }
     unsigned long VertDPI() const { return (unsigned long)biYPelsPerMeter / oDIB_DPI_FACTOR; }
     oPALETTE* Palette() const { return palette; }
-    // biSizeImage / biHeight: a header of height 0 must not be asked.
-    unsigned long BytesPerLine() const { return biSizeImage / (unsigned long)biHeight; }
+    // biSizeImage / biHeight; 0 for a header of height 0 rather than a fault.
+    unsigned long BytesPerLine() const { return biHeight ? biSizeImage / (unsigned long)biHeight : 0; }
 
     // These do not recompute the image size or the bit count: build a new
     // header to change the format.
