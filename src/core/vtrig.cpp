@@ -138,7 +138,10 @@ short Sqrt(long n)
     for (int step = 0; step < 20; ++step) {
         if (x == 0)
             break;
-        uint16_t q = (uint16_t)((sn + (int32_t)(x >> 1)) / (int32_t)x);
+        // n + x/2 is a 32-bit signed sum: for n within 32,768 of 2^31 it
+        // wraps negative, as the renderers' long arithmetic does.
+        int32_t dividend = (int32_t)((uint32_t)sn + (uint32_t)(x >> 1));
+        uint16_t q = (uint16_t)(dividend / (int32_t)x);
         xn = (uint16_t)(((uint32_t)q + x) >> 1);
         if (q == xn || xn == prev)
             break;

@@ -2,6 +2,8 @@
 // `value << stream` reads, `value >> stream` writes.
 #include "rl132/streams/vstream.h"
 #include "rl132/core/vnumber.h"
+#include "rl132/core/vstring.h"
+#include "rl132/core/vmem.h"
 
 vSTREAM& vINT::operator<<(vSTREAM& stream)
 {
@@ -24,5 +26,33 @@ vSTREAM& vREAL::operator<<(vSTREAM& stream)
 vSTREAM& vREAL::operator>>(vSTREAM& stream) const
 {
     stream.WriteSLong(raw);
+    return stream;
+}
+
+vSTREAM& vSTRING::operator>>(vSTREAM& stream) const
+{
+    unsigned short length = Length();
+    stream.WriteUWord(length);
+    if (length)
+        stream.WriteBlock((const unsigned char*)(*this)(), length);
+    return stream;
+}
+
+vSTREAM& vSTRING::operator<<(vSTREAM& stream)
+{
+    unsigned short length = stream.ReadUWord();
+    char* text = (char*)vMemAlloc((unsigned long)length + 1);
+    if (!text) {
+        // The string stays as it was; the characters are skipped so the next
+        // value is read from the right place.
+        stream.MoveFromCur(length);
+        return stream;
+    }
+    long got = length ? stream.ReadByteString((unsigned char*)text, length) : 0;
+    if (got < 0)
+        got = 0;
+    text[got] = 0;
+    vMemFree(pText);
+    pText = text;
     return stream;
 }

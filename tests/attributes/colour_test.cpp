@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include "rl132.h"
 #include "rltest.h"
@@ -194,6 +195,13 @@ TEST(Colour, RgbToHlsOnPrimariesGreysAndTheHueWrap)
     EXPECT_TRUE(hls.Spot());
     // The tint lightens the lightness only: 50 + 50 * 60 / 100 = 80.
     EXPECT_HLS(hls, 44, 80, 100);
+    // Conversions carry the spot flag only: a system colour converted is no
+    // longer the system's own.
+    vCOLOUR sys(0x0000FFL, 1);
+    EXPECT_EQ(sys.HLSFormat().Flags(), 0);
+    EXPECT_EQ(sys.CMYKFormat().Flags(), 0);
+    EXPECT_EQ(sys.PantoneFormat(0).Flags(), 0);
+    EXPECT_EQ(vCOLOUR(vHLS, 0, 100, 1).RGBFormat().Flags(), 16);
 }
 
 TEST(Colour, HlsToRgbAndTheRoundTripsThatHoldOrNot)
@@ -304,6 +312,7 @@ TEST(Colour, CmykToRgbAppliesTheTintTwice)
     EXPECT_RGB(Cmyk(78, 78, 78, 20), 6, 6, 6);    // 198 * 3 = 594: black 51
     EXPECT_RGB(Cmyk(79, 79, 79, 20), 29, 29, 29); // 201 * 3 = 603: black 25
     EXPECT_RGB(Cmyk(80, 80, 80, 20), 26, 26, 26);
+    EXPECT_RGB(Cmyk(78, 79, 79, 20), 6, 3, 3);    // 198 + 201 + 201 = 600: not past it
     EXPECT_RGB(Cmyk(100, 100, 100, 100), 0, 0, 0);
     // An ink byte above 100 is not clipped before scaling: 2 * 200 * 25500 / 20000 = 510.
     EXPECT_RGB(Cmyk(200, 0, 0, 0), 0, 255, 255);
@@ -531,9 +540,9 @@ double DoubleHue(int r, int g, int b)
 TEST(ColourCube, ComponentsStayInRangeAndGreysHaveNoHueNorColourInk)
 {
     int hlsRoundTripWorst = 0;
-    for (int r = 0; r <= 255; r += 5)
-        for (int g = 0; g <= 255; g += 5)
-            for (int b = 0; b <= 255; b += 5) {
+    for (int r = 0; r <= 255; r += 3)
+        for (int g = 0; g <= 255; g += 3)
+            for (int b = 0; b <= 255; b += 3) {
                 vCOLOUR c(r, g, b);
                 vCOLOUR h = c.HLSFormat();
                 vCOLOUR k = c.CMYKFormat();
@@ -582,7 +591,7 @@ TEST(ColourCube, ComponentsStayInRangeAndGreysHaveNoHueNorColourInk)
                     hlsRoundTripWorst = std::max(hlsRoundTripWorst, e);
                 }
             }
-    EXPECT_LE(hlsRoundTripWorst, 8);
+    EXPECT_LE(hlsRoundTripWorst, 6);
 }
 
 TEST(ColourCube, AGreyIsPureBlackInkAndBackAGrey)
@@ -762,4 +771,86 @@ TEST_F(PantoneLibrary, MissingEntriesCountAsFailures)
     vPantoneLibraryName("KERNEL32.DLL");   // has neither
     ExpectFailed(Reference());
     EXPECT_NE(GetModuleHandleA("KERNEL32.DLL"), nullptr);  // released, not unloaded by force
+}
+
+// ---------------------------------------------------------------- stream form
+
+TEST(ColourStream, EightBytesValueTypeTintFlags)
+{
+    vMEMSTREAM m;
+    vCOLOUR(0x12, 0x34, 0x56) >> m;
+    vCOLOUR(vCMYK, 0x01020304, 37, 1) >> m;
+    vCOLOUR(0x00ABCDEFL, 1) >> m;
+    vCOLOUR(vPANTONE, 0xFEDCBA98, 0, 0) >> m;
+    const unsigned char expected[] = {
+        0x12, 0x34, 0x56, 0x00, 0, 100, 0x00, 0x00,
+        0x04, 0x03, 0x02, 0x01, 2, 37, 0x10, 0x00,
+        0xEF, 0xCD, 0xAB, 0x00, 0, 100, 0x01, 0x00,
+        0x98, 0xBA, 0xDC, 0xFE, 3, 0, 0x00, 0x00,
+    };
+    ASSERT_EQ(m.Size(), sizeof expected);
+    for (size_t i = 0; i < sizeof expected; ++i)
+        EXPECT_EQ(m.Buffer()[i], expected[i]) << "byte " << i;
+    EXPECT_EQ(m.Status(), vSTREAM_OK);
+
+    m.MoveFromStart(0);
+    vCOLOUR a, b, c, d;
+    vSTREAM& back = (a << m);
+    EXPECT_EQ(&back, &m);
+    b << m;
+    c << m;
+    d << m;
+    EXPECT_TRUE(a == vCOLOUR(0x12, 0x34, 0x56));
+    EXPECT_TRUE(b == vCOLOUR(vCMYK, 0x01020304, 37, 1));
+    EXPECT_TRUE(c == vCOLOUR(0x00ABCDEFL, 1));
+    EXPECT_TRUE(d == vCOLOUR(vPANTONE, 0xFEDCBA98, 0, 0));
+    EXPECT_EQ(m.Status(), vSTREAM_OK);
+}
+
+TEST(ColourStream, ReadingTakesTypeTintAndFlagsUnchecked)
+{
+    // Type 9, tint 200, flags 0xFFFF: stored as read, and harmless to use.
+    const unsigned char raw[] = {0x10, 0x20, 0x30, 0x40, 9, 200, 0xFF, 0xFF,
+                                 0x00, 0x80, 0xFF, 0x00, 0, 200, 0x00, 0x00};
+    unsigned char* buffer = (unsigned char*)vMemAlloc(sizeof raw);
+    memcpy(buffer, raw, sizeof raw);
+    {
+        vMEMSTREAM m(&buffer, sizeof raw, vSTRING(), 0, 0);
+        vCOLOUR odd, rgb;
+        odd << m;
+        rgb << m;
+        EXPECT_EQ(odd.Value(), 0x40302010u);
+        EXPECT_EQ((int)odd.GetNativeFormat(), 9);
+        EXPECT_EQ(odd.GetTint(), 200);
+        EXPECT_EQ(odd.Flags(), 0xFFFF);
+        EXPECT_EQ(odd.PackedRGB(), 0u);
+        EXPECT_EQ(odd.GreyScale(), 100u);
+        // An RGB colour "tinted" past full strength darkens, wrapping within
+        // each byte: x + (255 - x) * -100 / 100.
+        EXPECT_EQ(rgb.GetTint(), 200);
+        EXPECT_EQ(rgb.PackedRGB(), Packed(0x01, 0x01, 0xFF));
+        // A second trip through a stream gives the same bytes.
+        vMEMSTREAM out;
+        odd >> out;
+        rgb >> out;
+        ASSERT_EQ(out.Size(), sizeof raw);
+        EXPECT_EQ(memcmp(out.Buffer(), raw, sizeof raw), 0);
+    }
+    vMemFree(buffer);
+}
+
+TEST(ColourStream, AShortStreamStopsWithItsStatus)
+{
+    const unsigned char raw[] = {0x10, 0x20, 0x30, 0x40, 1};
+    unsigned char* buffer = (unsigned char*)vMemAlloc(sizeof raw);
+    memcpy(buffer, raw, sizeof raw);
+    {
+        vMEMSTREAM m(&buffer, sizeof raw, vSTRING(), 0, 0);
+        vCOLOUR c;
+        c << m;
+        EXPECT_EQ(c.Value(), 0x40302010u);
+        EXPECT_EQ(c.GetNativeFormat(), vHLS);
+        EXPECT_EQ(m.Status(), vSTREAM_SHORTREAD);
+    }
+    vMemFree(buffer);
 }

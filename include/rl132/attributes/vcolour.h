@@ -17,6 +17,8 @@
 #include "rl132/core/rldefs.h"
 #include "rl132/core/vobject.h"
 
+class vSTREAM;
+
 enum vCOLOURTYPE : int {
     vRGB = 0,
     vHLS = 1,
@@ -104,6 +106,12 @@ public:
     // The packed value as stored, without conversion or tint.
     unsigned long Value() const { return value; }
     unsigned short Flags() const { return flags; }
+
+    // Stream form, 8 bytes: value (long), type (byte), tint (byte), flags (word).
+    // `colour << stream` loads, `colour >> stream` stores; both return the stream.
+    // Loading does not validate the type or the tint.
+    vSTREAM& operator<<(vSTREAM& stream);
+    vSTREAM& operator>>(vSTREAM& stream) const;
 
 private:
     void Init(long value);

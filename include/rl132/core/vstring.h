@@ -5,6 +5,7 @@
 #include "rl132/core/vnumber.h"
 
 class vRESID;
+class vSTREAM;
 
 // One character of the ANSI code page.
 class RL132_API vCHAR : public vOBJECT {
@@ -137,6 +138,13 @@ public:
     // French 1036 -> 200, German 1031 -> 400, Swedish 1053 -> 600, English (United
     // Kingdom) 2057 -> 0, and every other language (United States English too) -> 200.
     static unsigned short LanguageOffset(unsigned short languageId);
+
+    // On a stream: a length word, then the characters through WriteBlock (so a
+    // long text on a compressing stream becomes a compressed block). `s << stream`
+    // reads (a length beyond the data gives the characters that exist, and the
+    // stream's status tells of the short read); `s >> stream` writes.
+    vSTREAM& operator<<(vSTREAM& stream);
+    vSTREAM& operator>>(vSTREAM& stream) const;
 
 private:
     // Replaces the text by the first `length` characters at text (which may lie
