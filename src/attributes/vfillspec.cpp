@@ -1,40 +1,9 @@
 // Fill specifications (see vfillspec.h).
 #include "rl132/attributes/vfillspec.h"
-#include <cstring>
 #include "rl132/bitmaps/odib.h"
 #include "rl132/streams/vstream.h"
 
 namespace {
-// The 8-byte colour form: packed value (long), type (byte), tint (byte), flags
-// (word), which is also the in-memory order of a vCOLOUR's fields.
-static_assert(sizeof(vCOLOUR) == 8, "the colour form mirrors the colour's fields");
-
-void WriteColour(vSTREAM& s, const vCOLOUR& c)
-{
-    unsigned char raw[8];
-    std::memcpy(raw, (const void*)&c, 8);
-    unsigned long value;
-    unsigned short flags;
-    std::memcpy(&value, raw, 4);
-    std::memcpy(&flags, raw + 6, 2);
-    s.WriteULong(value);
-    s.WriteUByte(raw[4]);
-    s.WriteUByte(raw[5]);
-    s.WriteUWord(flags);
-}
-
-void ReadColour(vSTREAM& s, vCOLOUR& c)
-{
-    unsigned char raw[8];
-    unsigned long value = s.ReadULong();
-    raw[4] = s.ReadUByte();
-    raw[5] = s.ReadUByte();
-    unsigned short flags = s.ReadUWord();
-    std::memcpy(raw, &value, 4);
-    std::memcpy(raw + 6, &flags, 2);
-    std::memcpy((void*)&c, raw, 8);
-}
-
 oDIB* CopyOf(const oDIB* dib)
 {
     return dib ? new oSTREAMDIB(*dib, 0) : nullptr;
@@ -105,8 +74,8 @@ int vFILLSPEC::Bitmap(oDIB** out) const
 vSTREAM& vFILLSPEC::operator>>(vSTREAM& s) const
 {
     s.WriteUWord((unsigned short)type);
-    WriteColour(s, from);
-    WriteColour(s, to);
+    from >> s;
+    to >> s;
     s.WriteSLong(angle());
     s.WriteUWord((unsigned short)mode);
     if (bitmap)
@@ -119,8 +88,8 @@ vSTREAM& vFILLSPEC::operator>>(vSTREAM& s) const
 vSTREAM& vFILLSPEC::operator<<(vSTREAM& s)
 {
     type = (vFILLTYPE)(unsigned int)s.ReadUWord();
-    ReadColour(s, from);
-    ReadColour(s, to);
+    from << s;
+    to << s;
     angle = vANGLE::FromRaw(s.ReadSLong());
     mode = (vFILLMODE)(unsigned int)s.ReadUWord();
     delete bitmap;
