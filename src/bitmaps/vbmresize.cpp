@@ -317,6 +317,27 @@ void Colour8(const unsigned char* s, unsigned char* d, const std::uint32_t* m, s
     }
 }
 
+// A reduced 24-bit row whose target pixels are the rounded means of the source
+// pixels they stand for: target i covers source columns from its pick up to the
+// next target's pick (the first from column 0, the last to the row's end).
+// The map holds byte offsets (3 × column).
+void AverageRow(const unsigned char* s, unsigned char* d, const std::uint32_t* map, std::uint32_t n,
+                std::uint32_t sourceWidth)
+{
+    for (std::uint32_t i = 0; i < n; ++i, d += 3) {
+        std::uint32_t from = i ? map[i] / 3 : 0;
+        std::uint32_t to = i + 1 < n ? map[i + 1] / 3 : sourceWidth;
+        std::uint32_t sum[3] = {0, 0, 0}, count = to - from;
+        for (const unsigned char* p = s + 3 * from; p < s + 3 * to; p += 3) {
+            sum[0] += p[0];
+            sum[1] += p[1];
+            sum[2] += p[2];
+        }
+        for (int c = 0; c < 3; ++c)
+            d[c] = (unsigned char)((sum[c] + count / 2) / count);
+    }
+}
+
 PixelRowFn GetPixelRoutines(unsigned sourceBits, bool toColour)
 {
     switch (sourceBits) {
@@ -415,6 +436,8 @@ int vBMRESIZE::BresenhamScale()
     const bool toColour = change && sourceBits <= 8;
     PixelRowFn widen = GetPixelRoutines(sourceBits, toColour);
     const bool identity = tw == sw && !toColour;
+    // Averaging applies where the source columns are colours to be reduced.
+    const bool averaging = average && tw < sw && sourceBits == 24;
     const unsigned rowBits = change ? 24 : sourceBits;
     unsigned char* line = (unsigned char*)vMemAlloc(rldib::Stride(rowBits, tw) + 4);
     unsigned char* out = (unsigned char*)vMemAlloc(tstride + 4);
@@ -454,7 +477,10 @@ int vBMRESIZE::BresenhamScale()
         }
         if (times) {
             const unsigned char* wide = row;
-            if (!identity) {
+            if (averaging) {
+                AverageRow(row, line, xmap, tw, sw);
+                wide = line;
+            } else if (!identity) {
                 widen(row, line, xmap, tw, pal, palCount);
                 wide = line;
             }

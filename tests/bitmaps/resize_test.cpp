@@ -97,6 +97,50 @@ TEST(Resize, RowsAndColumnsFollowTheStepping)
     delete src;
 }
 
+TEST(Resize, AveragingReductions)
+{
+    // Four columns to two: each target pixel is the mean of the two it covers.
+    oMEMDIB four(4, 1, 24, oCM_RGB24, 0);
+    unsigned char* rows = nullptr;
+    four.LockImageLines(0, 1, &rows, oCM_RGB24);
+    const unsigned char v[4] = {10, 20, 30, 41};
+    for (int x = 0; x < 4; ++x)
+        rows[3 * x] = rows[3 * x + 1] = rows[3 * x + 2] = v[x];
+    four.ReleaseImageLines(1);
+    vMEMSTREAM in, out;
+    Store(four, in);
+    vBMRESIZE r;
+    ASSERT_EQ(r.Scale(in, out, 2, 1, 0, 1), 1);
+    out.MoveFromStart(0);
+    oMEMDIB two(out, 0);
+    std::vector<unsigned char> t = RowsOf(two);
+    EXPECT_EQ(t[0], 15);
+    EXPECT_EQ(t[3], 36);   // 35.5 rounds up
+
+    // Alternating black and white columns: picks give pure black or white,
+    // averages give grey; without the switch nothing is blended.
+    oMEMDIB stripes(64, 2, 24, oCM_RGB24, 0);
+    stripes.LockImageLines(0, 2, &rows, oCM_RGB24);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 64; ++x)
+            std::memset(rows + y * stripes.Stride() + 3 * x, x % 2 ? 255 : 0, 3);
+    stripes.ReleaseImageLines(1);
+    for (int avg = 0; avg < 2; ++avg) {
+        vMEMSTREAM a, b;
+        Store(stripes, a);
+        ASSERT_EQ(r.Scale(a, b, 21, 2, 0, avg), 1);
+        b.MoveFromStart(0);
+        oMEMDIB s(b, 0);
+        std::vector<unsigned char> px = RowsOf(s);
+        for (int x = 0; x < 21; ++x) {
+            if (avg)
+                EXPECT_TRUE(px[3 * x] >= 64 && px[3 * x] <= 191) << x;
+            else
+                EXPECT_TRUE(px[3 * x] == 0 || px[3 * x] == 255) << x;
+        }
+    }
+}
+
 TEST(Resize, DitheredTargetsAndTheirPalettes)
 {
     oMEMDIB* src = Noise24(45, 20, 3);

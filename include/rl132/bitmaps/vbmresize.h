@@ -18,8 +18,10 @@ public:
     // Reads a stored DIB from source (a 16- or 32-bit one as 24 bits) and writes
     // it to target at width × height (0: the source's) and bitCount bits per
     // pixel (0: unchanged; 8, 4 and 1 are dithered, 24 expands palette images).
-    // Rows are picked by integer line stepping, never blended. `average` is
-    // reserved. Returns 1 on success; 0 for an empty or unreadable source, bit
+    // Rows are picked by integer line stepping, never blended. A non-zero
+    // `average` makes a narrower target from a 24-bit (or 16- or 32-bit) source
+    // take the rounded mean of the source columns each pixel stands for,
+    // instead of one of them. Returns 1 on success; 0 for an empty or unreadable source, bit
     // counts it cannot produce, a failed allocation or a stop request (the
     // target then holds what was written so far).
     int Scale(vSTREAM& source, vSTREAM& target, unsigned short width, unsigned short height,
