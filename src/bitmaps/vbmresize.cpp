@@ -409,6 +409,9 @@ int vBMRESIZE::BresenhamScale()
 
     // The target palette follows the target depth: black and white, the 16
     // standard colours, the cube, or the source's own when the depth stays.
+    // The screen device's palettes plug in here once it exists: its 16-colour
+    // palette for 4 bits, and its 256-colour palette (when the display has one)
+    // in place of pPalette for 8 bits; the dithers then map onto those entries.
     oDIBPALETTE* tp = nullptr;
     if (change && targetBits == 1) {
         RGBQUAD bw[2] = {{0, 0, 0, 0}, {255, 255, 255, 0}};
@@ -418,17 +421,16 @@ int vBMRESIZE::BresenhamScale()
         rldib::FillPalette16((unsigned char*)q);
         tp = new oDIBPALETTE(q, 16);
     } else if (change && targetBits == 8) {
-        // Where a 256-colour screen palette exists it takes the place of the cube.
         tp = new oDIBPALETTE(pPalette, 256);
     } else if (!change && sp) {
         tp = new oDIBPALETTE(*sp);
     }
     PaletteHolder holdTarget = {tp};
-    if ((change && targetBits <= 8 && !tp))
+    if (change && targetBits <= 8 && !tp)
         return 0;
 
-    oDIBHEADER th_(tw, th, sh.HorzDPI(), sh.VertDPI(), ModelForBits(targetBits));
-    th_.Palette(tp);
+    oDIBHEADER targetHeader(tw, th, sh.HorzDPI(), sh.VertDPI(), ModelForBits(targetBits));
+    targetHeader.Palette(tp);
     const std::uint32_t tstride = rldib::Stride(targetBits, tw);
 
     // Horizontal map: source column per target column (byte offsets for 24 bits).
@@ -458,7 +460,7 @@ int vBMRESIZE::BresenhamScale()
     std::memset(line, 0, rldib::Stride(rowBits, tw) + 4);
     std::memset(out, 0, tstride + 4);
 
-    th_ >> dst;
+    targetHeader >> dst;
     if (tp)
         *tp >> dst;
 
