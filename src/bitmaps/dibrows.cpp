@@ -326,6 +326,8 @@ void DiffDecodeBlock(unsigned char* block, std::uint32_t bytes)
 
 void DiffEncodeCopy(const unsigned char* src, unsigned char* dst, std::uint32_t bytes)
 {
+    if (bytes == 0)
+        return;
     std::uint32_t whole = bytes / 3 * 3;
     std::uint32_t head = whole < 3 ? whole : 3;
     std::memcpy(dst, src, head);
