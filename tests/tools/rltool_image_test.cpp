@@ -10,7 +10,7 @@ namespace {
 int RunTool(const std::string& args)
 {
     std::string cmd = "rltool.exe " + args;
-    std::string log = rltest::TempPath("rltoolout");
+    std::string log = rltest::TempPath("imglog");
     SECURITY_ATTRIBUTES sa = {sizeof sa, nullptr, TRUE};
     HANDLE out = CreateFileA(log.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &sa, CREATE_ALWAYS, 0, nullptr);
     STARTUPINFOA si = {};
