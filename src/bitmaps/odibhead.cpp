@@ -1,0 +1,205 @@
+// DIB headers and palettes (see odibhead.h).
+#include "rl132/bitmaps/odibhead.h"
+#include <cstring>
+#include "rl132/attributes/vcolour.h"
+#include "rl132/core/vmem.h"
+#include "rl132/streams/vstream.h"
+
+// ---------------------------------------------------------------- oDIBHEADER
+
+unsigned short oDIBHEADER::BitsForModel(oCOLOUR_MODEL model)
+{
+    switch (model) {
+    case oCM_RGB32: return 32;
+    case oCM_MONO: return 1;
+    case oCM_PAL16: return 4;
+    case oCM_PAL256:
+    case oCM_PAL256_B:
+    case oCM_PAL256_C: return 8;
+    default: return 24;
+    }
+}
+
+unsigned long oDIBHEADER::ColoursForModel(oCOLOUR_MODEL model)
+{
+    switch (model) {
+    case oCM_MONO: return 2;
+    case oCM_PAL16: return 16;
+    case oCM_PAL256:
+    case oCM_PAL256_B:
+    case oCM_PAL256_C: return 256;
+    default: return 0;
+    }
+}
+
+unsigned long oDIBHEADER::Stride(unsigned long bitCount, unsigned long width)
+{
+    return (((bitCount * width + 7) / 8) + 3) & ~3UL;
+}
+
+oDIBHEADER::oDIBHEADER()
+    : biSize(40), biWidth(0), biHeight(0), biPlanes(1), biBitCount(24), biCompression(0),
+      biSizeImage(0), biXPelsPerMeter(100), biYPelsPerMeter(100), biClrUsed(0), biClrImportant(0),
+      colourModel(oCM_RGB24), palette(nullptr)
+{
+}
+
+oDIBHEADER::oDIBHEADER(unsigned long width, unsigned long height, unsigned long horzDPI,
+                       unsigned long vertDPI, oCOLOUR_MODEL model)
+    : biSize(40), biWidth((LONG)width), biHeight((LONG)height), biPlanes(1),
+      biBitCount(BitsForModel(model)), biCompression(0), biSizeImage(0),
+      biXPelsPerMeter((LONG)(horzDPI * oDIB_DPI_FACTOR)),
+      biYPelsPerMeter((LONG)(vertDPI * oDIB_DPI_FACTOR)), biClrUsed(ColoursForModel(model)),
+      biClrImportant(0), colourModel(model), palette(nullptr)
+{
+    biSizeImage = Stride(biBitCount, width) * height;
+}
+
+oDIBHEADER::oDIBHEADER(const oDIBHEADER& o) : vOBJECT() { *this = o; }
+
+oDIBHEADER& oDIBHEADER::operator=(const oDIBHEADER& o)
+{
+    biSize = o.biSize;
+    biWidth = o.biWidth;
+    biHeight = o.biHeight;
+    biPlanes = o.biPlanes;
+    biBitCount = o.biBitCount;
+    biCompression = o.biCompression;
+    biSizeImage = o.biSizeImage;
+    biXPelsPerMeter = o.biXPelsPerMeter;
+    biYPelsPerMeter = o.biYPelsPerMeter;
+    biClrUsed = o.biClrUsed;
+    biClrImportant = o.biClrImportant;
+    colourModel = o.colourModel;
+    palette = o.palette;
+    return *this;
+}
+
+void oDIBHEADER::GetInfoHeader(BITMAPINFOHEADER& info) const
+{
+    info.biSize = biSize;
+    info.biWidth = biWidth;
+    info.biHeight = biHeight;
+    info.biPlanes = biPlanes;
+    info.biBitCount = biBitCount;
+    info.biCompression = biCompression;
+    info.biSizeImage = biSizeImage;
+    info.biXPelsPerMeter = biXPelsPerMeter;
+    info.biYPelsPerMeter = biYPelsPerMeter;
+    info.biClrUsed = biClrUsed;
+    info.biClrImportant = biClrImportant;
+}
+
+const oDIBHEADER& oDIBHEADER::operator>>(vSTREAM& stream) const
+{
+    // The stored count is always the real one, whatever biClrUsed held: readers
+    // size the palette from it.
+    BITMAPINFOHEADER info;
+    GetInfoHeader(info);
+    info.biClrUsed = palette ? palette->GetNumColours() : 0;
+    info.biClrImportant = 0;
+    stream.WriteBlock((const unsigned char*)&info, sizeof info);
+    return *this;
+}
+
+// ---------------------------------------------------------------- oDIBPALETTE
+
+oDIBPALETTE::oDIBPALETTE() : oPALETTE(0), entries(nullptr) {}
+
+oDIBPALETTE::oDIBPALETTE(const RGBQUAD* src, unsigned short count) : oPALETTE(count), entries(nullptr)
+{
+    entries = (RGBQUAD*)vMemAlloc(count ? count * 4UL : 1UL);
+    if (!entries)
+        return;
+    for (unsigned i = 0; i < count; ++i) {
+        entries[i].rgbBlue = src ? src[i].rgbBlue : 0;
+        entries[i].rgbGreen = src ? src[i].rgbGreen : 0;
+        entries[i].rgbRed = src ? src[i].rgbRed : 0;
+        entries[i].rgbReserved = 0;
+    }
+}
+
+oDIBPALETTE::oDIBPALETTE(const PALETTEENTRY* src, unsigned short count)
+    : oPALETTE(count), entries(nullptr)
+{
+    entries = (RGBQUAD*)vMemAlloc(count ? count * 4UL : 1UL);
+    if (!entries)
+        return;
+    for (unsigned i = 0; i < count; ++i) {
+        entries[i].rgbRed = src ? src[i].peRed : 0;
+        entries[i].rgbGreen = src ? src[i].peGreen : 0;
+        entries[i].rgbBlue = src ? src[i].peBlue : 0;
+        entries[i].rgbReserved = 0;
+    }
+}
+
+oDIBPALETTE::oDIBPALETTE(const oDIBPALETTE& o) : oPALETTE(0), entries(nullptr)
+{
+    Init(o.entries, o.numColours);
+}
+
+oDIBPALETTE& oDIBPALETTE::operator=(const oDIBPALETTE& o)
+{
+    if (this != &o)
+        Init(o.entries, o.numColours);
+    return *this;
+}
+
+oDIBPALETTE::~oDIBPALETTE() { vMemFree(entries); }
+
+void oDIBPALETTE::Init(const RGBQUAD* src, unsigned short count)
+{
+    unsigned long bytes = count ? count * 4UL : 1UL;
+    RGBQUAD* block = entries ? (RGBQUAD*)vMemRealloc(entries, bytes) : (RGBQUAD*)vMemAlloc(bytes);
+    if (!block) {
+        // A failed resize keeps nothing: the count stays, the entries go.
+        vMemFree(entries);
+        entries = nullptr;
+    } else {
+        entries = block;
+        if (src)
+            std::memcpy(entries, src, count * 4UL);
+        else
+            std::memset(entries, 0, count * 4UL);
+    }
+    numColours = count;
+}
+
+int oDIBPALETTE::SetColour(unsigned long index, const vCOLOUR& colour)
+{
+    if (!entries || index >= numColours)
+        return 0;
+    entries[index].rgbRed = colour.Red();
+    entries[index].rgbGreen = colour.Green();
+    entries[index].rgbBlue = colour.Blue();
+    entries[index].rgbReserved = 0;
+    return 1;
+}
+
+int oDIBPALETTE::GetColour(unsigned long index, vCOLOUR& colour) const
+{
+    if (!entries || index >= numColours)
+        return 0;
+    colour.Red(entries[index].rgbRed);
+    colour.Green(entries[index].rgbGreen);
+    colour.Blue(entries[index].rgbBlue);
+    return 1;
+}
+
+int oDIBPALETTE::GetNearestColour(const vCOLOUR&, vCOLOUR&) const { return 0; }
+
+oDIBPALETTE& oDIBPALETTE::operator>>(vSTREAM& stream)
+{
+    // Staged through a fixed table: only the first 256 entries can be written.
+    RGBQUAD staged[256];
+    unsigned n = numColours > 256 ? 256 : numColours;
+    for (unsigned i = 0; i < n; ++i) {
+        staged[i].rgbBlue = entries ? entries[i].rgbBlue : 0;
+        staged[i].rgbGreen = entries ? entries[i].rgbGreen : 0;
+        staged[i].rgbRed = entries ? entries[i].rgbRed : 0;
+        staged[i].rgbReserved = 0;
+    }
+    if (n)
+        stream.WriteBlock((const unsigned char*)staged, n * 4UL);
+    return *this;
+}
