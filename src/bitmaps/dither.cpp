@@ -218,14 +218,20 @@ void Ditherer::Line1(const unsigned char* bgr, unsigned char* out)
 // ---------------------------------------------------------------- stepping
 
 // Enlarging walks target items and decides when to move to the next source item,
-// as a line from (0, 0) to (dst − 1, src − 1) is drawn; the first target takes
-// the first source item and the last target the last one. Reducing walks source
-// items and decides which to keep, error 2 × dst − (src − 1) at the start.
-Stepper::Stepper(std::uint32_t src, std::uint32_t dst)
-    : src_(src), dst_(src ? dst : 0), taken_(0), emitted_(0), err_(0), enlarge_(src <= dst)
+// with the error terms of a line from (0, 0) to (run, src − 1): error
+// 2 × (src − 1) − run at the start, −2 × run on each step up, +2 × (src − 1) per
+// target item. Rows use run = dst, the library's row stepping: it can stop short
+// of the last source row (3 rows onto 3 give rows 0, 1, 1), and pictures scaled
+// before depend on it. Columns use run = dst − 1, so that the first and last
+// columns are always kept and an unchanged width is an exact copy. Reducing
+// walks source items and decides which to keep, error 2 × dst − (src − 1) at
+// the start.
+Stepper::Stepper(std::uint32_t src, std::uint32_t dst, bool endpoints)
+    : src_(src), dst_(src ? dst : 0), taken_(0), emitted_(0), err_(0), enlarge_(src <= dst),
+      run_((std::int64_t)dst - (endpoints ? 1 : 0))
 {
     if (enlarge_)
-        err_ = 2 * ((std::int64_t)src - 1) - ((std::int64_t)dst - 1);
+        err_ = 2 * ((std::int64_t)src - 1) - run_;
     else
         err_ = 2 * (std::int64_t)dst - ((std::int64_t)src - 1);
 }
@@ -239,7 +245,7 @@ std::uint32_t Stepper::Take()
     ++taken_;
     std::uint32_t n = 0;
     if (enlarge_) {
-        const std::int64_t dx = (std::int64_t)dst_ - 1, dy = (std::int64_t)src_ - 1;
+        const std::int64_t dx = run_, dy = (std::int64_t)src_ - 1;
         // Emit this item until the line steps up to the next source item.
         for (;;) {
             ++n;
@@ -275,9 +281,9 @@ std::uint32_t Stepper::Take()
     return n;
 }
 
-void StepMap(std::uint32_t src, std::uint32_t dst, std::uint32_t* map)
+void StepMap(std::uint32_t src, std::uint32_t dst, std::uint32_t* map, bool endpoints)
 {
-    Stepper s(src, dst);
+    Stepper s(src, dst, endpoints);
     std::uint32_t t = 0;
     for (std::uint32_t i = 0; i < src && t < dst; ++i)
         for (std::uint32_t n = s.Take(); n > 0 && t < dst; --n)

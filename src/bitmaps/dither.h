@@ -81,15 +81,19 @@ private:
 // Integer stepping from src items (rows or columns) onto dst items, the way a
 // line is drawn. Enlarging (src − 1 < dst) repeats items, reducing drops them;
 // each target item takes exactly one source item and the picks never go back.
-// Map fills dst entries with the source item each target item takes.
-void StepMap(std::uint32_t src, std::uint32_t dst, std::uint32_t* map);
+// `endpoints` picks the column stepping, which always keeps the first and last
+// items; without it the enlarging walk is the library's row stepping, which may
+// end before the last source row.
+// Map fills dst entries with the source item each target item takes (columns
+// by default).
+void StepMap(std::uint32_t src, std::uint32_t dst, std::uint32_t* map, bool endpoints = true);
 
 // The same stepping as a walk over the source, for readers that cannot seek:
 // Begin, then for each source item Take() says how many times (0 or more) it
 // is emitted. Over the whole source the counts add up to dst.
 class Stepper {
 public:
-    Stepper(std::uint32_t src, std::uint32_t dst);
+    Stepper(std::uint32_t src, std::uint32_t dst, bool endpoints = false);
     // How often source item number `index` (taken in order from 0) is emitted.
     std::uint32_t Take();
     bool Done() const { return emitted_ >= dst_; }
@@ -98,6 +102,7 @@ private:
     std::uint32_t src_, dst_, taken_, emitted_;
     std::int64_t err_;
     bool enlarge_;
+    std::int64_t run_;
 };
 
 } // namespace rldib

@@ -91,16 +91,6 @@ unsigned long DpiFromPels(long pels)
     return dpi > 0 ? (unsigned long)dpi : 100UL;
 }
 
-// True when the next bytes are a compressed frame (the stream is left where it was).
-bool FrameAhead(vSTREAM& s)
-{
-    if (!s.DetectingCompressed() || Remaining(s) < 8)
-        return false;
-    unsigned long pos = s.CurrentPos();
-    unsigned long magic = s.ReadULong();
-    s.MoveFromStart(pos);
-    return magic == kFrameMagic;
-}
 } // namespace
 
 int dibread::ReadHead(vSTREAM& s, oDIBHEADER* header, oDIBPALETTE** pal, rldib::InfoPlan* plan)
@@ -144,7 +134,36 @@ int dibread::RowsAvailable(vSTREAM& s, const rldib::InfoPlan& plan)
     unsigned long remaining = Remaining(s);
     if (plan.storedSize <= remaining)
         return 1;
-    return FrameAhead(s) && plan.storedSize / kFrameExpansion <= remaining;
+    if (!s.DetectingCompressed())
+        return 0;
+    // Compressed frames make the stream shorter than the rows it holds. Walk the
+    // blocks the writer produced (one block for most depths, 12,000-byte blocks
+    // for 24 bits, any of which may be a frame) by their sizes alone: a frame is
+    // skipped by its length field, a raw block by its size. Nothing is expanded,
+    // and the stream is left where it was.
+    const unsigned long block = plan.storedBits == 24 ? (unsigned long)rldib::kDiffBlock : plan.storedSize;
+    const unsigned long start = s.CurrentPos();
+    unsigned long at = start;
+    const unsigned long end = start + remaining;
+    int ok = 1;
+    for (unsigned long done = 0; ok && done < plan.storedSize; done += block) {
+        unsigned long n = plan.storedSize - done < block ? plan.storedSize - done : block;
+        if (end - at >= 8) {
+            s.MoveFromStart(at);
+            unsigned long magic = s.ReadULong();
+            unsigned long length = s.ReadULong();
+            if (magic == kFrameMagic) {
+                // A frame cannot unfold beyond what its block may hold.
+                ok = length <= end - at - 8 && length <= n && n / kFrameExpansion <= length + 8;
+                at += 8 + length;
+                continue;
+            }
+        }
+        ok = n <= end - at;
+        at += n;
+    }
+    s.MoveFromStart(start);
+    return ok;
 }
 
 int dibread::ReadRows(vSTREAM& s, const rldib::InfoPlan& plan, unsigned char* rows)

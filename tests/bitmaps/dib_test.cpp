@@ -461,6 +461,42 @@ TEST(Dib, DifferenceCodedThroughCompressingFiles)
     delete d;
 }
 
+// Found through the resampler: the first block of noisy rows stays raw while a
+// later one (two equal rows) compresses, so the stream is shorter than the rows
+// although no frame comes first. Both images must still be read.
+TEST(Dib, RawFirstBlockThenCompressedFrame)
+{
+    oMEMDIB d(300, 90, 24, oCM_RGB24, 0);
+    unsigned char* rows = nullptr;
+    ASSERT_NE(d.LockImageLines(0, 90, &rows, oCM_RGB24), 0);
+    unsigned seed = 12345;
+    for (unsigned long i = 0; i < d.Stride() * 90; ++i) {
+        seed = seed * 1103515245u + 12345u;
+        rows[i] = (unsigned char)(seed >> 24);
+    }
+    std::memcpy(rows + 45 * d.Stride(), rows + 44 * d.Stride(), d.Stride());
+    d.ReleaseImageLines(1);
+    std::vector<unsigned char> expected = Rows(d);
+    std::string path = rltest::TempPath("dibm");
+    {
+        vFILE f(vSTRING("%s", path.c_str()), vFILE_WRITENEW, 1);
+        f.Compress(1);
+        d >> f;
+    }
+    {
+        vFILE f(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
+        ASSERT_LT(f.Size(), 40 + d.Stride() * 90) << "one block must have compressed";
+        oMEMDIB back(f, 0);
+        EXPECT_EQ(back.Height(), 90u);
+        EXPECT_EQ(Rows(back), expected);
+        f.MoveFromStart(0);
+        oSTREAMDIB onStream(f, 0);
+        EXPECT_EQ(onStream.Height(), 90u);
+        EXPECT_EQ(Rows(onStream), expected);
+    }
+    DeleteFileA(path.c_str());
+}
+
 TEST(Dib, BadStreamsFailCleanly)
 {
     std::vector<unsigned char> rows(12, 0x5A);
