@@ -56,8 +56,8 @@ const Params kLevels[9] = {
     {8, 16, 8},      // 3: lazy from here on
     {16, 32, 16},    // 4
     {64, 64, 32},    // 5: default
-    {96, 128, 64},   // 6
-    {256, 258, 128}, // 7
+    {128, 128, 64},  // 6
+    {512, 258, 128}, // 7
     {4096, 518, 518},// 8: every candidate
     {4096, 518, 518},// 9 without room for the optimal parser
 };
@@ -138,7 +138,7 @@ Found TwoByte(const ImplodeState& s, const unsigned char* cur, uint32_t absP, un
 }
 
 template <bool kAscii>
-Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue, unsigned chain)
+__attribute__((always_inline)) inline Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue, unsigned chain)
 {
     Found best = {0, 0, -1000};
     unsigned maxLen = s.end - p;
