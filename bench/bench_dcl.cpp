@@ -281,8 +281,12 @@ int main(int argc, char** argv)
         return 0;
     }
     Measure("text", MakeText(3u << 20), type, dict);
+    // The library itself stands for an executable; it sits beside this program.
+    std::string self = argv[0];
+    size_t slash = self.find_last_of("\\/");
+    std::string dll = (slash == std::string::npos ? std::string() : self.substr(0, slash + 1)) + "RL132.dll";
     Bytes exe;
-    if (ReadFile("RL132.dll", exe) || ReadFile(argv[0], exe))
+    if (ReadFile(dll.c_str(), exe) || ReadFile(argv[0], exe))
         Measure("executable", exe, type, dict);
     Measure("image rows", MakeImage(3u << 20), type, dict);
     Measure("random", MakeRandom(1u << 20), type, dict);
