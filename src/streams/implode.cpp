@@ -164,7 +164,7 @@ __attribute__((always_inline)) inline Found Find(const ImplodeState& s, unsigned
             break;
         last = d;
         const unsigned char* q = cur - d;
-        if (q[longest] == cur[longest]) {   // the hash makes the first bytes likely equal
+        if (q[longest] == cur[longest] && q[0] == cur[0] && q[1] == cur[1]) {
             unsigned len = MatchLength(q, cur, maxLen);
             if (len > longest) {
                 longest = len;
