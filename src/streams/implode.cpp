@@ -62,6 +62,13 @@ const Params kLevels[9] = {
     {4096, 518, 518},// 9 without room for the optimal parser
 };
 
+inline uint16_t Load16(const unsigned char* p)
+{
+    uint16_t v;
+    memcpy(&v, p, 2);
+    return v;
+}
+
 inline unsigned Hash3(const unsigned char* p)
 {
     return ((Load32(p) & 0xFFFFFF) * 2654435761u) >> (32 - kHashBits);
@@ -164,7 +171,7 @@ __attribute__((always_inline)) inline Found Find(const ImplodeState& s, unsigned
             break;
         last = d;
         const unsigned char* q = cur - d;
-        if (q[longest] == cur[longest] && q[0] == cur[0] && q[1] == cur[1]) {
+        if (q[longest] == cur[longest] && Load16(q) == Load16(cur)) {
             unsigned len = MatchLength(q, cur, maxLen);
             if (len > longest) {
                 longest = len;
