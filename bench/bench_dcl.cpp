@@ -7,7 +7,7 @@
 // this program's DLL (an executable), rows of a 24-bit image and random bytes.
 // Files named on the command line are measured instead.
 //
-//   bench_dcl [--ascii] [--dict 1024|2048|4096] [FILE...]
+//   bench_dcl [--ascii] [--dict 1024|2048|4096] [--level N]... [FILE...]
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -208,9 +208,11 @@ bool ReadFile(const char* name, Bytes& out)
     return true;
 }
 
+std::vector<unsigned> gLevels;
+
 void Measure(const char* name, const Bytes& in, unsigned type, unsigned dict)
 {
-    const unsigned levels[] = {CMP_LEVEL_FASTEST, CMP_LEVEL_DEFAULT, CMP_LEVEL_BEST};
+    const std::vector<unsigned>& levels = gLevels;
     std::vector<char> work(implode_work_size(CMP_LEVEL_BEST));
     std::vector<char> ework(EXP_BUFFER_SIZE);
     // Worst-case growth is under 14/8 of the input; leave room for headers.
@@ -264,9 +266,13 @@ int main(int argc, char** argv)
             type = CMP_ASCII;
         else if (strcmp(argv[i], "--dict") == 0 && i + 1 < argc)
             dict = unsigned(atoi(argv[++i]));
+        else if (strcmp(argv[i], "--level") == 0 && i + 1 < argc)
+            gLevels.push_back(unsigned(atoi(argv[++i])));
         else
             files.push_back(argv[i]);
     }
+    if (gLevels.empty())
+        gLevels = {CMP_LEVEL_FASTEST, CMP_LEVEL_DEFAULT, CMP_LEVEL_BEST};
     printf("implode %s, dictionary %u bytes\n", type == CMP_ASCII ? "ASCII" : "binary", dict);
     if (!files.empty()) {
         for (const char* f : files) {
@@ -281,8 +287,12 @@ int main(int argc, char** argv)
         return 0;
     }
     Measure("text", MakeText(3u << 20), type, dict);
+    // The library itself stands for an executable; it sits beside this program.
+    std::string self = argv[0];
+    size_t slash = self.find_last_of("\\/");
+    std::string dll = (slash == std::string::npos ? std::string() : self.substr(0, slash + 1)) + "RL132.dll";
     Bytes exe;
-    if (ReadFile("RL132.dll", exe) || ReadFile(argv[0], exe))
+    if (ReadFile(dll.c_str(), exe) || ReadFile(argv[0], exe))
         Measure("executable", exe, type, dict);
     Measure("image rows", MakeImage(3u << 20), type, dict);
     Measure("random", MakeRandom(1u << 20), type, dict);

@@ -56,11 +56,18 @@ const Params kLevels[9] = {
     {8, 16, 8},      // 3: lazy from here on
     {16, 32, 16},    // 4
     {64, 64, 32},    // 5: default
-    {96, 128, 64},   // 6
-    {256, 258, 128}, // 7
+    {128, 128, 64},  // 6
+    {512, 258, 128}, // 7
     {4096, 518, 518},// 8: every candidate
     {4096, 518, 518},// 9 without room for the optimal parser
 };
+
+inline uint16_t Load16(const unsigned char* p)
+{
+    uint16_t v;
+    memcpy(&v, p, 2);
+    return v;
+}
 
 inline unsigned Hash3(const unsigned char* p)
 {
@@ -138,7 +145,7 @@ Found TwoByte(const ImplodeState& s, const unsigned char* cur, uint32_t absP, un
 }
 
 template <bool kAscii>
-Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue, unsigned chain)
+__attribute__((always_inline)) inline Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue, unsigned chain)
 {
     Found best = {0, 0, -1000};
     unsigned maxLen = s.end - p;
@@ -164,7 +171,7 @@ Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue, 
             break;
         last = d;
         const unsigned char* q = cur - d;
-        if (q[longest] == cur[longest] && q[0] == cur[0] && q[1] == cur[1]) {
+        if (q[longest] == cur[longest] && Load16(q) == Load16(cur)) {
             unsigned len = MatchLength(q, cur, maxLen);
             if (len > longest) {
                 longest = len;

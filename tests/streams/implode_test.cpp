@@ -2,11 +2,14 @@
 // in every mode, damaged input, and the work-area contract.
 #include <gtest/gtest.h>
 #include <cstdio>
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
 #include "rl132.h"
 #include "rltest.h"
+#include "streams/dcl_codes.h"
+#include "streams/dcl_encode.h"
 
 namespace {
 
@@ -541,5 +544,53 @@ TEST(Explode, ReportsWhatFollowsTheStream)
         EXPECT_TRUE(p.out == plain);
         EXPECT_EQ(explode_used(work.Work()), packed.size()) << piece;
         EXPECT_TRUE(work.Intact());
+    }
+}
+
+// The best level's output is the shortest the format allows: its size equals
+// the cheapest parse found by trying every distance at every position.
+TEST(Implode, BestLevelIsTheExactOptimum)
+{
+    Bytes image;
+    Rng r(31);
+    for (int i = 0; i < 1500; ++i) {
+        unsigned v = (i / 7) * 3 + (r.Next() % 4 == 0 ? r.Next() % 3 : 0);
+        image.push_back((unsigned char)v);
+        image.push_back((unsigned char)(v >> 1));
+    }
+    Bytes mixed = Words(1500, 77);
+    Bytes noise = RandomBytes(600, 78);
+    mixed.insert(mixed.end(), noise.begin(), noise.end());
+    mixed.insert(mixed.end(), 700, 'q');
+    mixed.insert(mixed.end(), image.begin(), image.begin() + 500);
+    for (unsigned type : {unsigned(CMP_BINARY), unsigned(CMP_ASCII)}) {
+        for (unsigned dictBits : {4u, 6u}) {
+            for (const Bytes* in : {&image, &mixed}) {
+                const Bytes& d = *in;
+                const size_t n = d.size(), dict = size_t(64) << dictBits;
+                std::vector<unsigned> cost(n + 1, ~0u);
+                cost[0] = 0;
+                for (size_t i = 0; i < n; ++i) {
+                    unsigned lit = dcl::LiteralCost(d[i], type == CMP_ASCII);
+                    cost[i + 1] = std::min(cost[i + 1], cost[i] + lit);
+                    for (size_t dist = 1; dist <= std::min(i, dict); ++dist) {
+                        size_t len = 0;
+                        while (i + len < n && len < 518 && d[i + len] == d[i + len - dist])
+                            ++len;
+                        for (size_t l = 2; l <= len; ++l) {
+                            if (l == 2 && dist > 256)
+                                continue;
+                            unsigned c = cost[i] + dcl::CopyCost(unsigned(l), unsigned(dist), dictBits);
+                            cost[i + l] = std::min(cost[i + l], c);
+                        }
+                    }
+                }
+                // Header, items, the 16-bit end code, rounded up to whole bytes.
+                size_t expected = 2 + (cost[n] + 16 + 7) / 8;
+                Bytes packed;
+                ASSERT_EQ(Implode(d, type, unsigned(dict), packed, CMP_LEVEL_BEST), CMP_NO_ERROR);
+                EXPECT_EQ(packed.size(), expected) << "type " << type << " dict " << dict;
+            }
+        }
     }
 }

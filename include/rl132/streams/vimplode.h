@@ -29,7 +29,10 @@ typedef void (*vIMPLODEWRITE)(char* buf, unsigned int* size, void* param);
 
 // Compresses everything read into the implode format. *type is CMP_BINARY or
 // CMP_ASCII, *dsize 1024, 2048 or 4096. Returns 0, CMP_INVALID_DICTSIZE or
-// CMP_INVALID_MODE.
+// CMP_INVALID_MODE. The output grows at most to 9/8 of the input in binary mode
+// and 14/8 in ASCII mode, plus 5 bytes. It is never shorter than 5 bytes: the
+// empty input's stream gets a zero byte after its end code, so that expanders
+// which insist on five bytes accept it.
 RL132_API unsigned int implode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work,
                                void* param, unsigned int* type, unsigned int* dsize);
 
