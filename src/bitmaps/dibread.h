@@ -11,6 +11,8 @@ namespace dibread {
 // everything before anything is allocated. Returns 0 for a stream that holds
 // no readable DIB (the palette is then null).
 int ReadHead(vSTREAM& s, oDIBHEADER* header, oDIBPALETTE** palette, rldib::InfoPlan* plan);
+// The colour model kept for rows of a stored bit count.
+oCOLOUR_MODEL ModelForBits(unsigned bits);
 // Whether the stream can still deliver the rows the plan needs.
 int RowsAvailable(vSTREAM& s, const rldib::InfoPlan& plan);
 // Reads the rows into `rows` (plan.keptSize bytes), decoding difference-coded

@@ -75,15 +75,6 @@ unsigned long Remaining(vSTREAM& s)
     return size > pos ? size - pos : 0;
 }
 
-oCOLOUR_MODEL ModelForBits(unsigned bits)
-{
-    switch (bits) {
-    case 1: return oCM_MONO;
-    case 4: return oCM_PAL16;
-    case 8: return oCM_PAL256;
-    default: return oCM_RGB24;
-    }
-}
 
 unsigned long DpiFromPels(long pels)
 {
@@ -120,13 +111,23 @@ int dibread::ReadHead(vSTREAM& s, oDIBHEADER* header, oDIBPALETTE** pal, rldib::
     // The header is built afresh: compression 0, recomputed size, resolutions in
     // multiples of 40, bit count from the model (16 and 32 bits are kept as 24).
     *header = oDIBHEADER(plan->width, plan->height, DpiFromPels(info.xPelsPerMeter),
-                         DpiFromPels(info.yPelsPerMeter), ModelForBits(plan->keptBits));
+                         DpiFromPels(info.yPelsPerMeter), dibread::ModelForBits(plan->keptBits));
     if (plan->paletteCount) {
         *pal = new oDIBPALETTE(quads, (unsigned short)plan->paletteCount);
         if (!*pal)
             return 0;
     }
     return 1;
+}
+
+oCOLOUR_MODEL dibread::ModelForBits(unsigned bits)
+{
+    switch (bits) {
+    case 1: return oCM_MONO;
+    case 4: return oCM_PAL16;
+    case 8: return oCM_PAL256;
+    default: return oCM_RGB24;
+    }
 }
 
 int dibread::RowsAvailable(vSTREAM& s, const rldib::InfoPlan& plan)

@@ -349,16 +349,6 @@ PixelRowFn GetPixelRoutines(unsigned sourceBits, bool toColour)
     }
 }
 
-oCOLOUR_MODEL ModelForBits(unsigned bits)
-{
-    switch (bits) {
-    case 1: return oCM_MONO;
-    case 4: return oCM_PAL16;
-    case 8: return oCM_PAL256;
-    default: return oCM_RGB24;
-    }
-}
-
 } // namespace
 
 int vBMRESIZE::Scale(vSTREAM& src, vSTREAM& dst, unsigned short w, unsigned short h,
@@ -429,7 +419,7 @@ int vBMRESIZE::BresenhamScale()
     if (change && targetBits <= 8 && !tp)
         return 0;
 
-    oDIBHEADER targetHeader(tw, th, sh.HorzDPI(), sh.VertDPI(), ModelForBits(targetBits));
+    oDIBHEADER targetHeader(tw, th, sh.HorzDPI(), sh.VertDPI(), dibread::ModelForBits(targetBits));
     targetHeader.Palette(tp);
     const std::uint32_t tstride = rldib::Stride(targetBits, tw);
 

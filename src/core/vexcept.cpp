@@ -21,15 +21,10 @@ void* vEXCEPTION::operator new(unsigned int size)
     return p;
 }
 
+// The block is a locked global handle, exactly what the memory layer frees.
 void vEXCEPTION::operator delete(void* p)
 {
-    if (!p)
-        return;
-    HGLOBAL h = GlobalHandle(p);
-    if (!h)
-        return;
-    GlobalUnlock(h);
-    GlobalFree(h);
+    vMemFree(p);
 }
 
 DEFEXCEP::DEFEXCEP()

@@ -4,17 +4,8 @@
 #include <cstring>
 #include "rl132.h"
 #include "rltool.h"
+#include "bmpfile.h"
 
-// The stored headers of a BMP file as found on disk, shared with `resize`.
-struct RlBmpSummary {
-    bool fileHeader;
-    unsigned long fileSize;
-    unsigned long infoSize;
-    long width, height;
-    unsigned planes, bits;
-    unsigned long compression, sizeImage, clrUsed;
-    long xPels, yPels;
-};
 
 namespace {
 unsigned long U32(const unsigned char* p)

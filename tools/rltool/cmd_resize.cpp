@@ -5,18 +5,7 @@
 #include <cstring>
 #include "rl132.h"
 #include "rltool.h"
-
-struct RlBmpSummary {
-    bool fileHeader;
-    unsigned long fileSize;
-    unsigned long infoSize;
-    long width, height;
-    unsigned planes, bits;
-    unsigned long compression, sizeImage, clrUsed;
-    long xPels, yPels;
-};
-bool rltool_bmp_summary(const char* path, RlBmpSummary* s);
-const char* rltool_bmp_refusal(const RlBmpSummary& s);
+#include "bmpfile.h"
 
 namespace {
 // Sources of this many bytes or more get a progress bar on a terminal.
