@@ -1,12 +1,48 @@
 #!/usr/bin/env bash
-# The main job: runs rltool, the library's host program, under Wine.
+# The main job: rltool, the library's host program, run under Wine on a tour of
+# what the library does.
 set -euo pipefail
 BUILD="$(cd "${1:-build}" && pwd)"
+ROOT="$(cd "$(dirname "$0")/.." && pwd)"
 . "$(dirname "$0")/wine-env.sh"
 wine_prefix_ready
+wine_server_up
+trap wine_server_down EXIT
+
+DEMO="$BUILD/demo"
+rm -rf "$DEMO"; mkdir -p "$DEMO"
+# Windows paths for the files rltool reads and writes.
+win() { echo "Z:$1"; }
+
 # rltool writes the Windows ANSI code page, as a Windows program does; the
 # terminal here expects UTF-8.
-run() { echo "\$ rltool $*"; wine "$BUILD/bin/rltool.exe" "$@" | iconv -f CP1252 -t UTF-8 | tr -d '\r'; echo; }
+run() {
+  echo "\$ rltool $*" | sed "s#Z:$DEMO/##g; s#Z:$ROOT/##g"
+  set +e
+  wine "$BUILD/bin/rltool.exe" "$@" 2>&1 | iconv -f CP1252 -t UTF-8 | tr -d '\r'
+  local rc=${PIPESTATUS[0]}
+  set -e
+  [ "$rc" = 0 ] || echo "(exit code $rc)"
+  echo
+}
+
 run version
-run strings
 run strings --language 1036
+run colour --cmyk 100,0,0,0 --tint 50
+run colour --rgb 255,0,255
+
+# Compression: a file through implode and back.
+cat "$ROOT"/README.md "$ROOT"/src/*/*.cpp > "$DEMO/sample.txt"
+run implode "$(win "$DEMO/sample.txt")" "$(win "$DEMO/sample.imp")"
+run explode "$(win "$DEMO/sample.imp")" "$(win "$DEMO/sample.out")"
+cmp -s "$DEMO/sample.txt" "$DEMO/sample.out" && echo "(expanded file is identical to the original)" && echo
+
+# Images: a bitmap from the shared BMP suite, when it is beside the checkout.
+BMP="$ROOT/../shared/corpus/bmp/good/rgb24.bmp"
+if [ -f "$BMP" ]; then
+  run info "$(win "$BMP")"
+  run resize "$(win "$BMP")" "$(win "$DEMO/small8.bmp")" --width 64 --keep-aspect --bits 8
+  run info "$(win "$DEMO/small8.bmp")"
+fi
+# Damaged or foreign input is refused with a message and exit code 1.
+run explode "$(win "$DEMO/sample.txt")" "$(win "$DEMO/never.out")"
