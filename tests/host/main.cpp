@@ -1,19 +1,37 @@
-// A minimal application on the installed SDK: allocates through the library,
-// reads one of its texts and reports what it loaded.
+// A small application on the installed SDK (the README shows it): saves a few
+// values to a compressing file stream, reads them back, and converts a colour.
 #include <cstdio>
-#include <cstring>
 #include <rl132.h>
 
 int main()
 {
-    char* p = (char*)vMemAlloc(32);
-    if (!p)
-        return 1;
-    strcpy(p, "host");
-    p = (char*)vMemRealloc(p, 4096);
-    char text[256];
-    vRESID(31013 + vSTRING::LanguageOffset(1031)).Load(text, sizeof text);
-    printf("%s links RL132 %s: %s\n", p, RL132_VERSION_STRING, text);
-    vMemFree(p);
-    return vSYSTEM::GetInstance() ? 0 : 1;
+    vSTRING name("%s\\rl132-host.dat", ".");
+    {
+        vFILE file(name, vFILE_WRITENEW, 1);      // 1: through the write cache
+        file.Compress(1);                         // long blocks are imploded
+        vSTRING title("A title that the stream writes as a length and its characters");
+        vINT count(42);
+        vREAL scale(1.5);
+        title >> file;                            // values write with >> ...
+        count >> file;
+        scale >> file;
+        if (file.Status() != vSTREAM_OK)
+            return 1;
+    }
+    vFILE file(name, vFILE_READONLY, 0);
+    vSTRING title;
+    vINT count;
+    vREAL scale(0.0);
+    title << file;                                // ... and read with <<
+    count << file;
+    scale << file;
+    file.Close();
+    DeleteFileA(name());
+
+    vCOLOUR cyan(vCMYK, 0, 100, 0);               // packed CMYK: cyan 100 %
+    cyan.Cyan(100);
+    vCOLOUR rgb = cyan.RGBFormat();
+    printf("%s | %ld | %s | cyan is %u,%u,%u\n", title(), count(), vSTRING(scale)(),
+           rgb.Red(), rgb.Green(), rgb.Blue());
+    return 0;
 }
