@@ -395,8 +395,14 @@ vCOLOUR vCOLOUR::RGBFormat() const
     }
 }
 
+// A Pantone reference goes through its RGB lookup whatever that gives: after a
+// failed lookup the ink recipe reads the empty reference's zero value as RGB
+// black (full black ink, own tint and spot flag), and the HLS recipe refuses a
+// source that is not RGB (an HLS zero). Neither asks the library a second time.
 vCOLOUR vCOLOUR::CMYKFormat() const
 {
+    if (type == vPANTONE)
+        return PantToRgb().RgbToCmyk();
     vCOLOUR c;
     if (!InModel(vCMYK, c))
         return Make(vCMYK, 0, 0, 0);
@@ -405,6 +411,8 @@ vCOLOUR vCOLOUR::CMYKFormat() const
 
 vCOLOUR vCOLOUR::HLSFormat() const
 {
+    if (type == vPANTONE)
+        return PantToRgb().RgbToHls();
     vCOLOUR c;
     if (!InModel(vHLS, c))
         return Make(vHLS, 0, 0, 0);

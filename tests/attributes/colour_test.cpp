@@ -688,7 +688,11 @@ protected:
         EXPECT_CMYK(p, 0, 0, 0, 0);
         EXPECT_HLS(p, 0, 0, 0);
         EXPECT_EQ(p.PackedRGB(), 0u);
-        EXPECT_TRUE(p.CMYKFormat() == vCOLOUR(vCMYK, 0, 0, 0));
+        EXPECT_EQ(p.GreyScale(), 100u);
+        // The whole-colour conversions run their recipes on the empty
+        // reference: its zero value is RGB black to the ink recipe, which
+        // makes it full black ink; the HLS recipe takes only RGB sources.
+        EXPECT_TRUE(p.CMYKFormat() == vCOLOUR(vCMYK, 0x64000000, p.GetTint(), p.Spot()));
         EXPECT_TRUE(p.HLSFormat() == vCOLOUR(vHLS, 0, 0, 0));
         // The reference itself is still readable.
         EXPECT_EQ(p.Marker(), 0x1234);
