@@ -432,10 +432,11 @@ vCOLOUR vCOLOUR::TintFormat(unsigned long t) const
 {
     if (t == 100)
         return *this;
-    // Signed and truncating; the constructor clamps the result to 0..100.
-    int64_t scaled = (int64_t)tint * (int32_t)t / 100;
-    long clamped = scaled > 100 ? 100 : scaled < 0 ? 0 : (long)scaled;
-    return vCOLOUR((vCOLOURTYPE)type, value, clamped, Spot());
+    // A 32-bit product read as signed, then a truncating division; the
+    // constructor clamps the result to 0..100. A factor large enough to wrap
+    // the product therefore lands wherever the wrap puts it, as it always has.
+    int32_t product = (int32_t)((uint32_t)tint * (uint32_t)t);
+    return vCOLOUR((vCOLOURTYPE)type, value, (long)(product / 100), Spot());
 }
 
 unsigned long vCOLOUR::PackedRGB() const

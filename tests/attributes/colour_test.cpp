@@ -162,6 +162,11 @@ TEST(Colour, TintFormatScalesThePresentTint)
     EXPECT_EQ(s.TintFormat(99).GetTint(), 79);  // 7920 / 100
     EXPECT_EQ(s.TintFormat(200).GetTint(), 100);
     EXPECT_EQ(s.TintFormat(0xFFFFFFFFUL).GetTint(), 0);  // -1 as a signed factor
+    EXPECT_EQ(vCOLOUR(vRGB, 0, 73, 0).TintFormat(45).GetTint(), 32);  // 3285 / 100
+    // The product is a 32-bit quantity: 100 * 30,000,000 wraps to a negative
+    // number and clamps to 0; 100 * 20,000,000 still fits and clamps to 100.
+    EXPECT_EQ(vCOLOUR(vRGB, 0, 100, 0).TintFormat(30000000UL).GetTint(), 0);
+    EXPECT_EQ(vCOLOUR(vRGB, 0, 100, 0).TintFormat(20000000UL).GetTint(), 100);
     EXPECT_EQ(s.TintFormat(50).Value(), 0x10203040u);
     EXPECT_EQ(s.TintFormat(50).GetNativeFormat(), vCMYK);
     EXPECT_TRUE(s.TintFormat(50).Spot());
