@@ -56,8 +56,14 @@ vSTREAM& vLINESPEC::operator<<(vSTREAM& stream)
     lineType = (vLINETYPE)stream.ReadUWord();
     cornerType = (vCORNERTYPE)stream.ReadUWord();
     dashType = (vDASHTYPE)stream.ReadUWord();
+    // Six bytes are never written as a compressed frame (one would not be
+    // smaller), so they are read raw: a user pattern that happens to begin
+    // with the frame's magic must not be taken for one.
     unsigned char read[PATTERN_SIZE] = {0, 0, 0, 0, 0, 0};
+    int detect = stream.DetectingCompressed();
+    stream.DetectCompressed(0);
     stream.ReadByteString(read, PATTERN_SIZE);
+    stream.DetectCompressed(detect);
     for (int i = 0; i < PATTERN_SIZE; ++i)
         pattern[i] = read[i];
     return stream;

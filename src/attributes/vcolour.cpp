@@ -395,8 +395,14 @@ vCOLOUR vCOLOUR::RGBFormat() const
     }
 }
 
+// A Pantone reference goes through its RGB lookup whatever that gives: after a
+// failed lookup the ink recipe reads the empty reference's zero value as RGB
+// black (full black ink, own tint and spot flag), and the HLS recipe refuses a
+// source that is not RGB (an HLS zero). Neither asks the library a second time.
 vCOLOUR vCOLOUR::CMYKFormat() const
 {
+    if (type == vPANTONE)
+        return PantToRgb().RgbToCmyk();
     vCOLOUR c;
     if (!InModel(vCMYK, c))
         return Make(vCMYK, 0, 0, 0);
@@ -405,6 +411,8 @@ vCOLOUR vCOLOUR::CMYKFormat() const
 
 vCOLOUR vCOLOUR::HLSFormat() const
 {
+    if (type == vPANTONE)
+        return PantToRgb().RgbToHls();
     vCOLOUR c;
     if (!InModel(vHLS, c))
         return Make(vHLS, 0, 0, 0);
@@ -424,10 +432,11 @@ vCOLOUR vCOLOUR::TintFormat(unsigned long t) const
 {
     if (t == 100)
         return *this;
-    // Signed and truncating; the constructor clamps the result to 0..100.
-    int64_t scaled = (int64_t)tint * (int32_t)t / 100;
-    long clamped = scaled > 100 ? 100 : scaled < 0 ? 0 : (long)scaled;
-    return vCOLOUR((vCOLOURTYPE)type, value, clamped, Spot());
+    // A 32-bit product read as signed, then a truncating division; the
+    // constructor clamps the result to 0..100. A factor large enough to wrap
+    // the product therefore lands wherever the wrap puts it, as it always has.
+    int32_t product = (int32_t)((uint32_t)tint * (uint32_t)t);
+    return vCOLOUR((vCOLOURTYPE)type, value, (long)(product / 100), Spot());
 }
 
 unsigned long vCOLOUR::PackedRGB() const

@@ -162,6 +162,11 @@ TEST(Colour, TintFormatScalesThePresentTint)
     EXPECT_EQ(s.TintFormat(99).GetTint(), 79);  // 7920 / 100
     EXPECT_EQ(s.TintFormat(200).GetTint(), 100);
     EXPECT_EQ(s.TintFormat(0xFFFFFFFFUL).GetTint(), 0);  // -1 as a signed factor
+    EXPECT_EQ(vCOLOUR(vRGB, 0, 73, 0).TintFormat(45).GetTint(), 32);  // 3285 / 100
+    // The product is a 32-bit quantity: 100 * 30,000,000 wraps to a negative
+    // number and clamps to 0; 100 * 20,000,000 still fits and clamps to 100.
+    EXPECT_EQ(vCOLOUR(vRGB, 0, 100, 0).TintFormat(30000000UL).GetTint(), 0);
+    EXPECT_EQ(vCOLOUR(vRGB, 0, 100, 0).TintFormat(20000000UL).GetTint(), 100);
     EXPECT_EQ(s.TintFormat(50).Value(), 0x10203040u);
     EXPECT_EQ(s.TintFormat(50).GetNativeFormat(), vCMYK);
     EXPECT_TRUE(s.TintFormat(50).Spot());
@@ -332,6 +337,69 @@ TEST(Colour, ConversionChainsBetweenHlsAndCmykGoThroughRgb)
     EXPECT_CMYK(Hls(240, 50, 100), 100, 100, 0, 0);
     EXPECT_CMYK(Hls(0, 100, 0), 0, 0, 0, 0);
     EXPECT_CMYK(Hls(0, 50, 100, 50), 0, 50, 50, 0);
+}
+
+// Off-axis colours worked through the integer recipes by hand; the comments
+// give the intermediate figures (h = half-percent ink, ' = ink on 0..255).
+TEST(Colour, OffAxisColoursFollowTheIntegerRecipes)
+{
+    // Green is largest: L (230*50+127)/255 = 45, S (17000+115)/230 = 74,
+    // rc 60, bc (6000+85)/170 = 35, H = 60 + 120 - 35.
+    EXPECT_EQ(vCOLOUR(30, 200, 100).HLSFormat().Value(), 145u | 45u << 8 | 74u << 16);
+    // Blue is largest: L 47, S (20000+120)/240 = 83, rc 9700/200 = 48, gc 60,
+    // H = 60 + 240 - 48.
+    EXPECT_EQ(vCOLOUR(60, 20, 220).HLSFormat().Value(), 252u | 47u << 8 | 83u << 16);
+    // Light side: L 55, S 16115/230 = 70 over 510 - 280; rc 1280/160 = 8, so
+    // H = 292 degrees, stored as 36.
+    EXPECT_EQ(vCOLOUR(200, 60, 220).HLSFormat().Value(), 36u | 55u << 8 | 70u << 16);
+    // Red largest with blue over green: H = bc - gc = 38 - 60 < 0, so 338,
+    // stored as 82; L 51, S 24125/250 = 96.
+    EXPECT_EQ(vCOLOUR(250, 10, 100).HLSFormat().Value(), 82u | 51u << 8 | 96u << 16);
+
+    // L 70: m2 = 110 - 28 = 82, m1 = 58; red at 320 degrees takes m1 (148),
+    // green at 200 takes 58 + 16 = 74 (189), blue at 80 takes m2 (209).
+    EXPECT_EQ(Hls(200, 70, 40).RGBFormat().Value(), Packed(148, 189, 209));
+    // L 30: m2 = 4850/100 = 48, m1 = 12; red's hue 370 comes back to 10:
+    // 12 + 390/60 = 18 (46); green at 250 is m1 (31); blue at 130 is m2 (122).
+    EXPECT_EQ(Hls(250, 30, 60).RGBFormat().Value(), Packed(46, 31, 122));
+    // And back on to the inks: RGB (31, 199, 102) gives h 176, 44, 120, so
+    // black 44 and 132, 0, 76 of colour, all halved.
+    EXPECT_EQ(Hls(145, 45, 74).CMYKFormat().Value(), 66u | 0u << 8 | 38u << 16 | 22u << 24);
+
+    // h 160, 120, 40: black 40 half-percents, inks 120, 80, 0.
+    EXPECT_EQ(vCOLOUR(51, 102, 204).CMYKFormat().Value(), 60u | 40u << 8 | 0u << 16 | 20u << 24);
+    // h 192, 4, 96: black 4, inks 188, 0, 92.
+    EXPECT_EQ(vCOLOUR(10, 250, 133).CMYKFormat().Value(), 94u | 0u << 8 | 46u << 16 | 2u << 24);
+
+    // ' 51, 102, 153 and black 25 (25.5 truncated).
+    EXPECT_EQ(Cmyk(20, 40, 60, 10).RGBFormat().Value(), Packed(179, 128, 77));
+    // At tint 60 (s = 15300): ' 30, 61, 91, black 15; then the readers
+    // lighten once more by 40 %: 210 + 18, 179 + 30, 149 + 42.
+    vCOLOUR tinted = Cmyk(20, 40, 60, 10, 60);
+    EXPECT_EQ(tinted.RGBFormat().Value(), Packed(210, 179, 149));
+    EXPECT_EQ(tinted.PackedRGB(), Packed(228, 209, 191));
+    EXPECT_RGB(tinted, 228, 209, 191);
+    // (6840 + 12331 + 2101 + 127) / 255 = 83.
+    EXPECT_EQ(tinted.GreyScale(), 17u);
+    // ' 229, 216, 204 pass 600, so black 76 is halved to 38: red goes under
+    // 0 and stops there.
+    EXPECT_EQ(Cmyk(90, 85, 80, 30).RGBFormat().Value(), Packed(0, 1, 13));
+
+    // A tinted HLS colour: the RGB readers lighten the converted colour, the
+    // HLS readers only the lightness.
+    vCOLOUR paleRed = Hls(0, 50, 100, 40);
+    EXPECT_EQ(paleRed.PackedRGB(), Packed(255, 153, 153));
+    EXPECT_HLS(paleRed, 0, 80, 100);
+
+    // Magenta taken off RGB (51, 102, 204) through the inks: 60, 0, 0, 20
+    // back to RGB is ' 153 and black 51.
+    vCOLOUR c(51, 102, 204);
+    c.Magenta(0);
+    EXPECT_EQ(c.Value(), Packed(51, 204, 204));
+
+    // A ramp from (200, 10, 100) to (20, 250, 100), step 3 of 7: red
+    // 200 - 540/7 (77, toward zero), green 10 + 720/7 (102).
+    EXPECT_EQ(vCOLOUR(vCOLOUR(200, 10, 100), vCOLOUR(20, 250, 100), 3, 7).Value(), Packed(123, 112, 100));
 }
 
 TEST(Colour, SettersWorkInTheirOwnModelOrConvertThereAndBack)
@@ -688,7 +756,11 @@ protected:
         EXPECT_CMYK(p, 0, 0, 0, 0);
         EXPECT_HLS(p, 0, 0, 0);
         EXPECT_EQ(p.PackedRGB(), 0u);
-        EXPECT_TRUE(p.CMYKFormat() == vCOLOUR(vCMYK, 0, 0, 0));
+        EXPECT_EQ(p.GreyScale(), 100u);
+        // The whole-colour conversions run their recipes on the empty
+        // reference: its zero value is RGB black to the ink recipe, which
+        // makes it full black ink; the HLS recipe takes only RGB sources.
+        EXPECT_TRUE(p.CMYKFormat() == vCOLOUR(vCMYK, 0x64000000, p.GetTint(), p.Spot()));
         EXPECT_TRUE(p.HLSFormat() == vCOLOUR(vHLS, 0, 0, 0));
         // The reference itself is still readable.
         EXPECT_EQ(p.Marker(), 0x1234);

@@ -223,6 +223,25 @@ TEST(LineSpecStream, CompressingStreamsKeepThePatternRawAndShortDataReadsZeros)
         EXPECT_EQ(PatternOf(r), (std::vector<int>{5, 3, 3, 3, 3, 3}));
         EXPECT_EQ(f.Status(), vSTREAM_OK);
     }
+    // A user pattern that begins like a compressed frame is still six plain
+    // bytes, and the record after it starts where it should.
+    {
+        const unsigned char magic[6] = {0xB1, 0xAA, 0x12, 0x00, 7, 9};
+        vLINESPEC odd(vLT_USER, vCOLOUR(4, 5, 6), vINT(3), (vCORNERTYPE)1, (vDASHTYPE)0, magic);
+        vFILE f;
+        odd >> f;
+        a >> f;
+        EXPECT_EQ(f.CurrentPos(), 48u);
+        f.MoveFromStart(0);
+        vLINESPEC r1(f), r2(f);
+        EXPECT_EQ(PatternOf(r1), (std::vector<int>{0xB1, 0xAA, 0x12, 0x00, 7, 9}));
+        EXPECT_TRUE(r1 == odd);
+        EXPECT_TRUE(r2 == a);
+        EXPECT_EQ(PatternOf(r2), (std::vector<int>{5, 3, 3, 3, 3, 3}));
+        EXPECT_EQ(f.CurrentPos(), 48u);
+        EXPECT_EQ(f.Status(), vSTREAM_OK);
+        EXPECT_TRUE(f.DetectingCompressed());
+    }
     // A record cut inside its pattern: the missing bytes read as 0, the
     // status says the data ended, nothing outside the pattern is touched.
     vMEMSTREAM m;

@@ -84,7 +84,9 @@ public:
 
     // The colour in another model. A Pantone colour that cannot be resolved
     // (the colour library is missing or refuses it) gives a Pantone colour of
-    // value 0 from RGBFormat and a zero colour of the model from the others.
+    // value 0 from RGBFormat, full black ink (its own tint and spot flag) from
+    // CMYKFormat and an HLS colour of value, tint and flags 0 from HLSFormat;
+    // its component readers and PackedRGB give 0.
     vCOLOUR RGBFormat() const;
     vCOLOUR CMYKFormat() const;
     vCOLOUR HLSFormat() const;
