@@ -397,6 +397,59 @@ TEST(Number, SquareRoots)
     EXPECT_GT(above, 1000);
 }
 
+TEST(Number, NewtonRootsAreNotTheNearestNorTheFloor)
+{
+    // Worked through the steps by hand: the start halves n once per quartering,
+    // then the rounded-quotient steps stop where they stop. Neither the floor
+    // of the root (3 gives 2, 23 gives 5) nor the nearer root (7 gives 2, 22
+    // gives 4) describes all of these.
+    const struct { long n, root; } cases[] = {
+        { 2, 1 }, { 3, 2 }, { 4, 2 }, { 5, 2 }, { 6, 2 }, { 7, 2 }, { 8, 3 }, { 9, 3 },
+        { 10, 3 }, { 11, 3 }, { 12, 3 }, { 13, 3 }, { 14, 4 }, { 15, 4 }, { 16, 4 },
+        { 17, 4 }, { 18, 4 }, { 19, 4 }, { 20, 4 }, { 21, 4 }, { 22, 4 }, { 23, 5 },
+        { 24, 5 }, { 992, 31 }, { 1000, 31 }, { 1023, 32 },
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(vINT(c.n).Sqrt()(), c.root) << c.n;
+    // The real's root carries the same steps on the raw value: 7/65536 has
+    // the root 2 * 256 raw units, not 3 * 256.
+    EXPECT_EQ(Raw(R(7).Sqrt()), 2L << 8);
+    EXPECT_EQ(Raw(R(22).Sqrt()), 4L << 8);
+    // The free function then rounds to the nearer root.
+    EXPECT_EQ(Sqrt(7L), 3);
+    EXPECT_EQ(Sqrt(22L), 5);
+    EXPECT_EQ(Sqrt(20L), 4);
+    EXPECT_EQ(Sqrt(-22L), 5);
+}
+
+TEST(Number, AngleResultsFollowTheirDegreeFactor)
+{
+    // 57.29577951 degrees per radian is a little short of the true factor, so
+    // angles come out slightly large: sin 30 lands just above 0.5 and cos 60
+    // just below it, and truncation toward zero makes that one raw unit.
+    EXPECT_EQ(Raw(vANGLE(30).Sin()), 32768);
+    EXPECT_EQ(Raw(vANGLE(150).Sin()), 32767);
+    EXPECT_EQ(Raw(vANGLE(-30).Sin()), -32768);
+    EXPECT_EQ(Raw(vANGLE(60).Cos()), 32767);
+    EXPECT_EQ(Raw(vANGLE(120).Cos()), -32768);
+    EXPECT_EQ(Raw(vANGLE(1).Sin()), 1143);
+    EXPECT_EQ(Raw(vANGLE(45).Sin()), 46340);
+    EXPECT_EQ(Raw(vANGLE(45).Tan()), kOne);
+    EXPECT_EQ(Raw(vANGLE(135).Tan()), -kOne + 1);
+    EXPECT_EQ(Raw(vANGLE(90).Cos()), 0);
+    // Past 90 degrees by a hair the tangent is far out of range.
+    EXPECT_EQ(Raw(vANGLE(90).Tan()), (long)INT32_MIN);
+    // The inverse functions multiply by the same short factor: 45 degrees is
+    // one raw unit short, and so is 60.
+    EXPECT_EQ(vREAL(1).aTan()(), 45 * kOne - 1);
+    EXPECT_EQ(vREAL(-1).aTan()(), -(45 * kOne - 1));
+    EXPECT_EQ(vREAL(1).aSin()(), 45 * kOne - 1);
+    EXPECT_EQ(vREAL(0.5).aTan()(), 1740967);
+    EXPECT_EQ(vREAL(0.5).aCos()(), 60 * kOne - 1);
+    EXPECT_EQ(vREAL(-0.5).aCos()(), 120 * kOne - 1);
+    EXPECT_EQ(vREAL(-1).aCos()(), 180 * kOne - 1);
+}
+
 TEST(Number, TableSineAndCosine)
 {
     EXPECT_EQ(Sin(0), 0);

@@ -120,6 +120,20 @@ TEST(String, TraceLevels)
                              "vSTRING::vSTRING(vRESID)", "vSTRING::~vSTRING()"})
         EXPECT_NE(t.find(std::string("Trace: ") + line + "\n"), std::string::npos) << line;
     EXPECT_EQ(t.find("vSTRING::vSTRING()"), std::string::npos);
+
+    // One level below, the chattiest sites stay silent.
+    out.Clear();
+    {
+        TraceLevel level(8);
+        vSTRING a("%d", 1);
+        vSTRING b(a);
+        b = a;
+        b = "x";
+        vSTRING i(vINT(5L));
+        vSTRING r(vREAL(2));
+        vSTRING res(vRESID(31013));
+    }
+    EXPECT_EQ(out.Text(), "");
 }
 
 TEST(String, Resources)
@@ -133,6 +147,11 @@ TEST(String, Resources)
     EXPECT_EQ(vSTRING::LanguageOffset(1033), 200);
     EXPECT_EQ(vSTRING::LanguageOffset(2057), 0);
     EXPECT_EQ(vSTRING::LanguageOffset(1053), 600);
+    EXPECT_EQ(vSTRING::LanguageOffset(1036), 200);
+    EXPECT_EQ(vSTRING::LanguageOffset(1031), 400);
+    // Every language the table does not name shares the French block.
+    for (unsigned short id : {0, 1, 1034, 1040, 1043, 3081, 4105, 65535})
+        EXPECT_EQ(vSTRING::LanguageOffset(id), 200) << id;
     // A missing resource gives the empty string.
     EXPECT_EQ(S(vSTRING(vRESID(12345))), "");
     vSTRING s("before");
@@ -307,6 +326,8 @@ TEST(String, SubStringsAndOccurrences)
 {
     vSTRING t("hello world");
     EXPECT_EQ(S(t.GetSubString(vSTRING("o w"))), "o world");
+    EXPECT_EQ(S(t.GetSubString(vSTRING("o"))), "o world");   // the first "o", not the last
+    EXPECT_EQ(S(t.GetSubString(vSTRING("d"))), "d");
     EXPECT_EQ(S(t.GetSubString(vSTRING("xyz"))), "");
     EXPECT_EQ(S(t.GetSubString(vSTRING(""))), "hello world");
     EXPECT_EQ(S(t.GetSubString(0, 4)), "hello");
