@@ -435,6 +435,7 @@ long vFILE::ReadByteString(unsigned char* buffer, unsigned long count)
         return 0;
     }
     Flush();
+    vSTREAMSTATUS before = Status();
     unsigned long start = CurrentPos();
     long got = ReadBuffered(buffer, count);
     SetReadStatus((long)count, got);
@@ -442,7 +443,7 @@ long vFILE::ReadByteString(unsigned char* buffer, unsigned long count)
         return 0;
     if (DetectingCompressed() && got >= 4 && buffer[0] == 0xB1 && buffer[1] == 0xAA &&
         buffer[2] == 0x12 && buffer[3] == 0x00)
-        return ExpandFrame(buffer, count, (unsigned long)got, start);
+        return ExpandFrame(buffer, count, (unsigned long)got, start, before);
     return got;
 }
 

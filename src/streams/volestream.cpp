@@ -127,6 +127,7 @@ long vOLESTREAM::ReadByteString(unsigned char* buffer, unsigned long count)
         SetStatus(vSTREAM_READERROR);
         return 0;
     }
+    vSTREAMSTATUS before = Status();
     unsigned long start = position;
     ULONG got = 0;
     if (count && FAILED(stream->Read(buffer, count, &got))) {
@@ -139,7 +140,7 @@ long vOLESTREAM::ReadByteString(unsigned char* buffer, unsigned long count)
         SetStatus(vSTREAM_SHORTREAD);
     if (DetectingCompressed() && got >= 4 && buffer[0] == 0xB1 && buffer[1] == 0xAA &&
         buffer[2] == 0x12 && buffer[3] == 0x00)
-        return ExpandFrame(buffer, count, got, start);
+        return ExpandFrame(buffer, count, got, start, before);
     return (long)got;
 }
 

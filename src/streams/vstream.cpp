@@ -205,7 +205,10 @@ unsigned long vSTREAM::WriteFramed(const unsigned char* data, unsigned long coun
     vSTREAMSTATUS before = status;
     status = vSTREAM_OK;
 
-    WriteULong(vSTREAM_BLOCKMAGIC);
+    // A stream that refuses the magic (read only, not open) takes nothing: the
+    // attempt must not move the position on as if a frame had been written.
+    if (!WriteULong(vSTREAM_BLOCKMAGIC))
+        return 0;
     WriteULong(0);  // the length, patched once the compressed size is known
     unsigned long packed = ImplodeTo(*this, data, count);
     compress = 1;
@@ -248,9 +251,12 @@ unsigned long vSTREAM::WriteFramedFromMemory(const unsigned char* data, unsigned
     compress = 0;
     unsigned long occupied;
     if (packed != 0 && packed < count) {
-        WriteULong(vSTREAM_BLOCKMAGIC);
-        WriteULong(packed);
-        occupied = vSTREAM_BLOCKHEADER + WriteBlock(packedData, packed);
+        if (WriteULong(vSTREAM_BLOCKMAGIC)) {
+            WriteULong(packed);
+            occupied = vSTREAM_BLOCKHEADER + WriteBlock(packedData, packed);
+        } else {
+            occupied = 0;
+        }
     } else {
         occupied = WriteBlock(data, count);
     }
@@ -260,7 +266,7 @@ unsigned long vSTREAM::WriteFramedFromMemory(const unsigned char* data, unsigned
 }
 
 long vSTREAM::ExpandFrame(unsigned char* buffer, unsigned long count, unsigned long got,
-                          unsigned long start)
+                          unsigned long start, vSTREAMSTATUS before)
 {
     vSTREAMSTATUS readStatus = status;
     unsigned char header[vSTREAM_BLOCKHEADER];
@@ -316,7 +322,9 @@ long vSTREAM::ExpandFrame(unsigned char* buffer, unsigned long count, unsigned l
     }
     MoveFromStart(dataStart + take);
     lastCompressed = 1;
-    status = (truncated || delivered < count) ? vSTREAM_SHORTREAD : vSTREAM_OK;
+    // The raw read may have run into the end of the stream behind the frame;
+    // that is no failure. A failure reported before this read still stands.
+    status = (truncated || delivered < count) ? vSTREAM_SHORTREAD : before;
     return (long)delivered;
 }
 

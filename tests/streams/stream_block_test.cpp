@@ -362,3 +362,104 @@ TEST(StreamBlock, MixedSequencesRoundTripThroughCompressingStreams)
         EXPECT_EQ(f.Status(), vSTREAM_OK);
     }
 }
+
+TEST(StreamBlock, RefusedFrameWritesTakeNothingAndStayPut)
+{
+    TempFile tmp;
+    Bytes head = Incompressible(100, 41);
+    PutFile(tmp.path, head);
+    Bytes text = Compressible(5000, 42);
+    {
+        vFILE f(tmp.Name(), vFILE_READ, 1);
+        f.Compress(1);
+        // At the end (the frame would be appended) and over existing bytes.
+        for (unsigned long at : {100UL, 0UL, 40UL}) {
+            f.MoveFromStart(at);
+            EXPECT_EQ(f.WriteBlock(text.data(), 5000), 0UL) << at;
+            EXPECT_EQ(f.Status(), vSTREAM_READONLY) << at;
+            EXPECT_EQ(f.CurrentPos(), at) << at;
+        }
+        // The reads that follow start where the stream was.
+        f.MoveFromStart(40);
+        EXPECT_EQ(f.ReadULong(), LE32(&head[40]));
+    }
+    EXPECT_EQ(FileBytes(tmp.path), head);
+
+    // A closed file refuses the frame the same way.
+    vFILE t;
+    t.Compress(1);
+    t.Close();
+    EXPECT_EQ(t.WriteBlock(text.data(), 5000), 0UL);
+    EXPECT_EQ(t.Status(), vSTREAM_WRITEERROR);
+}
+
+TEST(StreamBlock, ExpandingAFrameKeepsAnEarlierFailure)
+{
+    Bytes text = Compressible(6000, 43);
+    Bytes frame = Frame(Imploded(text));
+    TempFile tmp;
+    PutFile(tmp.path, frame);
+    vFILE f(tmp.Name(), vFILE_READ, 0);
+    // The frame is the whole file: the raw read of 6,000 bytes runs into its
+    // end, which is no failure once the frame delivers them all.
+    Bytes back(6000);
+    EXPECT_EQ(f.ReadByteString(back.data(), 6000), 6000);
+    EXPECT_EQ(f.Status(), vSTREAM_OK);
+    EXPECT_EQ(back, text);
+    // A refused write is reported until the caller looks, whatever reads
+    // succeed after it.
+    EXPECT_EQ(f.WriteUByte(1), 0);
+    EXPECT_EQ(f.Status(), vSTREAM_READONLY);
+    f.MoveFromStart(0);
+    f.WriteUByte(1);
+    Bytes again(6000);
+    EXPECT_EQ(f.ReadByteString(again.data(), 6000), 6000);
+    EXPECT_EQ(f.UnCompressed(), 1);
+    EXPECT_EQ(again, text);
+    EXPECT_EQ(f.Status(), vSTREAM_READONLY);
+}
+
+TEST(StreamBlock, FrameWinsWhenTheCompressedDataAloneIsSmaller)
+{
+    // The choice compares the compressed bytes with the count, without the
+    // frame's 8-byte header: compressed data one to eight bytes shorter than
+    // the count is still framed (the frame then occupies up to 7 bytes more
+    // than the raw run would), and compressed data as long as the count is not.
+    Bytes noise = Incompressible(200, 44);
+    int framedNearTheLine = 0;
+    for (size_t run = 0; run < 400; ++run) {
+        Bytes data = Concat({noise, Bytes(run, 'a')});
+        unsigned long count = (unsigned long)data.size();
+        unsigned long packed = (unsigned long)Imploded(data).size();
+        if (packed + 8 < count || packed > count)
+            continue;
+        bool framed = packed < count;
+        framedNearTheLine += framed;
+        for (int over = 0; over < 2; ++over) {
+            TempFile tmp;
+            // Over existing bytes the block is compressed in memory first; the
+            // choice must be the same.
+            if (over)
+                PutFile(tmp.path, Bytes(count + 50, 0x5A));
+            unsigned long occupied;
+            {
+                vFILE f(tmp.Name(), vFILE_UPDATE, over);
+                f.Compress(1);
+                occupied = f.WriteBlock(data.data(), count);
+                EXPECT_EQ(f.CurrentPos(), occupied);
+            }
+            Bytes disk = FileBytes(tmp.path);
+            ASSERT_GE(disk.size(), occupied);
+            if (framed) {
+                EXPECT_EQ(occupied, 8 + packed) << run;
+                EXPECT_EQ(LE32(&disk[0]), 0x0012AAB1UL) << run;
+                EXPECT_EQ(LE32(&disk[4]), packed) << run;
+            } else {
+                EXPECT_EQ(occupied, count) << run;
+                EXPECT_TRUE(std::equal(data.begin(), data.end(), disk.begin())) << run;
+            }
+            EXPECT_EQ(disk.size(), over ? count + 50 : occupied) << run;
+        }
+    }
+    EXPECT_GT(framedNearTheLine, 0);
+}

@@ -143,8 +143,10 @@ protected:
     // Called by a detecting ReadByteString after it read `got` bytes starting at
     // `start` into buffer and found the magic: expands the frame into buffer,
     // leaves the stream just after the frame and returns the bytes delivered.
+    // `before` is the status the stream had before the read: a complete
+    // expansion leaves it as it was.
     long ExpandFrame(unsigned char* buffer, unsigned long count, unsigned long got,
-                     unsigned long start);
+                     unsigned long start, vSTREAMSTATUS before);
     // The compressing WriteBlock shared by the streams that compress: the frame,
     // or the raw bytes when the frame would not be smaller. Raw bytes go through
     // WriteBlock with compression off. When appending, the frame is written as
