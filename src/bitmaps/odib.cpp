@@ -240,11 +240,21 @@ void dibread::WriteCodedBlock(vSTREAM& s, const unsigned char* raw, const unsign
 void dibread::Write(vSTREAM& s, const oDIBHEADER& header, const oDIBPALETTE* palette,
                     const unsigned char* rows, unsigned long size)
 {
+    // A stored count of 0 tells readers "1 << bits entries" for images of 8
+    // bits or less, so such an image without colours carries a black table of
+    // that size instead: otherwise its first rows would be read as a palette.
+    oDIBPALETTE* written = const_cast<oDIBPALETTE*>(palette);
+    oDIBPALETTE blank;
+    const unsigned bits = header.biBitCount;
+    if (bits >= 1 && bits <= 8 && (!written || written->GetNumColours() == 0)) {
+        blank.SetNumColours((unsigned short)(1u << bits));
+        written = &blank;
+    }
     oDIBHEADER h(header);
-    h.Palette(const_cast<oDIBPALETTE*>(palette));
+    h.Palette(written);
     h >> s;
-    if (palette)
-        *const_cast<oDIBPALETTE*>(palette) >> s;
+    if (written)
+        *written >> s;
     if (!rows || size == 0)
         return;
     if (s.Compressed() && header.biBitCount == 24) {
