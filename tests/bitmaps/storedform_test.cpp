@@ -229,3 +229,31 @@ TEST(StoredForm, ResizeTargetsBeyond32BitsFailBeforeWriting)
     EXPECT_EQ(out.Size(), 0u);
     delete d;
 }
+
+TEST(StoredForm, ConvertingCopyStaysInsideTheSourceRows)
+{
+    // A header set far larger than the rows behind it: the copy takes the new
+    // size but reads nothing it was not given.
+    for (int kind = 0; kind < 2; ++kind) {
+        oMEMDIB* small = Patterned(4, 2, 24, oCM_RGB24);
+        oDIB* src = small;
+        oSTREAMDIB* onStream = nullptr;
+        if (kind == 1)
+            src = onStream = new oSTREAMDIB(*small, 0);
+        src->SetHeader(oDIBHEADER(3000, 2000, 96, 96, oCM_RGB24));
+        oMEMDIB copy(*src, oCM_PAL256, 300, 200, nullptr);
+        ASSERT_EQ(copy.Width(), 300u);
+        std::vector<unsigned char> rows = RowsOf(copy);
+        EXPECT_EQ(rows, std::vector<unsigned char>(rows.size(), 0)) << kind;
+        // The lock the copy took was given back.
+        unsigned char* p = nullptr;
+        EXPECT_EQ(src->LockImageLines(0, 0, &p, oCM_RGB24), 1);
+        src->ReleaseImageLines(1);
+        // Given its true header back, the same source copies as before.
+        src->SetHeader(oDIBHEADER(4, 2, 96, 96, oCM_RGB24));
+        oMEMDIB again(*src, oCM_RGB24, 4, 2, nullptr);
+        EXPECT_EQ(RowsOf(again), RowsOf(*small)) << kind;
+        delete onStream;
+        delete small;
+    }
+}
