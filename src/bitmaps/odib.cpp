@@ -112,12 +112,10 @@ int dibread::ReadHead(vSTREAM& s, oDIBHEADER* header, oDIBPALETTE** pal, rldib::
     // multiples of 40, bit count from the model (16 and 32 bits are kept as 24).
     *header = oDIBHEADER(plan->width, plan->height, DpiFromPels(info.xPelsPerMeter),
                          DpiFromPels(info.yPelsPerMeter), dibread::ModelForBits(plan->keptBits));
-    if (plan->paletteCount) {
-        *pal = new oDIBPALETTE(quads, (unsigned short)plan->paletteCount);
-        if (!*pal)
-            return 0;
-    }
-    return 1;
+    // Every image read from a stream has a palette, empty when the stored
+    // count is 0: an 8-bit copy of it then gets a full (black) table.
+    *pal = new oDIBPALETTE(quads, (unsigned short)plan->paletteCount);
+    return *pal != nullptr;
 }
 
 oCOLOUR_MODEL dibread::ModelForBits(unsigned bits)

@@ -257,3 +257,34 @@ TEST(StoredForm, ConvertingCopyStaysInsideTheSourceRows)
         delete small;
     }
 }
+
+TEST(StoredForm, ImagesReadFromStreamsAlwaysHaveAPalette)
+{
+    // A 24-bit image read back has a palette of its stored count, here none;
+    // its 8-bit copy therefore gets a full table, black beyond the source's
+    // entries, while a copy of a never-stored image gets no table at all.
+    oMEMDIB* made = Patterned(5, 4, 24, oCM_RGB24);
+    vMEMSTREAM m;
+    *made >> m;
+    m.MoveFromStart(0);
+    oMEMDIB read(m, 0);
+    oDIBPALETTE* p = nullptr;
+    EXPECT_EQ(read.GetPalette(&p), 0);
+    ASSERT_NE(p, nullptr);
+    oMEMDIB fromRead(read, oCM_PAL256, 5, 4, nullptr);
+    oDIBPALETTE* q = nullptr;
+    ASSERT_EQ(fromRead.GetPalette(&q), 256);
+    for (int i = 0; i < 256; ++i) {
+        ASSERT_EQ(q->GetRgbQuad()[i].rgbRed, 0);
+        ASSERT_EQ(q->GetRgbQuad()[i].rgbGreen, 0);
+        ASSERT_EQ(q->GetRgbQuad()[i].rgbBlue, 0);
+    }
+    oMEMDIB fromMade(*made, oCM_PAL256, 5, 4, nullptr);
+    EXPECT_EQ(fromMade.GetPalette(nullptr), 0);
+    EXPECT_EQ(RowsOf(fromRead), RowsOf(fromMade));
+    // Written again, the empty palette adds nothing to the stored form.
+    vMEMSTREAM again;
+    read >> again;
+    EXPECT_EQ(again.Size(), m.Size());
+    delete made;
+}
