@@ -112,12 +112,10 @@ int dibread::ReadHead(vSTREAM& s, oDIBHEADER* header, oDIBPALETTE** pal, rldib::
     // multiples of 40, bit count from the model (16 and 32 bits are kept as 24).
     *header = oDIBHEADER(plan->width, plan->height, DpiFromPels(info.xPelsPerMeter),
                          DpiFromPels(info.yPelsPerMeter), dibread::ModelForBits(plan->keptBits));
-    if (plan->paletteCount) {
-        *pal = new oDIBPALETTE(quads, (unsigned short)plan->paletteCount);
-        if (!*pal)
-            return 0;
-    }
-    return 1;
+    // Every image read from a stream has a palette, empty when the stored
+    // count is 0: an 8-bit copy of it then gets a full (black) table.
+    *pal = new oDIBPALETTE(quads, (unsigned short)plan->paletteCount);
+    return *pal != nullptr;
 }
 
 oCOLOUR_MODEL dibread::ModelForBits(unsigned bits)
@@ -240,11 +238,21 @@ void dibread::WriteCodedBlock(vSTREAM& s, const unsigned char* raw, const unsign
 void dibread::Write(vSTREAM& s, const oDIBHEADER& header, const oDIBPALETTE* palette,
                     const unsigned char* rows, unsigned long size)
 {
+    // A stored count of 0 tells readers "1 << bits entries" for images of 8
+    // bits or less, so such an image without colours carries a black table of
+    // that size instead: otherwise its first rows would be read as a palette.
+    oDIBPALETTE* written = const_cast<oDIBPALETTE*>(palette);
+    oDIBPALETTE blank;
+    const unsigned bits = header.biBitCount;
+    if (bits >= 1 && bits <= 8 && (!written || written->GetNumColours() == 0)) {
+        blank.SetNumColours((unsigned short)(1u << bits));
+        written = &blank;
+    }
     oDIBHEADER h(header);
-    h.Palette(const_cast<oDIBPALETTE*>(palette));
+    h.Palette(written);
     h >> s;
-    if (palette)
-        *const_cast<oDIBPALETTE*>(palette) >> s;
+    if (written)
+        *written >> s;
     if (!rows || size == 0)
         return;
     if (s.Compressed() && header.biBitCount == 24) {

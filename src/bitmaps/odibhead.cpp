@@ -96,7 +96,10 @@ const oDIBHEADER& oDIBHEADER::operator>>(vSTREAM& stream) const
     // size the palette from it.
     BITMAPINFOHEADER info;
     GetInfoHeader(info);
-    info.biClrUsed = palette ? palette->GetNumColours() : 0;
+    // The palette writer carries at most 256 entries; the count says so too,
+    // so that the rows are found where the count puts them.
+    unsigned long count = palette ? palette->GetNumColours() : 0;
+    info.biClrUsed = count > 256 ? 256 : count;
     info.biClrImportant = 0;
     stream.WriteBlock((const unsigned char*)&info, sizeof info);
     return *this;

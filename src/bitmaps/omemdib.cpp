@@ -258,6 +258,19 @@ oMEMDIB::oMEMDIB(const oDIB& source, oCOLOUR_MODEL model, long width, long heigh
     rldib::WriteLineFn write;
     if (!rldib::GetReadWriteRoutines(sbits, targetBits, &read, &write))
         return;   // no routines: the rows stay unconverted
+    // The rows are reached in place below, as the source header lays them out;
+    // a header set larger than the rows behind it must not lead the copy past
+    // them. The highest row read has to be there in full.
+    const unsigned long sstride = oDIBHEADER::Stride(sbits, sw);
+    {
+        unsigned char* probe = (unsigned char*)vMemAlloc(sstride);
+        oCOLOUR_MODEL probeModel = oCM_RGB24;
+        const unsigned long top = firstRow + rectH - 1;
+        int present = probe && source.GetImageBlock(0, top, sw, top, probe, &probeModel);
+        vMemFree(probe);
+        if (!present)
+            return;
+    }
     oDIB& src = const_cast<oDIB&>(source);
     unsigned char* srcRows = nullptr;
     if (!src.LockImageLines(0, shh, &srcRows, model) || !srcRows)
@@ -265,7 +278,7 @@ oMEMDIB::oMEMDIB(const oDIB& source, oCOLOUR_MODEL model, long width, long heigh
     const unsigned bpp = targetBits / 8;
     unsigned char* scratch = (unsigned char*)vMemAlloc(tw * 3);
     if (scratch) {
-        const unsigned long sstride = oDIBHEADER::Stride(sbits, sw), tstride = Stride();
+        const unsigned long tstride = Stride();
         const std::uint32_t hstep = (std::uint32_t)(((unsigned long long)rectW << 16) / tw);
         const std::uint32_t vstep = (std::uint32_t)(((unsigned long long)rectH << 16) / th);
         const std::uint32_t hstart = (std::uint32_t)left << 16;

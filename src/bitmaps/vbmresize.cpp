@@ -394,11 +394,16 @@ int vBMRESIZE::BresenhamScale()
     if (bitCount)
         targetBits = bitCount < 4 ? 1 : bitCount < 8 ? 4 : bitCount == 8 ? 8 : 24;
     const bool change = targetBits != sourceBits;
+    // A target whose rows would not fit the header's 32-bit size is refused
+    // before anything is written.
+    if (!rldib::CheckedImageSize(targetBits, tw, th, nullptr, nullptr))
+        return 0;
     if (change && targetBits == 8 && !Create256ColourTables())
         return 0;
 
     // The target palette follows the target depth: black and white, the 16
-    // standard colours, the cube, or the source's own when the depth stays.
+    // standard colours, the cube, or the source's own when the depth stays or
+    // grows.
     // The screen device's palettes plug in here once it exists: its 16-colour
     // palette for 4 bits, and its 256-colour palette (when the display has one)
     // in place of pPalette for 8 bits; the dithers then map onto those entries.
@@ -412,7 +417,8 @@ int vBMRESIZE::BresenhamScale()
         tp = new oDIBPALETTE(q, 16);
     } else if (change && targetBits == 8) {
         tp = new oDIBPALETTE(pPalette, 256);
-    } else if (!change && sp) {
+    } else if (sp) {
+        // Unchanged or deeper: the source's table goes along as it is.
         tp = new oDIBPALETTE(*sp);
     }
     PaletteHolder holdTarget = {tp};

@@ -179,11 +179,18 @@ TEST(FillSpec, StreamForm)
     std::vector<unsigned char> bytes(odd.Buffer(), odd.Buffer() + odd.Size());
     bytes[24] = 7;
     bytes.push_back(0xAB);
+    // Type and mode words widen without sign.
+    bytes[0] = bytes[1] = 0xFF;
+    bytes[22] = 0xFE;
+    bytes[23] = 0xFF;
     vMEMSTREAM odd2;
     odd2.WriteBlock(bytes.data(), (unsigned long)bytes.size());
     odd2.MoveFromStart(0);
     vFILLSPEC o(odd2);
     EXPECT_EQ(o.Bitmap(nullptr), 0);
     EXPECT_EQ(odd2.CurrentPos(), 26u);
+    EXPECT_EQ((long)o.Type(), 65535L);
+    EXPECT_EQ((long)o.Mode(), 65534L);
+    EXPECT_FALSE(o.GemBrush());
     delete pattern;
 }

@@ -119,22 +119,32 @@ static int RunResize(int argc, char** argv)
 
     // The scaled image is a stored DIB; a file on disk also wants the 14-byte
     // "BM" header in front, with the file size and the offset of the rows.
-    const unsigned char* dib = scaled.Buffer();
+    // Read through the stream: a large result has moved to a spill file and
+    // has no buffer in memory.
+    unsigned char info[40];
+    scaled.MoveFromStart(0);
+    if (scaled.ReadByteString(info, sizeof info) != (long)sizeof info)
+        return rltool_fail(RLTOOL_FAILED, "%s: the scaled image could not be read back", in);
     unsigned long total = 14 + scaled.Size();
-    unsigned long offBits = 14 + 40 + U32(dib + 32) * 4;
+    unsigned long offBits = 14 + 40 + U32(info + 32) * 4;
     unsigned char fileHeader[14] = {'B', 'M'};
     Put32(fileHeader + 2, total);
     Put32(fileHeader + 10, offBits);
     FILE* f = fopen(out, "wb");
     if (!f)
         return rltool_fail(RLTOOL_FAILED, "%s: cannot create the file", out);
-    bool written = fwrite(fileHeader, 1, 14, f) == 14 &&
-                   fwrite(dib, 1, scaled.Size(), f) == scaled.Size();
+    bool written = fwrite(fileHeader, 1, 14, f) == 14 && fwrite(info, 1, 40, f) == 40;
+    static unsigned char piece[65536];
+    for (unsigned long left = scaled.Size() - 40; written && left;) {
+        unsigned long n = left < sizeof piece ? left : (unsigned long)sizeof piece;
+        written = scaled.ReadByteString(piece, n) == (long)n && fwrite(piece, 1, n, f) == n;
+        left -= n;
+    }
     written = fclose(f) == 0 && written;
     if (!written)
         return rltool_fail(RLTOOL_FAILED, "%s: could not write the file", out);
     printf("%s: %ld x %ld, %u bits -> %s: %lu x %lu, %u bits\n", in, sw, sh, s.bits, out,
-           U32(dib + 4), U32(dib + 8), dib[14]);
+           U32(info + 4), U32(info + 8), info[14]);
     return RLTOOL_OK;
 }
 
