@@ -16,7 +16,7 @@ rc_headless=${PIPESTATUS[0]}
 wine_server_down
 
 rc_display=0
-if ctest --test-dir "$BUILD" -N -L display8 2>/dev/null | grep -q 'Test *#'; then
+if ctest --test-dir "$BUILD" -N -L display8 2>/dev/null | grep 'Test *#' >/dev/null; then
   # The desktop process of a prefix keeps the display it started with, so the
   # display8 phase gets a fresh wineserver that sees DISPLAY from the start.
   n=97
@@ -34,6 +34,10 @@ fi
 
 passed=$(cat "$BUILD"/ctest-*.log | grep -cE '^ *[0-9]+/[0-9]+ Test +#[0-9]+: .* Passed')
 failed=$(cat "$BUILD"/ctest-*.log | grep -E '^ *[0-9]+/[0-9]+ Test +#[0-9]+: ' | grep -vc ' Passed')
+# Every registered program must have run in one of the phases.
+known=$(ctest --test-dir "$BUILD" -N 2>/dev/null | sed -n 's/^Total Tests: *//p')
+missing=$(( ${known:-0} - passed - failed ))
 echo
+[ "$missing" -gt 0 ] && echo "$missing registered test programs did not run"
 echo "$passed passed, $failed failed"
-[ "$rc_headless" = 0 ] && [ "$rc_display" = 0 ] && [ "$passed" -gt 0 ]
+[ "$rc_headless" = 0 ] && [ "$rc_display" = 0 ] && [ "$passed" -gt 0 ] && [ "$missing" -le 0 ]
