@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs the whole suite under Wine: the headless programs first, then the ones that
-# need a 256-colour screen, under Xvfb at depth 8. Each phase prints CTest's
-# summary; the last line counts both phases together.
+# need a 256-colour screen, under Xvfb at depth 8, then the native build of the
+# algorithmic kernels under the sanitizers. Each phase prints CTest's summary;
+# the last line counts all phases together.
 set -uo pipefail
 BUILD="$(cd "${1:-build}" && pwd)"
 . "$(dirname "$0")/wine-env.sh"
@@ -32,8 +33,13 @@ if ctest --test-dir "$BUILD" -N -L display8 2>/dev/null | grep -q 'Test *#'; the
   kill "$xvfb_pid" 2>/dev/null; wait "$xvfb_pid" 2>/dev/null
 fi
 
+# The kernels built for the host under AddressSanitizer and
+# UndefinedBehaviorSanitizer, next to the cross build.
+bash "$(dirname "$0")/native-check.sh" "$BUILD-native" "$BUILD/ctest-native.log"
+rc_native=$?
+
 passed=$(cat "$BUILD"/ctest-*.log | grep -cE '^ *[0-9]+/[0-9]+ Test +#[0-9]+: .* Passed')
 failed=$(cat "$BUILD"/ctest-*.log | grep -E '^ *[0-9]+/[0-9]+ Test +#[0-9]+: ' | grep -vc ' Passed')
 echo
 echo "$passed passed, $failed failed"
-[ "$rc_headless" = 0 ] && [ "$rc_display" = 0 ] && [ "$passed" -gt 0 ]
+[ "$rc_headless" = 0 ] && [ "$rc_display" = 0 ] && [ "$rc_native" = 0 ] && [ "$passed" -gt 0 ]
