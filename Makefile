@@ -4,7 +4,7 @@ PREFIX  ?= $(CURDIR)/dist
 BUILD_TYPE ?= Release
 CMAKE_FLAGS ?=
 
-.PHONY: all setup configure build test demo install bench clean
+.PHONY: all setup configure build test demo install bench clean native-check fuzz
 
 all: build
 
@@ -32,5 +32,18 @@ install: build
 bench: build
 	bash scripts/bench.sh $(BUILD)
 
+# The algorithmic kernels built for the host under AddressSanitizer and
+# UndefinedBehaviorSanitizer, with their bounded fuzz loops (also the third
+# phase of `make test`).
+NATIVE_BUILD ?= build-native
+native-check: setup
+	bash scripts/native-check.sh $(NATIVE_BUILD)
+
+# libFuzzer programs (clang only), each run for FUZZ_SECONDS; not part of `make test`.
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 20
+fuzz: setup
+	bash scripts/fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
+
 clean:
-	rm -rf $(BUILD)
+	rm -rf $(BUILD) $(NATIVE_BUILD) $(FUZZ_BUILD)

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs the whole suite under Wine: the headless programs first, then the ones that
-# need a 256-colour screen, under Xvfb at depth 8. Each phase prints CTest's
-# summary; the last line counts both phases together.
+# need a 256-colour screen, under Xvfb at depth 8, then the native build of the
+# algorithmic kernels under the sanitizers. Each phase prints CTest's summary;
+# the last line counts all phases together.
 set -uo pipefail
 BUILD="$(cd "${1:-build}" && pwd)"
 . "$(dirname "$0")/wine-env.sh"
@@ -32,12 +33,22 @@ if ctest --test-dir "$BUILD" -N -L display8 2>/dev/null | grep 'Test *#' >/dev/n
   kill "$xvfb_pid" 2>/dev/null; wait "$xvfb_pid" 2>/dev/null
 fi
 
-passed=$(cat "$BUILD"/ctest-*.log | grep -cE '^ *[0-9]+/[0-9]+ Test +#[0-9]+: .* Passed')
-failed=$(cat "$BUILD"/ctest-*.log | grep -E '^ *[0-9]+/[0-9]+ Test +#[0-9]+: ' | grep -vc ' Passed')
-# Every registered program must have run in one of the phases.
+# The kernels built for the host under AddressSanitizer and
+# UndefinedBehaviorSanitizer, next to the cross build.
+bash "$(dirname "$0")/native-check.sh" "$BUILD-native" "$BUILD/ctest-native.log"
+rc_native=$?
+
+results() { # the result lines of CTest runs in the logs named
+  cat "$@" 2>/dev/null | grep -E '^ *[0-9]+/[0-9]+ Test +#[0-9]+: '
+}
+passed=$(results "$BUILD"/ctest-*.log | grep -c ' Passed')
+failed=$(results "$BUILD"/ctest-*.log | grep -vc ' Passed')
+# Every program the cross build registers must have run in one of the Wine phases.
 known=$(ctest --test-dir "$BUILD" -N 2>/dev/null | sed -n 's/^Total Tests: *//p')
-missing=$(( ${known:-0} - passed - failed ))
+ran=$(results "$BUILD/ctest-headless.log" "$BUILD/ctest-display8.log" | grep -c .)
+missing=$(( ${known:-0} - ran ))
 echo
 [ "$missing" -gt 0 ] && echo "$missing registered test programs did not run"
 echo "$passed passed, $failed failed"
-[ "$rc_headless" = 0 ] && [ "$rc_display" = 0 ] && [ "$passed" -gt 0 ] && [ "$missing" -le 0 ]
+[ "$rc_headless" = 0 ] && [ "$rc_display" = 0 ] && [ "$rc_native" = 0 ] && [ "$passed" -gt 0 ] \
+  && [ "$missing" -le 0 ]

@@ -4,7 +4,7 @@
 set -euo pipefail
 
 need_cmds=(i686-w64-mingw32-g++-posix i686-w64-mingw32-windres i686-w64-mingw32-objdump
-           cmake ninja wine Xvfb)
+           cmake ninja wine Xvfb g++)
 missing=0
 for c in "${need_cmds[@]}"; do command -v "$c" >/dev/null 2>&1 || missing=1; done
 [ -f /usr/src/googletest/CMakeLists.txt ] || missing=1
@@ -21,7 +21,7 @@ if ! dpkg --print-foreign-architectures | grep -x i386 >/dev/null; then
 fi
 
 pkgs=(g++-mingw-w64-i686-posix mingw-w64-tools binutils-mingw-w64-i686 cmake ninja-build
-      make wine wine32:i386 xvfb xauth googletest)
+      make wine wine32:i386 xvfb xauth googletest g++)
 
 apt_q() { $SUDO apt-get -y -q "$@"; }
 
