@@ -8,7 +8,7 @@
 
 namespace dcl {
 
-const unsigned kOutSize = 2048;
+const unsigned kOutSize = 1024;
 
 // Collects the bit stream in a small buffer and hands it to the write callback
 // whenever the buffer is nearly full.
