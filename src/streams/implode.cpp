@@ -140,7 +140,7 @@ const unsigned kValuePeriod = 512;
 
 // A two-byte copy from the position the pair table held before p entered it.
 template <bool kAscii>
-inline Found TwoByte(const ImplodeState& s, const unsigned char* cur, uint16_t cand, uint32_t absP,
+inline Found TwoByte(const ImplodeState& s, const unsigned char* cur, unsigned cand, uint32_t absP,
                      unsigned maxDist, int byteValue)
 {
     Found best = {0, 0, -1000};
@@ -165,7 +165,7 @@ __attribute__((always_inline)) inline Found Find(ImplodeState& s, unsigned p, co
         maxLen = kMaxMatch;
     const unsigned char* cur = s.buf + p;
     uint32_t absP = s.base + p;
-    uint16_t a = uint16_t(absP);
+    unsigned a = absP & 0xFFFF;
     // Everything in front of p in the buffer is real history; bounding by the
     // offset rather than the absolute position stays right past 4 GB.
     unsigned maxDist = p < s.dictSize ? p : s.dictSize;
@@ -177,11 +177,13 @@ __attribute__((always_inline)) inline Found Find(ImplodeState& s, unsigned p, co
     }
     uint32_t v = Load32(cur);
     unsigned h = Hash3(v), h2 = Hash2(v);
-    uint16_t c = s.head[h];
-    uint16_t c2 = s.head2[h2];
-    s.prev[a & (kMaxDict - 1)] = c;
-    s.head[h] = a;
-    s.head2[h2] = a;
+    // Table entries are widened at once: a spilled 16-bit copy reloaded as a
+    // word stalls the 32-bit target on every candidate.
+    unsigned c = s.head[h];
+    unsigned c2 = s.head2[h2];
+    s.prev[a & (kMaxDict - 1)] = uint16_t(c);
+    s.head[h] = uint16_t(a);
+    s.head2[h2] = uint16_t(a);
 
     unsigned dictBits = s.sink.dictBits;
     unsigned longest = 2;
@@ -190,7 +192,7 @@ __attribute__((always_inline)) inline Found Find(ImplodeState& s, unsigned p, co
         unsigned d = uint16_t(absP - c);
         // Distances grow along a chain until it runs into entries that are
         // stale or beyond the window.
-        if (d - last - 1 >= maxDist - last)
+        if (d <= last || d > maxDist)
             break;
         last = d;
         const unsigned char* q = cur - d;
