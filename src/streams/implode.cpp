@@ -155,9 +155,11 @@ inline Found TwoByte(const ImplodeState& s, const unsigned char* cur, unsigned c
 }
 
 // Looks for the most valuable copy at p and enters p into the tables, so that
-// every position is searched or inserted exactly once.
+// every position is searched or inserted exactly once. Only copies longer
+// than floor are weighed.
 template <bool kAscii>
-__attribute__((always_inline)) inline Found Find(ImplodeState& s, unsigned p, const Params& prm, int byteValue, unsigned chain)
+__attribute__((always_inline)) inline Found Find(ImplodeState& s, unsigned p, const Params& prm, int byteValue,
+                                                 unsigned chain, unsigned floor = 2)
 {
     Found best = {0, 0, -1000};
     unsigned maxLen = s.end - p;
@@ -186,7 +188,7 @@ __attribute__((always_inline)) inline Found Find(ImplodeState& s, unsigned p, co
     s.head2[h2] = uint16_t(a);
 
     unsigned dictBits = s.sink.dictBits;
-    unsigned longest = 2;
+    unsigned longest = floor < maxLen ? floor : 2;
     unsigned last = 0;
     for (unsigned steps = chain; steps; --steps) {
         unsigned d = uint16_t(absP - c);
@@ -248,8 +250,14 @@ void Parse(ImplodeState& s, const Params& prm)
         }
         if (cur.len < prm.lazy && p + 1 < s.end) {
             // The look one position ahead needs less care when this copy is
-            // already good.
-            Found next = Find<kAscii>(s, p + 1, prm, byteValue, cur.len >= 8 ? prm.chain / 4 : prm.chain / 2);
+            // already good. In binary mode a copy there shorter than this one
+            // never pays for the literal in front of it, whatever the
+            // distances and the byte value (the largest possible saving in
+            // copy cost at best ties with the literal's 9 bits and the byte
+            // it leaves out), so the search there skips such candidates.
+            // ASCII literals can be cheap enough to change that.
+            Found next = Find<kAscii>(s, p + 1, prm, byteValue, cur.len >= 8 ? prm.chain / 4 : prm.chain / 2,
+                                      !kAscii && cur.len > 3 ? cur.len - 1 : 2);
             mark = p + 2;
             // A literal now pays off when the next position's copy is worth
             // more than this one, counting the literal's cost.
