@@ -160,10 +160,10 @@ inline Found TwoByte(const ImplodeState& s, const unsigned char* cur, unsigned c
 
 // Looks for the most valuable copy at p and enters p into the tables, so that
 // every position is searched or inserted exactly once. Only copies longer
-// than floor are weighed.
+// than floor are weighed, and two-byte copies only when pairs is set.
 template <bool kAscii>
 __attribute__((always_inline)) inline Found Find(ImplodeState& s, unsigned p, const Params& prm, int byteValue,
-                                                 unsigned chain, unsigned floor = 2)
+                                                 unsigned chain, unsigned floor = 2, bool pairs = true)
 {
     Found best = {0, 0, -1000};
     unsigned maxLen = s.end - p;
@@ -177,7 +177,7 @@ __attribute__((always_inline)) inline Found Find(ImplodeState& s, unsigned p, co
     unsigned maxDist = p < s.dictSize ? p : s.dictSize;
     if (maxLen < 3) {
         // Only at the very end of the input: nothing follows that could use p.
-        if (maxLen == 2)
+        if (maxLen == 2 && pairs)
             best = TwoByte<kAscii>(s, cur, s.head2[Hash2(Load16(cur))], absP, maxDist, byteValue);
         return best;
     }
@@ -218,7 +218,7 @@ __attribute__((always_inline)) inline Found Find(ImplodeState& s, unsigned p, co
         c = s.prev[c & (kMaxDict - 1)];
     }
     // Two-byte copies matter only where nothing longer turned up.
-    return best.len ? best : TwoByte<kAscii>(s, cur, c2, absP, maxDist, byteValue);
+    return best.len || !pairs ? best : TwoByte<kAscii>(s, cur, c2, absP, maxDist, byteValue);
 }
 
 template <bool kAscii>
@@ -260,8 +260,9 @@ void Parse(ImplodeState& s, const Params& prm)
             // copy cost at best ties with the literal's 9 bits and the byte
             // it leaves out), so the search there skips such candidates.
             // ASCII literals can be cheap enough to change that.
+            bool shorter = kAscii || cur.len < 3;
             Found next = Find<kAscii>(s, p + 1, prm, byteValue, cur.len >= 8 ? prm.chain / 4 : prm.chain / 2,
-                                      !kAscii && cur.len > 3 ? cur.len - 1 : 2);
+                                      shorter ? 2 : cur.len - 1, shorter);
             mark = p + 2;
             // A literal now pays off when the next position's copy is worth
             // more than this one, counting the literal's cost.
