@@ -258,7 +258,9 @@ void Parse(ImplodeState& s, const Params& prm)
             // never pays for the literal in front of it, whatever the
             // distances and the byte value (the largest possible saving in
             // copy cost at best ties with the literal's 9 bits and the byte
-            // it leaves out), so the search there skips such candidates.
+            // it leaves out), so the search there skips such candidates. Only
+            // where the byte value was brought up to date in between can the
+            // outcome differ, and both are valid choices.
             // ASCII literals can be cheap enough to change that.
             bool shorter = kAscii || cur.len < 3;
             Found next = Find<kAscii>(s, p + 1, prm, byteValue, cur.len >= 8 ? prm.chain / 4 : prm.chain / 2,
