@@ -8,7 +8,7 @@
 
 namespace dcl {
 
-const unsigned kOutSize = 2048;
+const unsigned kOutSize = 1024;
 
 // Collects the bit stream in a small buffer and hands it to the write callback
 // whenever the buffer is nearly full.
@@ -43,17 +43,18 @@ struct Sink {
         pos = 2;
     }
 
-    // n <= 16 bits.
+    // n <= 16 bits. Whether a half word is complete depends on the data, so
+    // it is handed on without a branch: the half is always stored and the
+    // position only advances when it was full.
     inline void Put(uint32_t v, unsigned n)
     {
         bits |= Word(v) << count;
         count += n;
-        if (count >= kHalf) {
-            memcpy(buf + pos, &bits, kHalf / 8);   // little-endian target
-            pos += kHalf / 8;
-            bits >>= kHalf;
-            count -= kHalf;
-        }
+        memcpy(buf + pos, &bits, kHalf / 8);   // little-endian target
+        unsigned full = count >= kHalf ? kHalf : 0;
+        pos += full / 8;
+        bits >>= full;
+        count -= full;
     }
 
     // Called between items: every item adds at most 8 bytes.

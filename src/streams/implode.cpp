@@ -9,6 +9,10 @@
 // every candidate is compared byte for byte, so stale entries cost time, never
 // correctness. A chain walk stops as soon as a distance fails to grow.
 //
+// Most of the work area goes to the three-byte table: on data where little
+// repeats (image rows, noise) the time goes into candidates that turn out to
+// be other strings with the same hash, and 8,192 heads keep those few.
+//
 // Candidates are weighed with the format's exact code lengths: a longer match
 // far away can be worth less than a shorter one nearby.
 #include <string.h>
@@ -24,8 +28,11 @@ using namespace dcl;
 
 const unsigned kHist = kMaxDict;
 const unsigned kLook = kMaxMatch + 2;       // lookahead kept while input remains
-const unsigned kBufSize = kHist + 7168 + kLook;
-const unsigned kHashBits = 12;
+// Input read ahead beyond the lookahead; the hash table takes most of the work
+// area, so the window slides every kAhead bytes.
+const unsigned kAhead = 1536;
+const unsigned kBufSize = kHist + kAhead + kLook;
+const unsigned kHashBits = 13;
 const unsigned kHash2Bits = 11;
 
 struct ImplodeState {
@@ -69,14 +76,16 @@ inline uint16_t Load16(const unsigned char* p)
     return v;
 }
 
-inline unsigned Hash3(const unsigned char* p)
+// Both hashes come from the same four bytes at the position (the buffer has
+// slack behind its end, so the load is always in bounds).
+inline unsigned Hash3(uint32_t v)
 {
-    return ((Load32(p) & 0xFFFFFF) * 2654435761u) >> (32 - kHashBits);
+    return ((v & 0xFFFFFF) * 2654435761u) >> (32 - kHashBits);
 }
 
-inline unsigned Hash2(const unsigned char* p)
+inline unsigned Hash2(uint32_t v)
 {
-    return ((Load32(p) & 0xFFFF) * 2654435761u) >> (32 - kHash2Bits);
+    return ((v & 0xFFFF) * 2654435761u) >> (32 - kHash2Bits);
 }
 
 struct Found {
@@ -105,15 +114,18 @@ inline void Fill(ImplodeState& s, unsigned& p, unsigned& mark)
         Refill(s, p, mark);
 }
 
+// Enters position p into both tables. The last two positions of the input
+// start no three-byte string and are left out.
 inline void Insert(ImplodeState& s, unsigned p)
 {
     if (p + 2 >= s.end)
         return;
     uint16_t a = uint16_t(s.base + p);
-    unsigned h = Hash3(s.buf + p);
+    uint32_t v = Load32(s.buf + p);
+    unsigned h = Hash3(v);
     s.prev[a & (kMaxDict - 1)] = s.head[h];
     s.head[h] = a;
-    s.head2[Hash2(s.buf + p)] = a;
+    s.head2[Hash2(v)] = a;
 }
 
 // What a copy is worth: the bytes it covers at a nominal value each, less its
@@ -130,12 +142,14 @@ inline int Value(unsigned len, unsigned dist, unsigned dictBits, int byteValue)
 // How often the nominal byte value is brought up to date, in input bytes.
 const unsigned kValuePeriod = 512;
 
+// A two-byte copy from the position the pair table held before p entered it.
 template <bool kAscii>
-Found TwoByte(const ImplodeState& s, const unsigned char* cur, uint32_t absP, unsigned maxDist, int byteValue)
+inline Found TwoByte(const ImplodeState& s, const unsigned char* cur, unsigned cand, uint32_t absP,
+                     unsigned maxDist, int byteValue)
 {
     Found best = {0, 0, -1000};
-    unsigned d2 = uint16_t(absP - s.head2[Hash2(cur)]);
-    if (d2 >= 1 && d2 <= 256 && d2 <= maxDist && cur[-int(d2)] == cur[0] && cur[1 - int(d2)] == cur[1]) {
+    unsigned d2 = uint16_t(absP - cand);
+    if (d2 - 1 < (maxDist < 256 ? maxDist : 256u) && Load16(cur - d2) == Load16(cur)) {
         unsigned dictBits = s.sink.dictBits;
         // Only worth it when cheaper than the two literals.
         if (CopyCost(2, d2, dictBits) < LiteralCost(cur[0], kAscii) + LiteralCost(cur[1], kAscii))
@@ -144,34 +158,53 @@ Found TwoByte(const ImplodeState& s, const unsigned char* cur, uint32_t absP, un
     return best;
 }
 
+// Looks for the most valuable copy at p and enters p into the tables, so that
+// every position is searched or inserted exactly once. Only copies longer
+// than floor are weighed, and two-byte copies only when pairs is set.
 template <bool kAscii>
-__attribute__((always_inline)) inline Found Find(const ImplodeState& s, unsigned p, const Params& prm, int byteValue, unsigned chain)
+__attribute__((always_inline)) inline Found Find(ImplodeState& s, unsigned p, const Params& prm, int byteValue,
+                                                 unsigned chain, unsigned floor = 2, bool pairs = true)
 {
     Found best = {0, 0, -1000};
     unsigned maxLen = s.end - p;
     if (maxLen > kMaxMatch)
         maxLen = kMaxMatch;
-    if (maxLen < 2)
-        return best;
     const unsigned char* cur = s.buf + p;
     uint32_t absP = s.base + p;
+    unsigned a = absP & 0xFFFF;
     // Everything in front of p in the buffer is real history; bounding by the
     // offset rather than the absolute position stays right past 4 GB.
     unsigned maxDist = p < s.dictSize ? p : s.dictSize;
-    unsigned dictBits = s.sink.dictBits;
+    if (maxLen < 3) {
+        // Only at the very end of the input: nothing follows that could use p.
+        if (maxLen == 2 && pairs)
+            best = TwoByte<kAscii>(s, cur, s.head2[Hash2(Load16(cur))], absP, maxDist, byteValue);
+        return best;
+    }
+    uint32_t v = Load32(cur);
+    unsigned h = Hash3(v), h2 = Hash2(v);
+    // Table entries are widened at once: a spilled 16-bit copy reloaded as a
+    // word stalls the 32-bit target on every candidate.
+    unsigned c = s.head[h];
+    unsigned c2 = s.head2[h2];
+    s.prev[a & (kMaxDict - 1)] = uint16_t(c);
+    s.head[h] = uint16_t(a);
+    s.head2[h2] = uint16_t(a);
 
-    if (maxLen < 3)
-        return TwoByte<kAscii>(s, cur, absP, maxDist, byteValue);
-    unsigned longest = 2;
+    unsigned dictBits = s.sink.dictBits;
+    unsigned longest = floor < maxLen ? floor : 2;
     unsigned last = 0;
-    uint16_t c = s.head[Hash3(cur)];
     for (unsigned steps = chain; steps; --steps) {
         unsigned d = uint16_t(absP - c);
+        // Distances grow along a chain until it runs into entries that are
+        // stale or beyond the window.
         if (d <= last || d > maxDist)
             break;
         last = d;
         const unsigned char* q = cur - d;
-        if (q[longest] == cur[longest] && Load16(q) == Load16(cur)) {
+        // Only a copy longer than the best so far matters: its last two
+        // bytes decide most candidates at once.
+        if (Load16(q + longest - 1) == Load16(cur + longest - 1)) {
             unsigned len = MatchLength(q, cur, maxLen);
             if (len > longest) {
                 longest = len;
@@ -185,19 +218,20 @@ __attribute__((always_inline)) inline Found Find(const ImplodeState& s, unsigned
         c = s.prev[c & (kMaxDict - 1)];
     }
     // Two-byte copies matter only where nothing longer turned up.
-    return best.len ? best : TwoByte<kAscii>(s, cur, absP, maxDist, byteValue);
+    return best.len || !pairs ? best : TwoByte<kAscii>(s, cur, c2, absP, maxDist, byteValue);
 }
 
 template <bool kAscii>
 void Parse(ImplodeState& s, const Params& prm)
 {
     Sink& out = s.sink;
-    unsigned p = 0, mark = 0;     // mark: positions below it are in the chains
+    unsigned p = 0, mark = 0;     // mark: positions below it are in the tables
     int byteValue = 24;
     uint32_t valueFrom = 0;            // absolute position of the last update
     uint32_t bitsBefore = 0;
     Fill(s, p, mark);
     Found cur = Find<kAscii>(s, p, prm, byteValue, prm.chain);
+    mark = p + 1;
     while (p < s.end) {
         out.Drain();
         uint32_t span = s.base + p - valueFrom;   // modular, so right past 4 GB too
@@ -212,19 +246,26 @@ void Parse(ImplodeState& s, const Params& prm)
         }
         if (cur.len == 0) {
             out.Literal(s.buf[p]);
-            if (mark <= p)
-                Insert(s, p), mark = p + 1;
             ++p;
             Fill(s, p, mark);
             cur = Find<kAscii>(s, p, prm, byteValue, prm.chain);
+            mark = p + 1;
             continue;
         }
         if (cur.len < prm.lazy && p + 1 < s.end) {
-            if (mark <= p)
-                Insert(s, p), mark = p + 1;
             // The look one position ahead needs less care when this copy is
-            // already good.
-            Found next = Find<kAscii>(s, p + 1, prm, byteValue, cur.len >= 8 ? prm.chain / 4 : prm.chain / 2);
+            // already good. In binary mode a copy there shorter than this one
+            // never pays for the literal in front of it, whatever the
+            // distances and the byte value (the largest possible saving in
+            // copy cost at best ties with the literal's 9 bits and the byte
+            // it leaves out), so the search there skips such candidates. Only
+            // where the byte value was brought up to date in between can the
+            // outcome differ, and both are valid choices.
+            // ASCII literals can be cheap enough to change that.
+            bool shorter = kAscii || cur.len < 3;
+            Found next = Find<kAscii>(s, p + 1, prm, byteValue, cur.len >= 8 ? prm.chain / 4 : prm.chain / 2,
+                                      shorter ? 2 : cur.len - 1, shorter);
+            mark = p + 2;
             // A literal now pays off when the next position's copy is worth
             // more than this one, counting the literal's cost.
             if (next.len && next.gain - 4 * int(LiteralCost(s.buf[p], kAscii)) + byteValue > cur.gain) {
@@ -237,13 +278,12 @@ void Parse(ImplodeState& s, const Params& prm)
         }
         out.Copy(cur.len, cur.dist);
         unsigned stop = p + cur.len;
-        if (mark < p)
-            mark = p;
         while (mark < stop)
             Insert(s, mark++);
         p = stop;
         Fill(s, p, mark);
         cur = Find<kAscii>(s, p, prm, byteValue, prm.chain);
+        mark = p + 1;
     }
 }
 

@@ -317,7 +317,7 @@ TEST(Implode, RoundTripsInEveryMode)
     inputs.push_back({"words", Words(60000, 3)});
     inputs.push_back({"all bytes", [] { Bytes b; for (int k = 0; k < 3; ++k) for (int i = 0; i < 256; ++i) b.push_back((unsigned char)i); return b; }()});
     // Sizes around the engines' internal buffer and window sizes.
-    for (size_t n : {2047, 2048, 2049, 4095, 4096, 4097, 8192, 10367, 10368, 11780, 11781, 15877, 16384, 32768, 45000})
+    for (size_t n : {2047, 2048, 2049, 4095, 4096, 4097, 6152, 6153, 7689, 8192, 10367, 10368, 11780, 11781, 15877, 16384, 32768, 45000})
         inputs.push_back({"words " + std::to_string(n), Words(n, unsigned(n))});
 
     for (unsigned type : {unsigned(CMP_BINARY), unsigned(CMP_ASCII)}) {
@@ -406,6 +406,40 @@ TEST(Implode, LibraryDefaultsAndArguments)
     Bytes back;
     ASSERT_EQ(Explode(q.out, back), CMP_NO_ERROR);
     EXPECT_TRUE(back == in);
+}
+
+TEST(Implode, CopiesReachTheWindowEdgeAndSurviveStaleTables)
+{
+    // A random block and its repeat exactly one window later: the only copies
+    // there are at the largest distance, and every level must use them.
+    for (unsigned dict : {1024u, 2048u, 4096u}) {
+        Bytes in = RandomBytes(dict, dict);
+        Bytes again = in;
+        in.insert(in.end(), again.begin(), again.end());
+        for (unsigned level : {1u, 5u, 9u}) {
+            Bytes packed, back;
+            ASSERT_EQ(Implode(in, CMP_BINARY, dict, packed, level), CMP_NO_ERROR);
+            // The first block as literals, the second as a handful of copies.
+            EXPECT_LT(packed.size(), dict * 9 / 8 + dict / 32) << dict << " level " << level;
+            ASSERT_EQ(Explode(packed, back), CMP_NO_ERROR);
+            EXPECT_TRUE(back == in);
+        }
+    }
+    // Table entries hold positions modulo 65,536. After a long run of one byte
+    // the strings of the start come back 66,536 bytes later, so their old
+    // entries look 1,000 bytes away, inside the window, where the run is.
+    Bytes start = RandomBytes(2000, 5);
+    Bytes in = start;
+    in.insert(in.end(), 64536, 'A');
+    in.insert(in.end(), start.begin(), start.end());
+    Bytes tail = Words(3000, 6);
+    in.insert(in.end(), tail.begin(), tail.end());
+    for (unsigned level : {1u, 5u, 9u}) {
+        Bytes packed, back;
+        ASSERT_EQ(Implode(in, CMP_BINARY, 4096, packed, level), CMP_NO_ERROR);
+        ASSERT_EQ(Explode(packed, back), CMP_NO_ERROR);
+        EXPECT_TRUE(back == in) << level;
+    }
 }
 
 TEST(Implode, BetterParsingAtHigherLevels)
