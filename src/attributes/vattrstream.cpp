@@ -1,7 +1,7 @@
 // The stream forms of vCOLOUR and vLINESPEC.
 //
 // Colour, 8 bytes: packed value (long), type (byte), tint (byte), flags (word).
-// Line specification, 24 bytes: the colour form, width (signed long), line,
+// Line style, 24 bytes: the colour form, width (signed long), line,
 // corner and dash types (words), then the six pattern bytes as a raw block.
 // Attribute classes read with `value << stream` and write with `value >> stream`.
 #include "rl132/attributes/vcolour.h"

@@ -1,4 +1,4 @@
-// Fill specifications (see vfillspec.h).
+// Fill styles (see vfillspec.h).
 #include "rl132/attributes/vfillspec.h"
 #include "rl132/bitmaps/odib.h"
 #include "rl132/streams/vstream.h"

@@ -18,7 +18,7 @@ vLINESPEC::vLINESPEC(vLINETYPE type, const vCOLOUR& c, const vINT& w, vCORNERTYP
     : colour(c), width(w), lineType(type), cornerType(corner), dashType(dash)
 {
     // Types that set no pattern leave it zero, so the stream form of equal
-    // specifications is the same byte for byte.
+    // line styles is the same byte for byte.
     memset(pattern, 0, sizeof pattern);
     LineType(type, p);
 }
@@ -42,7 +42,7 @@ vLINESPEC& vLINESPEC::operator=(const vLINESPEC& o)
 }
 
 // Two user patterns that differ only in their lengths count as the same
-// specification: devices compare specifications to skip redundant pen
+// line style: devices compare line styles to skip redundant pen
 // changes, and have always done so this way.
 int vLINESPEC::operator==(const vLINESPEC& o) const
 {

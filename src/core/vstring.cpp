@@ -196,13 +196,13 @@ vSTRING vSTRING::Format(const char* text, unsigned long length)
     // The extracted text becomes a format of its own. It is formatted here once
     // against an all-zero argument block, and the result then goes through the
     // formatting constructor as plain text.
-    char spec[kScratch];
+    char format[kScratch];
     char out[kScratch];
     if (length > kScratch - 1)
         length = kScratch - 1;
-    memcpy(spec, text, length);
-    spec[length] = 0;
-    FormatInto(out, spec, (va_list)kNoArguments);
+    memcpy(format, text, length);
+    format[length] = 0;
+    FormatInto(out, format, (va_list)kNoArguments);
     return vSTRING("%s", out);
 }
 

@@ -1,4 +1,4 @@
-// Fill specifications: how the inside of a shape or text is painted.
+// Fill styles: how the inside of a shape or text is painted.
 #ifndef RL132_ATTRIBUTES_VFILLSPEC_H
 #define RL132_ATTRIBUTES_VFILLSPEC_H
 #include "rl132/core/rldefs.h"
@@ -34,7 +34,7 @@ enum vFILLMODE : int {
     vFM_WINDING = 2
 };
 
-// A fill specification owns its pattern bitmap: it keeps its own copy of any
+// A fill style owns its pattern bitmap: it keeps its own copy of any
 // DIB it is given and deletes it when it goes.
 class RL132_API vFILLSPEC : public vOBJECT {
 public:
@@ -48,7 +48,7 @@ public:
     ~vFILLSPEC();
     vFILLSPEC& operator=(const vFILLSPEC& other);
 
-    // Deliberately one-sided: false at once when this specification has a
+    // Deliberately one-sided: false at once when this fill has a
     // bitmap (even compared with itself); otherwise colours, type, angle and
     // mode decide and the other side's bitmap is not looked at.
     int operator==(const vFILLSPEC& other) const;

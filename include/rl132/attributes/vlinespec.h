@@ -1,4 +1,4 @@
-// Line specifications: how a line or outline is stroked.
+// Line styles: how a line or outline is stroked.
 #ifndef RL132_ATTRIBUTES_VLINESPEC_H
 #define RL132_ATTRIBUTES_VLINESPEC_H
 #include "rl132/core/rldefs.h"
@@ -19,7 +19,7 @@ enum vLINETYPE : int {
 };
 
 // Corner (join) and dash (end) styles: plain numbers that the line renderer
-// interprets; the specification stores them unchanged.
+// interprets; the line style stores them unchanged.
 enum vCORNERTYPE : int {};
 enum vDASHTYPE : int {};
 
@@ -58,8 +58,8 @@ public:
     void DashType(vDASHTYPE d) { dashType = d; }
 
     // Stream form, 24 bytes: the colour's 8, width (long), line, corner and dash
-    // types (words), six pattern bytes. `spec << stream` loads exactly what was
-    // stored (no stock pattern, no width rule); `spec >> stream` stores.
+    // types (words), six pattern bytes. `line << stream` loads exactly what was
+    // stored (no stock pattern, no width rule); `line >> stream` stores.
     vSTREAM& operator<<(vSTREAM& stream);
     vSTREAM& operator>>(vSTREAM& stream) const;
 
