@@ -155,6 +155,42 @@ inline unsigned ReadSome(vIMPLODEREAD read, void* param, unsigned char* buf, uns
     return have;
 }
 
+// What both compressors keep first: the caller's input, the window's place in
+// it and the bit output.
+struct EncoderHead {
+    vIMPLODEREAD read;
+    void* param;
+    unsigned dictSize;
+    uint32_t base;                 // absolute position of buf[0]
+    unsigned end;                  // bytes in buf
+    bool eof;
+    Sink sink;
+};
+
+// The header's dictionary code for a dictionary size, 0 for an invalid size.
+inline unsigned DictBitsOf(unsigned dsize)
+{
+    return dsize == 1024 ? 4 : dsize == 2048 ? 5 : dsize == 4096 ? 6 : 0;
+}
+
+// Places a compressor's state at the first 8-byte boundary of the caller's work
+// area (the callers add 8 bytes of slack for it) and starts its input and output.
+template <class State>
+State& StartState(char* work, vIMPLODEREAD read, vIMPLODEWRITE write, void* param, bool ascii,
+                  unsigned dsize)
+{
+    uintptr_t a = reinterpret_cast<uintptr_t>(work);
+    State& s = *reinterpret_cast<State*>(work + ((8 - (a & 7)) & 7));
+    s.read = read;
+    s.param = param;
+    s.dictSize = dsize;
+    s.base = 0;
+    s.end = 0;
+    s.eof = false;
+    s.sink.Start(write, param, ascii, DictBitsOf(dsize));
+    return s;
+}
+
 } // namespace dcl
 
 #endif

@@ -35,14 +35,7 @@ const unsigned kBufSize = kHist + kAhead + kLook;
 const unsigned kHashBits = 13;
 const unsigned kHash2Bits = 11;
 
-struct ImplodeState {
-    vIMPLODEREAD read;
-    void* param;
-    unsigned dictSize;
-    uint32_t base;                 // absolute position of buf[0]
-    unsigned end;                  // bytes in buf
-    bool eof;
-    Sink sink;
+struct ImplodeState : EncoderHead {
     uint16_t head[1u << kHashBits];
     uint16_t prev[kMaxDict];
     uint16_t head2[1u << kHash2Bits];
@@ -287,23 +280,10 @@ void Parse(ImplodeState& s, const Params& prm)
     }
 }
 
-unsigned DictBitsOf(unsigned dsize)
-{
-    return dsize == 1024 ? 4 : dsize == 2048 ? 5 : dsize == 4096 ? 6 : 0;
-}
-
 unsigned Run(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* param, bool ascii,
              unsigned dsize, unsigned level)
 {
-    uintptr_t a = reinterpret_cast<uintptr_t>(work);
-    ImplodeState& s = *reinterpret_cast<ImplodeState*>(work + ((8 - (a & 7)) & 7));
-    s.read = read;
-    s.param = param;
-    s.dictSize = dsize;
-    s.base = 0;
-    s.end = 0;
-    s.eof = false;
-    s.sink.Start(write, param, ascii, DictBitsOf(dsize));
+    ImplodeState& s = StartState<ImplodeState>(work, read, write, param, ascii, dsize);
     memset(s.head, 0, sizeof s.head);
     memset(s.prev, 0, sizeof s.prev);
     memset(s.head2, 0, sizeof s.head2);

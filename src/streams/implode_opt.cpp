@@ -38,14 +38,7 @@ struct Pair {
     uint16_t len, dist;
 };
 
-struct OptState {
-    vIMPLODEREAD read;
-    void* param;
-    unsigned dictSize;
-    uint32_t base;        // absolute position of buf[0]
-    unsigned end;
-    bool eof;
-    Sink sink;
+struct OptState : EncoderHead {
     uint32_t head[65536]; // newest position + 1 with these two leading bytes, 0 none
     uint32_t son[2 * kCyclic];
     uint32_t first[kBlock + 1];   // index of each position's first pair
@@ -245,15 +238,7 @@ unsigned OptimalWorkSize()
 unsigned ImplodeOptimal(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* param,
                         bool ascii, unsigned dsize)
 {
-    uintptr_t a = reinterpret_cast<uintptr_t>(work);
-    OptState& s = *reinterpret_cast<OptState*>(work + ((8 - (a & 7)) & 7));
-    s.read = read;
-    s.param = param;
-    s.dictSize = dsize;
-    s.base = 0;
-    s.end = 0;
-    s.eof = false;
-    s.sink.Start(write, param, ascii, dsize == 1024 ? 4 : dsize == 2048 ? 5 : 6);
+    OptState& s = StartState<OptState>(work, read, write, param, ascii, dsize);
     memset(s.head, 0, sizeof s.head);
     memset(s.son, 0, sizeof s.son);
     if (ascii)
