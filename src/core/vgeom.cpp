@@ -98,32 +98,23 @@ vRECT vRECT::Expand(const vINT& width, const vINT& height)
     return *this;
 }
 
+namespace {
 // A change d >= 1 grows each side by d/2; d <= 0 is taken as the magnitude plus
 // one, so -4 moves each side in by 2. Odd growths lose a unit.
-void vRECT::AdjustWidth(const vINT& d)
+void AdjustSpan(vINT& low, vINT& high, const vINT& d)
 {
     vINT one(1L);
     vINT m = d >= one ? d : one - d;
     vINT half = m >> 1;
     if (d < vINT(0L)) {
-        left = left + half;
-        right = right - half;
+        low = low + half;
+        high = high - half;
     } else {
-        left = left - half;
-        right = right + half;
+        low = low - half;
+        high = high + half;
     }
 }
+} // namespace
 
-void vRECT::AdjustHeight(const vINT& d)
-{
-    vINT one(1L);
-    vINT m = d >= one ? d : one - d;
-    vINT half = m >> 1;
-    if (d < vINT(0L)) {
-        top = top + half;
-        bottom = bottom - half;
-    } else {
-        top = top - half;
-        bottom = bottom + half;
-    }
-}
+void vRECT::AdjustWidth(const vINT& d) { AdjustSpan(left, right, d); }
+void vRECT::AdjustHeight(const vINT& d) { AdjustSpan(top, bottom, d); }
