@@ -24,7 +24,7 @@ oDIB* BitmapOf(const vFILLSPEC& f)
     oDIB* d = nullptr;
     return f.Bitmap(&d) ? d : nullptr;
 }
-// A bitmap's pixels as RGB; empty without one.
+// A bitmap's rows as stored (whole rows come back unconverted); empty without one.
 std::vector<unsigned char> Pixels(const oDIB* d)
 {
     if (!d)
