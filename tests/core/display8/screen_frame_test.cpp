@@ -8,6 +8,16 @@ public:
     static int Report(HWND window) { return vSYSTEM::GetDefaultException().HandleException(window); }
 };
 
+// The phase exists for the palette code paths: make sure it really has a
+// 256-colour palette device, or every test here proves nothing about them.
+TEST(Screen, IsAPaletteDeviceOf256Colours)
+{
+    HDC dc = GetDC(nullptr);
+    EXPECT_EQ(GetDeviceCaps(dc, BITSPIXEL) * GetDeviceCaps(dc, PLANES), 8);
+    EXPECT_NE(GetDeviceCaps(dc, RASTERCAPS) & RC_PALETTE, 0);
+    ReleaseDC(nullptr, dc);
+}
+
 TEST(Screen, ShortageReportIsCaptionedWithTheTopLevelWindowTitle)
 {
     rltest::MessageBoxes boxes;
