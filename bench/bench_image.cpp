@@ -8,8 +8,8 @@
 #include <vector>
 #include "rl132.h"
 // The dither's plain form, to show the fast path writes the same bytes.
-#include "bitmaps/dibrows.cpp"
-#include "bitmaps/dither.cpp"
+#include "bitmaps/dibrows.h"
+#include "bitmaps/dither.h"
 
 namespace {
 double Now()

@@ -12,7 +12,7 @@ set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_BINARY_DIR}/wine-run)
 
 file(GLOB RL132_TEST_SUPPORT CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/support/*.cpp)
 add_library(rl132_testsupport STATIC ${RL132_TEST_SUPPORT})
-target_link_libraries(rl132_testsupport PUBLIC RL132 GTest::gtest)
+target_link_libraries(rl132_testsupport PUBLIC RL132 GTest::gtest PRIVATE rl132_image_kernels)
 target_include_directories(rl132_testsupport PUBLIC ${CMAKE_SOURCE_DIR}/tests/support ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(rl132_testsupport PRIVATE ${RL132_WARNINGS})
 get_filename_component(RL132_SHARED_DIR ${CMAKE_SOURCE_DIR}/../shared ABSOLUTE)

@@ -6,8 +6,8 @@
 #include <cstring>
 #include <random>
 #include <vector>
-#include "bitmaps/dibrows.cpp"
-#include "bitmaps/dither.cpp"
+#include "bitmaps/dibrows.h"
+#include "bitmaps/dither.h"
 
 using namespace rldib;
 
