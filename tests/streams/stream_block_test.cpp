@@ -136,7 +136,7 @@ TEST(StreamBlock, DamagedFramesDeliverWhatExists)
     struct Case { Bytes disk; long got; int uncompressed; } cases[] = {
         {Bytes(frame.begin(), frame.begin() + frame.size() / 2), -1, 1},  // cut in the middle
         {{0xB1, 0xAA, 0x12, 0x00, 0xF0, 0xFF, 0xFF, 0xFF}, 0, 1},        // huge length, nothing behind
-        {{0xB1, 0xAA, 0x12, 0x00, 0x05}, 5, 0},                          // part of the header
+        {{0xB1, 0xAA, 0x12, 0x00, 0x05}, 5, 0},                          // a header cut short
     };
     for (const Case& c : cases) {
         TempFile tmp;
