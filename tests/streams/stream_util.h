@@ -3,8 +3,6 @@
 #define STREAM_UTIL_H
 #include <windows.h>
 #include <cstdio>
-#include <cstring>
-#include <initializer_list>
 #include <string>
 #include <vector>
 #include "rl132.h"
@@ -17,29 +15,22 @@ typedef std::vector<unsigned char> Bytes;
 inline Bytes FileBytes(const std::string& path)
 {
     Bytes out;
-    FILE* f = fopen(path.c_str(), "rb");
-    if (!f)
-        return out;
-    unsigned char buf[4096];
-    size_t n;
-    while ((n = fread(buf, 1, sizeof buf, f)) > 0)
-        out.insert(out.end(), buf, buf + n);
-    fclose(f);
+    if (FILE* f = fopen(path.c_str(), "rb")) {
+        for (int c; (c = fgetc(f)) != EOF;)
+            out.push_back((unsigned char)c);
+        fclose(f);
+    }
     return out;
 }
 
 inline void PutFile(const std::string& path, const Bytes& data)
 {
     FILE* f = fopen(path.c_str(), "wb");
-    if (data.size())
-        fwrite(data.data(), 1, data.size(), f);
+    fwrite(data.data(), 1, data.size(), f);
     fclose(f);
 }
 
-inline bool Exists(const std::string& path)
-{
-    return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
+inline bool Exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 // A temporary path that is removed again when the helper goes away.
 struct TempFile {
@@ -53,13 +44,7 @@ struct TempFile {
 struct Rng {
     unsigned int s;
     explicit Rng(unsigned int seed) : s(seed ? seed : 1) {}
-    unsigned int Next()
-    {
-        s ^= s << 13;
-        s ^= s >> 17;
-        s ^= s << 5;
-        return s;
-    }
+    unsigned int Next() { return s ^= s << 13, s ^= s >> 17, s ^= s << 5; }
 };
 
 // Text-like data that the implode format shrinks well.
@@ -68,11 +53,9 @@ inline Bytes Compressible(size_t n, unsigned int seed = 7)
     static const char* words[] = {"stream ", "block ", "frame ", "cache ", "length ", "data "};
     Rng r(seed);
     Bytes out;
-    while (out.size() < n) {
-        const char* w = words[r.Next() % 6];
-        for (const char* p = w; *p && out.size() < n; ++p)
+    while (out.size() < n)
+        for (const char* p = words[r.Next() % 6]; *p && out.size() < n; ++p)
             out.push_back((unsigned char)*p);
-    }
     return out;
 }
 
@@ -81,25 +64,12 @@ inline Bytes Incompressible(size_t n, unsigned int seed = 11)
 {
     Rng r(seed);
     Bytes out(n);
-    for (size_t i = 0; i < n; ++i)
-        out[i] = (unsigned char)(r.Next() >> 11);
+    for (unsigned char& c : out)
+        c = (unsigned char)(r.Next() >> 11);
     return out;
 }
 
-inline Bytes Concat(std::initializer_list<Bytes> parts)
-{
-    size_t total = 0;
-    for (const Bytes& p : parts)
-        total += p.size();
-    Bytes out(total);
-    size_t at = 0;
-    for (const Bytes& p : parts) {
-        if (!p.empty())
-            memcpy(&out[at], p.data(), p.size());
-        at += p.size();
-    }
-    return out;
-}
+inline Bytes Cat(Bytes a, const Bytes& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
 
 inline unsigned long LE32(const unsigned char* b)
 {

