@@ -1,8 +1,9 @@
-// Callback plumbing for the native compression tests: input served in pieces
-// of varying size, output checked to come from inside the engine's work area.
+// Callback plumbing for the compression engines under the sanitizers: input
+// served in pieces of varying size; every write must come from inside the work
+// area the engine was given and keep the output within its bound.
 #ifndef RL132_TESTS_NATIVE_COMPRESS_UTIL_H
 #define RL132_TESTS_NATIVE_COMPRESS_UTIL_H
-#include <cstring>
+#include <algorithm>
 #include <vector>
 #include "native_support.h"
 #include "rl132/streams/vimplode.h"
@@ -12,33 +13,23 @@ namespace rlnative {
 typedef std::vector<unsigned char> Bytes;
 
 struct Pipe {
+    explicit Pipe(Rng* r = nullptr, unsigned pc = 0) : rng(r), piece(pc) {}
+    Rng* rng;
+    unsigned piece; // largest piece served; 0 draws a random size per call
     const unsigned char* in = nullptr;
-    size_t inSize = 0;
-    size_t pos = 0;
-    // Pieces are at most this big; 0 draws a fresh random size for every call.
-    unsigned piece = 0;
-    Rng* rng = nullptr;
-    // The work area the engine was given: every write must point inside it.
+    size_t inSize = 0, pos = 0, workSize = 0, outLimit = 0;
     const char* work = nullptr;
-    size_t workSize = 0;
     Bytes out;
-    size_t outLimit = (size_t)-1;
     unsigned badWrites = 0;
-    unsigned reads = 0;
 };
 
 inline unsigned PipeRead(char* buf, unsigned* size, void* param)
 {
     Pipe& p = *static_cast<Pipe*>(param);
-    ++p.reads;
-    size_t n = p.inSize - p.pos;
-    if (n > *size)
-        n = *size;
-    unsigned piece = p.piece ? p.piece : 1 + p.rng->Below(p.rng->Chance(3) ? 7 : 3000);
-    if (n > piece)
-        n = piece;
-    // Exactly the bytes promised are written: a callback that overran the
-    // engine's buffer would hide the engine's own overruns.
+    size_t piece = p.piece ? p.piece : 1 + p.rng->Below(p.rng->Chance(3) ? 7 : 3000);
+    size_t n = std::min(std::min(p.inSize - p.pos, (size_t)*size), piece);
+    // Only the bytes promised: a callback that overran the engine's buffer
+    // would hide the engine's own overruns.
     if (n)
         std::memcpy(buf, p.in + p.pos, n);
     p.pos += n;
@@ -48,93 +39,32 @@ inline unsigned PipeRead(char* buf, unsigned* size, void* param)
 inline void PipeWrite(char* buf, unsigned* size, void* param)
 {
     Pipe& p = *static_cast<Pipe*>(param);
-    if (*size == 0 || buf < p.work || (size_t)(buf - p.work) > p.workSize ||
-        *size > p.workSize - (size_t)(buf - p.work)) {
+    size_t at = (size_t)(buf - p.work);
+    if (*size == 0 || buf < p.work || at > p.workSize || *size > p.workSize - at || p.out.size() + *size > p.outLimit)
         ++p.badWrites;
-        return;
-    }
-    if (p.out.size() + *size > p.outLimit) {
-        ++p.badWrites;
-        return;
-    }
-    p.out.insert(p.out.end(), buf, buf + *size);
+    else
+        p.out.insert(p.out.end(), buf, buf + *size);
 }
 
-// Expands `in` with a work area of exactly EXP_BUFFER_SIZE bytes placed at
-// `misalign` bytes past a heap block's start.
-inline unsigned Explode(const unsigned char* in, size_t n, Rng& rng, Pipe& p, unsigned misalign,
-                        unsigned long long* used)
+// explode (level 0) or implode_level over in[0, n), in a work area of exactly
+// workSize bytes placed `misalign` bytes into its heap block. Output bounds: a
+// copy item takes at least 9 bits and yields at most 518 bytes; compressing
+// grows data at most to 9/8 (binary) or 14/8 (ASCII) plus 5 bytes.
+inline unsigned Feed(Pipe& p, const unsigned char* in, size_t n, unsigned misalign, unsigned level = 0,
+                    unsigned type = 0, unsigned dsize = 0, size_t workSize = EXP_BUFFER_SIZE,
+                    unsigned long long* used = nullptr)
 {
-    Exact block(EXP_BUFFER_SIZE + misalign);
-    char* work = reinterpret_cast<char*>(block.get()) + misalign;
-    p.in = in;
-    p.inSize = n;
-    p.pos = 0;
-    p.rng = &rng;
-    p.work = work;
-    p.workSize = EXP_BUFFER_SIZE;
+    Exact block(workSize + misalign);
+    char* work = reinterpret_cast<char*>(block.p) + misalign;
+    p.in = in, p.inSize = n, p.pos = 0, p.work = work, p.workSize = workSize;
+    p.outLimit = level ? n * (type == CMP_ASCII ? 14 : 9) / 8 + 5 : 518 * (n * 8 / 9 + 1);
     p.out.clear();
+    if (level)
+        return implode_level(PipeRead, PipeWrite, work, (unsigned)workSize, &p, &type, &dsize, level);
     unsigned r = explode(PipeRead, PipeWrite, work, &p);
     if (used)
         *used = explode_used(work);
     return r;
-}
-
-// Compresses `in`; the work area is exactly `workSize` bytes.
-inline unsigned Implode(const unsigned char* in, size_t n, Rng& rng, Pipe& p, unsigned type,
-                        unsigned dsize, unsigned level, unsigned workSize, unsigned misalign)
-{
-    Exact block(workSize + misalign);
-    char* work = reinterpret_cast<char*>(block.get()) + misalign;
-    p.in = in;
-    p.inSize = n;
-    p.pos = 0;
-    p.rng = &rng;
-    p.work = work;
-    p.workSize = workSize;
-    p.out.clear();
-    return implode_level(PipeRead, PipeWrite, work, workSize, &p, &type, &dsize, level);
-}
-
-// Test data of several kinds: noise, small alphabets, long runs, text-like
-// words and mixtures, which drive the match finders down different paths.
-inline Bytes MakeData(Rng& rng, size_t n)
-{
-    Bytes d(n);
-    unsigned kind = rng.Below(5);
-    static const char* const kWords[] = {"the ", "colour ", "palette ", "row ", "image\r\n", "AIAIA",
-                                         "0000", "\t", "implode ", "zzzzzzzz"};
-    size_t i = 0;
-    while (i < n) {
-        switch (kind) {
-        case 0: d[i++] = rng.Byte(); break;
-        case 1: d[i++] = (unsigned char)('a' + rng.Below(4)); break;
-        case 2: {
-            unsigned char c = rng.Byte();
-            for (unsigned k = 1 + rng.Below(700); k && i < n; --k)
-                d[i++] = c;
-            break;
-        }
-        case 3: {
-            const char* w = kWords[rng.Below(10)];
-            for (; *w && i < n; ++w)
-                d[i++] = (unsigned char)*w;
-            break;
-        }
-        default: {
-            // Copies of earlier stretches at every distance the window allows.
-            if (i > 16 && rng.Chance(2)) {
-                size_t dist = 1 + rng.Below((unsigned)(i < 5000 ? i : 5000));
-                for (unsigned k = 2 + rng.Below(600); k && i < n; --k, ++i)
-                    d[i] = d[i - dist];
-            } else {
-                d[i++] = rng.Byte();
-            }
-            break;
-        }
-        }
-    }
-    return d;
 }
 
 } // namespace rlnative

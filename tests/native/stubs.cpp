@@ -1,18 +1,12 @@
-// Stand-ins for the library services the kernels call, for the native build.
-// The real ones talk to the debugger, the global heap and the Pantone DLL; here
-// trace lines are counted, memory comes from malloc (so AddressSanitizer sees
-// every block), and Pantone references never resolve, as when the colour
-// library is missing.
+// Stand-ins for the library services the kernels call, for the native build:
+// trace lines are read through and dropped, memory comes from malloc (so
+// AddressSanitizer sees every block), and Pantone references never resolve, as
+// when the colour library is missing.
 #include <cstdio>
 #include <cstdlib>
 #include "rl132/attributes/vcolour.h"
 #include "rl132/core/vmem.h"
 #include "rl132/core/vtrace.h"
-#include "native_support.h"
-
-namespace rlnative {
-unsigned long gTraceLines = 0;
-}
 
 void vTrace(unsigned short, const char* text)
 {
@@ -20,8 +14,6 @@ void vTrace(unsigned short, const char* text)
     volatile unsigned long n = 0;
     for (const char* p = text; *p; ++p)
         n = n + 1;
-    (void)n;
-    ++rlnative::gTraceLines;
 }
 
 void vAssertFailed(const char* expression, unsigned short line)
@@ -37,9 +29,4 @@ void* vMemShrink(void* p, unsigned long size) { return vMemRealloc(p, size); }
 void* vMemExpand(void* p, unsigned long size) { return vMemRealloc(p, size); }
 int vMemCheckPtr(void*) { return 1; }
 
-// The answer of the real lookup when the colour library cannot be loaded: an
-// empty Pantone reference with the tint and spot flag kept.
-vCOLOUR vCOLOUR::PantToRgb() const
-{
-    return Make(vPANTONE, 0, tint, flags & SPOT_FLAG);
-}
+vCOLOUR vCOLOUR::PantToRgb() const { return Make(vPANTONE, 0, tint, flags & SPOT_FLAG); }
