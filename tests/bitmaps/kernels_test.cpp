@@ -1,5 +1,5 @@
 // The DIB row kernels, the dither and the stepping, tested directly. The kernels
-// are private to the DLL, so their sources are compiled into this program.
+// are private to the DLL; this program links their objects directly.
 #include <gtest/gtest.h>
 #include <cmath>
 #include <cstdlib>
