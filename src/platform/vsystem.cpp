@@ -13,7 +13,6 @@ int gExceptionFlag = 0;
 // overflowing into the other, but the layout is part of the frame.
 unsigned char gBuffers[2 * 1024];
 vMESSAGEBOXPROC gMessageBoxProc = nullptr;
-vSYSTEM* gSystemPointer = nullptr;
 }
 
 unsigned int vSYSTEM::uAppMessage = 0;
@@ -94,8 +93,8 @@ struct vSYSTEMENTRY {
         wsprintfA(line, "DllMain in RL1: %X", (unsigned)(UINT_PTR)instance);
         vTrace(0, line);
 
+        // The system object is a static, so its address needs no recording.
         gSystem.hInstance = instance;
-        gSystemPointer = &gSystem;
 
         // Always the English entries: the box may be needed before anything else works.
         if (gDefaultException.pSevere)

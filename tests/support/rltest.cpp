@@ -82,18 +82,12 @@ std::string TempPath(const char* stem)
 
 } // namespace rltest
 
-// Installed before any test runs, so no library box can wait for a person.
-class BoxEnvironment : public ::testing::Environment {
-public:
-    void SetUp() override { vSYSTEM::SetMessageBoxProc(rltest::AnswerBox); }
-};
-
 int main(int argc, char** argv)
 {
     // Windows' own error boxes (missing DLL, critical errors) must not wait either.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+    // Installed before any test runs, so no library box can wait for a person.
     vSYSTEM::SetMessageBoxProc(rltest::AnswerBox);
     ::testing::InitGoogleTest(&argc, argv);
-    ::testing::AddGlobalTestEnvironment(new BoxEnvironment);
     return RUN_ALL_TESTS();
 }
