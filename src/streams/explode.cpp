@@ -44,15 +44,16 @@ static_assert(sizeof(ExplodeState) + 8 <= EXP_BUFFER_SIZE, "expander state excee
 
 enum Result { kDone, kCorrupt };
 
-// Reads until the input buffer holds at least 8 bytes or the input ends.
-void FillInput(ExplodeState& s)
+// Reads until the input buffer holds at least `need` bytes or the input ends;
+// each read asks for all the room there is.
+void FillInput(ExplodeState& s, unsigned need = 8)
 {
     if (s.inPos > 0) {
         memmove(s.in, s.in + s.inPos, s.inEnd - s.inPos);
         s.inEnd -= s.inPos;
         s.inPos = 0;
     }
-    while (!s.eof && s.inEnd < 8) {
+    while (!s.eof && s.inEnd < need) {
         unsigned want = kInSize - s.inEnd;
         unsigned got = s.read(reinterpret_cast<char*>(s.in + s.inEnd), &want, s.param);
         if (got == 0) {
@@ -222,17 +223,7 @@ unsigned int explode(vIMPLODEREAD read, vIMPLODEWRITE write, char* work, void* p
 
     // Ask for a full buffer first; a short answer is topped up until five
     // bytes (header and the shortest item stream) are in hand.
-    while (!s.eof && s.inEnd < 5) {
-        unsigned want = kInSize - s.inEnd;
-        unsigned got = read(reinterpret_cast<char*>(s.in + s.inEnd), &want, param);
-        if (got == 0) {
-            s.eof = true;
-        } else {
-            got = got > want ? want : got;
-            s.inEnd += got;
-            s.readTotal += got;
-        }
-    }
+    FillInput(s, 5);
     s.used = s.inEnd;
     if (s.inEnd < 5)
         return CMP_BAD_DATA;
