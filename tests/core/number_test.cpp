@@ -82,14 +82,12 @@ TEST(Number, RoundingAroundEveryIntegerAndHalf)
 
 TEST(Number, Products)
 {
-    // The result is negated unless the raw values' XOR is positive.
-    EXPECT_EQ(Raw(vREAL(2) * vREAL(2)), -4 * kOne);
-    EXPECT_EQ(Raw(vINT(2L) * vREAL(-0.5)), -3 * kOne);
     std::vector<int32_t> v = InterestingRaws(7, 6000);
     std::mt19937 gen(17);
     for (size_t i = 0; i < v.size(); ++i) {
         for (size_t j : { i, (i * 31 + 5) % v.size() }) {
             int32_t a = v[i], b = v[j];
+            // Negated unless the raw values' XOR is positive.
             uint32_t mag = (uint32_t)((Mag(a) * Mag(b)) >> 16);
             long expect = (a ^ b) > 0 ? Wrap(mag) : Wrap(-(int64_t)mag);
             ASSERT_EQ(Raw(R(a) * R(b)), expect) << a << " * " << b;
@@ -111,10 +109,6 @@ TEST(Number, SaturatingDivision)
     EXPECT_EQ(Raw(vREAL(-3) / vREAL(0)), (long)(int32_t)0x80000001u);
     EXPECT_EQ(Raw(vREAL(1) / vINT(0L)), (long)INT32_MIN);   // infinity cannot convert
     EXPECT_EQ((vINT(7L) / vINT(0L))(), 0);                   // no processor fault
-    // The early stop: 2.99998 / 1 has fraction bits that are all ones and
-    // comes out as 2.0; from a zero whole number the quotient wraps below 0.
-    EXPECT_EQ(Raw(R(3 * kOne - 1) / vREAL(1)), 2 * kOne);
-    EXPECT_EQ(Raw(R(kOne - 1) / R(kOne + 1)), -1);
 
     std::vector<int32_t> v = InterestingRaws(13, 8000);
     std::mt19937 gen(19);
@@ -198,6 +192,5 @@ TEST(Number, TableSineCosineAndLog)
     // The cosine's +90 wraps in 16 bits: Cos(32767) is the sine of -279 degrees.
     EXPECT_EQ(Cos(32767), Sin(81));
     EXPECT_EQ(Log(255), 63);
-    EXPECT_EQ(Log(-32768), 0);   // clamped, never a read outside the table
     EXPECT_EQ(Log(32767), 64);
 }
