@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <vector>
 #include "rl132.h"
 #include "rltest.h"
@@ -40,53 +39,37 @@ void StandIn(const char* library, const char* mode)
 }
 } // namespace
 
-// Each figure was worked through the integer recipes by hand. Targets: r, h, k
-// are the value of RGBFormat, HLSFormat, CMYKFormat; R, H, K what the component
-// readers give, which also apply the tint.
+// Each figure was worked through the integer recipes by hand, one row per
+// branch. Targets: r, h, k are the value of RGBFormat, HLSFormat, CMYKFormat;
+// R, H, K what the component readers give, which also apply the tint.
 TEST(Colour, ConversionsWorkedByHand)
 {
     const struct { vCOLOUR from; char to; unsigned long want; } cases[] = {
-        {Rgb(255, 0, 0), 'h', Pack(0, 50, 100)},     {Rgb(0, 255, 0), 'h', Pack(120, 50, 100)},
-        {Rgb(0, 0, 255), 'h', Pack(240, 50, 100)},   {Rgb(255, 0, 255), 'h', Pack(44, 50, 100)},  // 300 - 256
-        {Rgb(0, 0, 0), 'h', 0},                      {Rgb(255, 255, 255), 'h', Pack(0, 100, 0)},
-        {Rgb(128, 128, 128), 'h', Pack(0, 50, 0)},   {Rgb(8, 7, 0), 'h', Pack(52, 2, 100)},  // 7.5 rounds up
+        {Rgb(255, 0, 0), 'h', Pack(0, 50, 100)},     {Rgb(0, 0, 255), 'h', Pack(240, 50, 100)},
+        {Rgb(255, 0, 255), 'h', Pack(44, 50, 100)},  {Rgb(128, 128, 128), 'h', Pack(0, 50, 0)},  // 300 - 256
+        {Rgb(8, 7, 0), 'h', Pack(52, 2, 100)},       {Rgb(30, 200, 100), 'h', Pack(145, 45, 74)},  // 7.5 rounds up
         {Rgb(100, 50, 50), 'h', Pack(0, 29, 33)},    {Rgb(255, 200, 200), 'h', Pack(0, 89, 100)},  // dark, light
-        {Rgb(30, 200, 100), 'h', Pack(145, 45, 74)}, {Rgb(60, 20, 220), 'h', Pack(252, 47, 83)},
-        {Rgb(200, 60, 220), 'h', Pack(36, 55, 70)},  {Rgb(250, 10, 100), 'h', Pack(82, 51, 96)},  // 292, 338 deg
-        {Cmyk(0, 100, 100, 0, 70), 'h', Pack(0, 65, 100)},  // the tinted inks give (255, 77, 77) first
 
-        {Hls(0, 50, 100), 'r', Pack(255, 0, 0)},     {Hls(240, 50, 100), 'r', Pack(0, 0, 255)},
-        {Hls(0, 50, 0), 'r', Pack(128, 128, 128)},   {Hls(77, 100, 0), 'r', Pack(255, 255, 255)},
-        {Hls(44, 50, 100), 'r', Pack(255, 186, 0)},  {Rgb(255, 0, 255).HLSFormat(), 'r', Pack(255, 186, 0)},
-        {Rgb(100, 100, 100).HLSFormat(), 'r', Pack(99, 99, 99)},  // 39 % loses a step
-        {Hls(30, 75, 50), 'r', Pack(222, 191, 161)}, {Hls(200, 70, 40), 'r', Pack(148, 189, 209)},
-        {Hls(250, 30, 60), 'r', Pack(46, 31, 122)},  // red's hue 370 comes back to 10
+        {Hls(0, 50, 0), 'r', Pack(128, 128, 128)},   {Hls(44, 50, 100), 'r', Pack(255, 186, 0)},
+        {Hls(30, 75, 50), 'r', Pack(222, 191, 161)}, {Hls(250, 30, 60), 'r', Pack(46, 31, 122)},  // hue 370 is 10
 
-        {Rgb(255, 255, 255), 'k', 0},                 {Rgb(255, 0, 0), 'k', Pack(0, 100, 100, 0)},
+        {Rgb(51, 102, 204), 'k', Pack(60, 40, 0, 20)},
         {Rgb(128, 128, 128), 'k', Pack(0, 0, 0, 50)}, {Rgb(126, 126, 126), 'k', Pack(0, 0, 0, 50)},  // 100, 101 half-%
-        {Rgb(128, 64, 0), 'k', Pack(0, 25, 50, 50)},  {Rgb(51, 102, 204), 'k', Pack(60, 40, 0, 20)},
-        {Rgb(10, 250, 133), 'k', Pack(94, 0, 46, 2)}, {Hls(145, 45, 74), 'k', Pack(66, 0, 38, 22)},
 
-        {Cmyk(0, 0, 0, 0), 'r', Pack(255, 255, 255)}, {Cmyk(0, 100, 100, 0), 'r', Pack(255, 0, 0)},
-        {Cmyk(50, 0, 0, 0), 'r', Pack(128, 255, 255)}, {Cmyk(200, 0, 0, 0), 'r', Pack(0, 255, 255)},  // no clip
-        {Cmyk(20, 40, 60, 10), 'r', Pack(179, 128, 77)}, {Cmyk(90, 85, 80, 30), 'r', Pack(0, 1, 13)},
+        {Cmyk(20, 40, 60, 10), 'r', Pack(179, 128, 77)}, {Cmyk(200, 0, 0, 0), 'r', Pack(0, 255, 255)},  // no clip
         // Past 600 the black is halved: 79 % grey with 20 % black is lighter than 78 %.
-        {Cmyk(78, 78, 78, 20), 'R', Pack(6, 6, 6)},    {Cmyk(78, 79, 79, 20), 'R', Pack(6, 3, 3)},  // 594, 600
-        {Cmyk(79, 79, 79, 20), 'R', Pack(29, 29, 29)}, {Cmyk(80, 80, 80, 20), 'R', Pack(26, 26, 26)},
+        {Cmyk(78, 79, 79, 20), 'R', Pack(6, 3, 3)},    {Cmyk(79, 79, 79, 20), 'R', Pack(29, 29, 29)},
 
         // RGB tints lighten each channel toward white; out of range clamps.
-        {Rgb(255, 0, 0, 50), 'R', Pack(255, 127, 127)},   {Rgb(0, 100, 255, 0), 'R', Pack(255, 255, 255)},
-        {Rgb(0, 100, 255, 1), 'R', Pack(252, 253, 255)},  {Rgb(0, 100, 255, 50), 'R', Pack(127, 177, 255)},
-        {Rgb(0, 100, 255, 99), 'R', Pack(2, 101, 255)},   {Rgb(0, 100, 255, 100), 'R', Pack(0, 100, 255)},
+        {Rgb(0, 100, 255, 1), 'R', Pack(252, 253, 255)},  {Rgb(0, 100, 255, 99), 'R', Pack(2, 101, 255)},
         {Rgb(0, 100, 255, 250), 'R', Pack(0, 100, 255)},  {Rgb(0, 100, 255, -3), 'R', Pack(255, 255, 255)},
-        {Rgb(0, 0, 0, 60), 'K', Pack(0, 0, 0, 60)},
         // CMYK tints twice: the inks thin (red 128), then the reader lightens again; once gives 127.
         {Cmyk(100, 0, 0, 0, 50), 'r', Pack(128, 255, 255)}, {Cmyk(100, 0, 0, 0, 50), 'R', Pack(191, 255, 255)},
         {Cmyk(100, 0, 0, 0).RGBFormat().TintFormat(50), 'R', Pack(127, 255, 255)},
-        {Cmyk(20, 40, 60, 10, 60), 'r', Pack(210, 179, 149)}, {Cmyk(20, 40, 60, 10, 60), 'R', Pack(228, 209, 191)},
-        // A tinted HLS colour: RGB readers lighten the result, HLS readers the lightness only.
-        {Hls(0, 50, 100, 40), 'R', Pack(255, 153, 153)}, {Hls(0, 50, 100, 40), 'H', Pack(0, 80, 100)},
-        {Rgb(255, 0, 255, 40).HLSFormat(), 'H', Pack(44, 80, 100)}, {Hls(0, 50, 100, 50), 'K', Pack(0, 50, 50, 0)},
+        // A tinted HLS colour: HLS readers lighten the lightness only, CMYK readers the result.
+        {Hls(0, 50, 100, 40), 'H', Pack(0, 80, 100)}, {Hls(0, 50, 100, 50), 'K', Pack(0, 50, 50, 0)},
+        // A blend steps by signed division, truncating toward zero: 20 - 20/3 = 14.
+        {vCOLOUR(Rgb(10, 0, 20), Rgb(0, 10, 0), 1, 3), 'R', Pack(7, 3, 14)},
     };
     for (const auto& c : cases) {
         unsigned long got = 0;
@@ -103,13 +86,11 @@ TEST(Colour, ConversionsWorkedByHand)
     }
 }
 
-TEST(Colour, FlagsComparisonAndTintFormat)
+TEST(Colour, FlagsComparisonTintFormatAndTintOfBlack)
 {
     EXPECT_EQ(sizeof(vCOLOUR), 8u);
-    EXPECT_TRUE(vCOLOUR() == vCOLOUR(vRGB, 0, 100, 0));
     EXPECT_EQ(vCOLOUR(0x102030L, 5).Flags(), 1);      // the system's own colour
     EXPECT_EQ(vCOLOUR(vCMYK, 1, 100, 9).Flags(), 16);  // the typed form can only mark a spot
-    EXPECT_EQ(vCOLOUR(vRGB, 0, -2147483647L - 1, 0).GetTint(), 0);
     vCOLOUR a = Rgb(1, 2, 3, 60, 1);
     for (const vCOLOUR& other : {Rgb(1, 2, 4, 60, 1), vCOLOUR(vHLS, a.Value(), 60, 1), Rgb(1, 2, 3, 60, 0)})
         EXPECT_TRUE(a != other && !a.EqualsWithoutTint(other));
@@ -118,91 +99,30 @@ TEST(Colour, FlagsComparisonAndTintFormat)
     vCOLOUR sys(0x0000FFL, 1);
     EXPECT_EQ(sys.HLSFormat().Flags() | sys.CMYKFormat().Flags() | sys.PantoneFormat(0).Flags(), 0);
     EXPECT_TRUE(Hls(120, 50, 100, 50, 1).RGBFormat() == Rgb(0, 255, 0, 50, 1));
-    EXPECT_TRUE(sys.TintFormat(100) == sys);
     EXPECT_TRUE(sys.TintFormat(50) == Rgb(255, 0, 0, 50));
 
     // TintFormat scales the present tint, truncating, in a 32-bit product:
     // 100 * 30,000,000 wraps negative and clamps to 0; 100 * 20,000,000 fits.
     const struct { long tint; unsigned long factor; int want; } tints[] = {
-        {80, 0, 0}, {80, 1, 0}, {80, 50, 40}, {80, 99, 79}, {80, 200, 100}, {80, 0xFFFFFFFFUL, 0},
-        {100, 30000000UL, 0}, {100, 20000000UL, 100},
+        {80, 1, 0}, {80, 99, 79}, {80, 200, 100}, {80, 0xFFFFFFFFUL, 0}, {100, 30000000UL, 0}, {100, 20000000UL, 100},
     };
     for (const auto& t : tints)
         EXPECT_TRUE(vCOLOUR(vCMYK, 0x10203040, t.tint, 1).TintFormat(t.factor) ==
                     vCOLOUR(vCMYK, 0x10203040, t.want, 1)) << t.factor;
 
-    // An unknown model reads as zero everywhere and ignores every setter.
-    vCOLOUR u(kUnknown, 0x12345678, 50, 1), v = u;
+    // An unknown model (a stream may bring one) reads as zero everywhere.
+    vCOLOUR u(kUnknown, 0x12345678, 50, 1);
     EXPECT_EQ(RgbOf(u) | HlsOf(u) | CmykOf(u) | u.Marker() | u.PackedRGB(), 0u);
-    EXPECT_TRUE(u.CMYKFormat() == vCOLOUR(vCMYK, 0, 0, 0));
-    v.Red(1);
-    v.Cyan(1);
-    v.Hue(1);
-    v.Marker(1);
-    EXPECT_TRUE(v == u);
-}
+    EXPECT_EQ(u.GreyScale(), 100u);
+    EXPECT_EQ(Rgb(0, 0, 0, 50).GreyScale(), 50u);  // the tint lightens first
 
-TEST(Colour, GreyScaleAndTintOfBlack)
-{
-    EXPECT_EQ(Rgb(128, 128, 128).GreyScale(), 50u);  // (12800 + 127) / 255
-    EXPECT_EQ(Rgb(0, 255, 0).GreyScale(), 41u);
-    EXPECT_EQ(Rgb(0, 0, 0, 50).GreyScale(), 50u);    // the tint lightens first
-    EXPECT_EQ(Cmyk(20, 40, 60, 10, 60).GreyScale(), 17u);
-    EXPECT_EQ(vCOLOUR(kUnknown, 0, 100, 0).GreyScale(), 100u);
-    const struct { vCOLOUR c; bool black; } cases[] = {
-        {Rgb(0, 0, 0, 30), true},        {Rgb(0, 0, 1), false},            {Hls(200, 0, 77), true},
-        {Hls(0, 1, 0), false},           {Cmyk(13, 14, 15, 100), true},    {Cmyk(100, 100, 100, 0), true},
-        {Cmyk(100, 100, 100, 42), true}, {Cmyk(50, 50, 50, 50), true},     {Cmyk(51, 50, 50, 50), false},
-        {Cmyk(50, 50, 50, 49), false},   {Cmyk(0, 0, 0, 99), false},       {Cmyk(100, 100, 99, 0), false},
-        {vCOLOUR(vPANTONE, 0, 100, 0), false}, {vCOLOUR(kUnknown, 0, 100, 0), false},
+    const struct { vCOLOUR c; bool black; } blacks[] = {
+        {Rgb(0, 0, 0, 30), true},      {Rgb(0, 0, 1), false},         {Hls(200, 0, 77), true},
+        {Cmyk(50, 50, 50, 50), true},  {Cmyk(51, 50, 50, 50), false}, {Cmyk(50, 50, 50, 49), false},
+        {Cmyk(13, 14, 15, 100), true}, {Cmyk(100, 100, 99, 0), false}, {vCOLOUR(vPANTONE, 0, 100, 0), false},
     };
-    for (const auto& c : cases)
+    for (const auto& c : blacks)
         EXPECT_EQ(c.c.IsTintOfBlack() != 0, c.black) << c.c.GetNativeFormat() << " " << std::hex << c.c.Value();
-}
-
-TEST(Colour, SettersConvertThereAndBackAndPantoneFieldsAreUnmasked)
-{
-    vCOLOUR red = Hls(0, 50, 100, 30, 1), thin = Cmyk(0, 0, 0, 100, 50), sys(0x00FFFFFFL, 1);
-    red.Blue(255);  // magenta, stored with the wrapped hue
-    thin.Red(0);    // the trip to RGB bakes the tint into the inks; the field stays
-    sys.Black(100);
-    EXPECT_TRUE(red == Hls(44, 50, 100, 30, 1));
-    EXPECT_TRUE(thin == Cmyk(50, 0, 0, 50, 50));
-    EXPECT_TRUE(sys == vCOLOUR(0L, 1));
-
-    // Marker is 14 bits, simtype 6, index 12; a too-wide value carries over.
-    vCOLOUR p(vPANTONE, 0, 100, 0);
-    p.Marker(0x4001);
-    EXPECT_EQ(p.Value(), 0x4001u);
-    p.Marker(0x1234);
-    p.Simtype(0x2A);
-    p.Index(0xABC);
-    EXPECT_EQ(p.Value(), 0xABCA9234u);
-    p.Simtype(0x41);
-    EXPECT_EQ(p.Index(), 0xABD);
-    vCOLOUR before = p;
-    p.Red(200);  // other models' setters leave a reference alone
-    p.Black(50);
-    EXPECT_TRUE(p == before);
-    // No matching toward Pantone: only the colour's own code keeps the reference.
-    EXPECT_TRUE(Rgb(1, 2, 3, 60, 1).PantoneFormat(0) == vCOLOUR(vPANTONE, 0, 60, 1));
-    vCOLOUR ref(vPANTONE, 0x12345678, 70, 1);
-    EXPECT_TRUE(ref.PantoneFormat(0x78) == ref);
-    EXPECT_TRUE(ref.PantoneFormat(0x77) == vCOLOUR(vPANTONE, 0, 0, 0));
-}
-
-TEST(Colour, BlendStepsAlongTheRgbLine)
-{
-    vCOLOUR black, white(255, 255, 255), paleRed(vRGB, 0xFF, 50, 1);
-    EXPECT_EQ(vCOLOUR(white, black, 1, 3).PackedRGB(), Pack(170, 170, 170));
-    // Signed division truncates toward zero: 10 - 10/3 = 7, and 200 - 540/7 = 123.
-    EXPECT_EQ(vCOLOUR(Rgb(10, 0, 20), Rgb(0, 10, 0), 1, 3).PackedRGB(), Pack(7, 3, 14));
-    EXPECT_EQ(vCOLOUR(Rgb(200, 10, 100), Rgb(20, 250, 100), 3, 7).Value(), Pack(123, 112, 100));
-    EXPECT_EQ(vCOLOUR(black, white, 2, 1).Red(), 254);  // beyond the ends wraps in the byte
-    EXPECT_EQ(vCOLOUR(black, white, -1, 1).Red(), 1);
-    // The ends are read through their tints and models; the result is plain RGB.
-    EXPECT_TRUE(vCOLOUR(paleRed, Cmyk(100, 0, 0, 0), 1, 2) == Rgb(128, 191, 191));
-    EXPECT_EQ(vCOLOUR(paleRed, Cmyk(100, 0, 0, 0), 1, 0).PackedRGB(), Pack(255, 127, 127));  // no steps: the start
 }
 
 TEST(ColourCube, PropertiesOverTheRgbCube)
@@ -247,11 +167,8 @@ TEST(ColourCube, PropertiesOverTheRgbCube)
         ASSERT_EQ(k.Value() & 0xFFFFFFu, 0u) << v;                          // black ink only
         ASSERT_TRUE(back.Red() == back.Green() && back.Green() == back.Blue());
         ASSERT_NEAR(back.Red(), v, 3) << v;
-    }
-    for (int k = 0; k <= 100; ++k) {
-        vCOLOUR c = Cmyk(0, 0, 0, k).RGBFormat().CMYKFormat();
-        ASSERT_EQ(c.Value() & 0xFFFFFFu, 0u);
-        ASSERT_LE(std::abs(c.Black() - k), 1) << k;
+        vCOLOUR ink = Cmyk(0, 0, 0, v % 101).RGBFormat().CMYKFormat();  // and back from black ink
+        ASSERT_TRUE((ink.Value() & 0xFFFFFFu) == 0 && std::abs(ink.Black() - v % 101) <= 1) << v;
     }
 }
 
@@ -321,27 +238,4 @@ TEST(Colour, StreamFormIsEightBytesValueTypeTintFlags)
         EXPECT_TRUE(back == c);
     }
     EXPECT_EQ(m.Status(), vSTREAM_OK);
-
-    // Type, tint and flags are taken unchecked and harmless to use; an RGB
-    // colour "tinted" past full strength darkens, wrapping within each byte.
-    // A record cut short keeps what arrived and says so.
-    const unsigned char raw[] = {0x10, 0x20, 0x30, 0x40, 9, 200, 0xFF, 0xFF,  0x00, 0x80, 0xFF, 0x00, 0, 200, 0, 0,
-                                 0x10, 0x20, 0x30, 0x40, 9};
-    vMEMSTREAM in, out;
-    in.WriteBlock(raw, sizeof raw);
-    in.MoveFromStart(0);
-    vCOLOUR odd, rgb, cut;
-    odd << in;
-    rgb << in;
-    EXPECT_EQ(odd.PackedRGB(), 0u);
-    EXPECT_EQ(rgb.PackedRGB(), Pack(0x01, 0x01, 0xFF));
-    odd >> out;
-    rgb >> out;
-    ASSERT_EQ(out.Size(), 16u);
-    EXPECT_EQ(memcmp(out.Buffer(), raw, 16), 0);
-    EXPECT_EQ(in.Status(), vSTREAM_OK);
-    cut << in;
-    EXPECT_EQ(cut.Value(), 0x40302010u);
-    EXPECT_EQ((int)cut.GetNativeFormat(), 9);
-    EXPECT_EQ(in.Status(), vSTREAM_SHORTREAD);
 }
