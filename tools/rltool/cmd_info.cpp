@@ -1,5 +1,6 @@
 // rltool info: what a bitmap file holds (headers, palette, resolution), and
 // whether the library reads it.
+#include <windows.h>
 #include <cstdio>
 #include <cstring>
 #include "rl132.h"
