@@ -34,7 +34,6 @@ public:
 
 private:
     friend class vSYSTEM;
-    friend struct vSYSTEMENTRY; // the entry point fills the message buffers
     friend class vAPPFRAME; // the application framework on top of the library
     int HandleException(HWND window);
 
