@@ -12,7 +12,7 @@ vEXCEPTION::vEXCEPTION() { vTrace(1, "vEXCEPTION::vEXCEPTION(...)"); }
 vEXCEPTION::vEXCEPTION(const vEXCEPTION& e) : vOBJECT(e) { vTrace(1, "vEXCEPTION::vEXCEPTION(...)"); }
 vEXCEPTION::~vEXCEPTION() { vTrace(1, "vEXCEPTION::~vEXCEPTION(...)"); }
 
-void* vEXCEPTION::operator new(unsigned int size)
+void* vEXCEPTION::operator new(std::size_t size)
 {
     return rlsys::BlockAllocZeroed(size);
 }
