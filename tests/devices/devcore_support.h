@@ -112,6 +112,8 @@ public:
     using vDEVICE::EndDraw;
     using vDEVICE::Detach;
     using vDEVICE::RegisterScreen;
+    using vDEVICE::ScreenDevice;
+    using vDEVICE::GetScreenPalette;
     using vDEVICE::SetScreenPalette;
     using vDEVICE::PaletteFlag;
 };
