@@ -116,31 +116,6 @@ TEST(DeviceProtocol, FallsBackToTheScreenContext)
     EXPECT_EQ(screen.Count(0xFFFFFF), 16);
 }
 
-TEST(DeviceProtocol, OnlyPaletteDevicesRealiseTheScreenPalette)
-{
-    std::vector<RGBQUAD> cube = CubePalette();
-    LOGPALETTE* lp = (LOGPALETTE*)malloc(sizeof(LOGPALETTE) + 255 * sizeof(PALETTEENTRY));
-    lp->palVersion = 0x300;
-    lp->palNumEntries = 256;
-    for (int i = 0; i < 256; ++i)
-        lp->palPalEntry[i] = {cube[i].rgbRed, cube[i].rgbGreen, cube[i].rgbBlue, 0};
-    HPALETTE pal = CreatePalette(lp);
-    free(lp);
-    SURFACE s(8, 8), other(8, 8);
-    DEVICE d(s.dc), e(other.dc);
-    HPALETTE saved = DEVICE::GetScreenPalette();
-    DEVICE::SetScreenPalette(pal);
-    e.ActivateDC();
-    d.ActivateDC();
-    // A true-colour context reports NUMCOLORS -1: no palette goes in.
-    bool paletteDevice = GetDeviceCaps(s.dc, NUMCOLORS) != -1;
-    EXPECT_EQ(GetCurrentObject(s.dc, OBJ_PAL) == pal, paletteDevice);
-    DEVICE::SetScreenPalette(saved);
-    e.ActivateDC();
-    SelectPalette(s.dc, (HPALETTE)GetStockObject(DEFAULT_PALETTE), FALSE);
-    DeleteObject(pal);
-}
-
 // Pushes and pops run clip area, fill, line, font, both in that order, and a
 // pop brings back all four.
 TEST(DeviceState, PushAndPopStateRestoreAllFourInOneOrder)
