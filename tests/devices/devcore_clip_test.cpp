@@ -8,12 +8,6 @@ using namespace devtest;
 namespace {
 const COLORREF kGreen = RGB(20, 180, 60);
 
-long Map(long l, long origin, long device, long logical)
-{
-    long long n = (long long)(l + origin) * device + (logical + 1) / 2;
-    return (long)(n / logical);
-}
-
 // A solid fill over the whole surface through the device.
 void Flood(vDEVICE& d)
 {

@@ -50,11 +50,6 @@ public:
     int PopFontSpec() override { log += "font "; return DEVICE::PopFontSpec(); }
 };
 
-long Map(long l, long origin, long device, long logical)
-{
-    long long n = (long long)(l + origin) * device + (logical + 1) / 2;
-    return (long)(n / logical);
-}
 } // namespace
 
 // Activating a second device gives the first one's context back, unless the

@@ -12,13 +12,7 @@ namespace {
 // A small deterministic generator (xorshift).
 struct RNG {
     std::uint32_t s = 0x1234567u;
-    std::uint32_t Next()
-    {
-        s ^= s << 13;
-        s ^= s >> 17;
-        s ^= s << 5;
-        return s;
-    }
+    std::uint32_t Next() { return s ^= s << 13, s ^= s >> 17, s ^= s << 5; }
     unsigned Below(unsigned n) { return Next() % n; }
 };
 

@@ -1,6 +1,5 @@
 // On a 256-colour screen: activation realises the screen palette into a
-// palette context when the device takes part, and the one-pixel line path
-// keeps to colours the palette holds.
+// palette context when the device takes part.
 #include <windows.h>
 #include <gtest/gtest.h>
 #include <vector>
@@ -66,34 +65,5 @@ TEST(DevicePalette, ActivationRealisesTheScreenPaletteWhenTheDeviceTakesPart)
     DEVICE::SetScreenPalette(saved);
     db.ActivateDC();
     SelectPalette(a.dc, (HPALETTE)GetStockObject(DEFAULT_PALETTE), FALSE);
-    DeleteObject(pal);
-}
-
-// With the palette realised, the pen path draws a colour the palette holds
-// exactly and refuses one it would only approximate; system colours are
-// never snapped.
-TEST(DevicePalette, PenPathKeepsToColoursThePaletteHolds)
-{
-    HPALETTE pal = CubePalette();
-    SCREENDC a;
-    HPALETTE old = SelectPalette(a.dc, pal, FALSE);
-    RealizePalette(a.dc);
-    {
-        DEVICE da(a.dc);
-        PatBlt(a.dc, 0, 0, 32, 32, WHITENESS);
-        da.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(102, 51, 204), vINT(1L)));
-        EXPECT_TRUE(da.NearestColour(vCOLOUR(102, 51, 204)) == vCOLOUR(102, 51, 204));
-        EXPECT_EQ(da.DrawLine(vPOINT(vINT(2L), vINT(2L)), vPOINT(vINT(20L), vINT(2L))), 1);
-        EXPECT_EQ(GetPixel(a.dc, 20, 2), RGB(102, 51, 204));
-        EXPECT_EQ(GetPixel(a.dc, 21, 2), RGB(255, 255, 255));
-        vCOLOUR odd(100, 7, 9);
-        EXPECT_FALSE(da.NearestColour(odd) == odd);
-        vCOLOUR system((long)RGB(100, 7, 9), 1);
-        EXPECT_TRUE(da.NearestColour(system) == system);
-        da.LineSpec(vLINESPEC(vLT_SOLID, odd, vINT(1L)));
-        EXPECT_EQ(da.DrawLine(vPOINT(vINT(2L), vINT(9L)), vPOINT(vINT(20L), vINT(9L))), 0);
-        EXPECT_EQ(GetPixel(a.dc, 10, 9), RGB(255, 255, 255));
-    }
-    SelectPalette(a.dc, old, FALSE);
     DeleteObject(pal);
 }
