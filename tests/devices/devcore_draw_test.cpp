@@ -86,6 +86,49 @@ TEST(DeviceDraw, RoadsOfTheRenderersAreReportedUndrawn)
     EXPECT_EQ(got.Count(0xFFFFFF), 0);
 }
 
+namespace {
+// Outlines drawn as black GDI frames in place of the outline renderer, so
+// that the order of fill and outline shows in the pixels.
+class FRAMED : public DEVICE {
+public:
+    explicit FRAMED(HDC dc) : DEVICE(dc) {}
+
+private:
+    int LineRect(const vRECT& r) override
+    {
+        vRECT d = LPtoDP(r);
+        RECT g = {d.left(), d.top(), d.right() + 1, d.bottom() + 1};
+        return ::FrameRect(GetRLDC(), &g, (HBRUSH)GetStockObject(BLACK_BRUSH));
+    }
+};
+} // namespace
+
+// The fill goes down first and the outline over it; in fast-update mode the
+// outline alone is drawn, even for "no line".
+TEST(DeviceDraw, OutlineGoesOverTheFillAndAloneInFastUpdate)
+{
+    SURFACE s(32, 32);
+    FRAMED d(s.dc);
+    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(200, 30, 40), vCOLOUR(200, 30, 40)));
+    d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(1L)));
+    EXPECT_EQ(d.DrawRect(R(4, 4, 20, 20)), 1);
+    EXPECT_EQ(s.Pixel(4, 4), 0u);
+    EXPECT_EQ(s.Pixel(10, 10), 0xC81E28u);
+    for (int lineType = 0; lineType < 2; ++lineType) {
+        s.Clear(0xFF);
+        d.LineSpec(vLINESPEC((vLINETYPE)lineType, vCOLOUR(0, 0, 0), vINT(1L)));
+        vDEVICE::FastUpdate(1);
+        EXPECT_EQ(d.DrawRect(R(4, 4, 20, 20)), 1);
+        vDEVICE::FastUpdate(0);
+        EXPECT_EQ(s.Pixel(4, 4), 0u);
+        EXPECT_EQ(s.Pixel(10, 10), 0xFFFFFFu);
+    }
+    s.Clear(0xFF);
+    d.LineSpec(vLINESPEC(vLT_NONE));
+    EXPECT_EQ(d.DrawRect(R(4, 4, 20, 20)), 1);  // the fill alone
+    EXPECT_EQ(s.Pixel(4, 4), 0xC81E28u);
+}
+
 // Arcs, pies and chords go to GDI with a pen of the line width as it stands
 // (not scaled to device units) and, for pies and chords, a brush of the first
 // fill colour; a line type other than solid draws with the null pen.
