@@ -55,6 +55,8 @@ template <class T> bool POLYLIST::Grow(T*& array, std::int32_t& capacity, std::i
     return true;
 }
 
+bool POLYLIST::GrowPoints() { return Grow(points_, capacity_, count_ + 1); }
+
 int POLYLIST::Close(std::int32_t minPoints)
 {
     std::int32_t n = count_ - start_;

@@ -32,7 +32,7 @@ public:
     {
         if (count_ > start_ && points_[count_ - 1] == p)
             return;
-        if (count_ == capacity_ && !Grow(points_, capacity_, count_ + 1))
+        if (count_ == capacity_ && !GrowPoints())
             return;
         points_[count_++] = p;
     }
@@ -55,6 +55,7 @@ public:
 
 private:
     template <class T> bool Grow(T*& array, std::int32_t& capacity, std::int32_t need);
+    bool GrowPoints();
 
     GPOINT* points_;
     std::int32_t count_, capacity_;

@@ -31,7 +31,8 @@ inline std::int32_t Abs32(std::int32_t v) { return v < 0 ? -v : v; }
 // Newton steps with a rounded quotient, stopping on a repeat or after 20
 // steps. For n below 2^31 it is vINT::Sqrt to the bit, which can be one above
 // the floor of the root (15 gives 4). The halving loop is replaced by its
-// closed form: it runs bitlength(n) / 2 times.
+// closed form: it runs bitlength(n) / 2 times. Callers stay below 2^62 (the
+// geometry never passes 2^43), where the root fits the 32-bit result.
 inline std::uint32_t IntSqrt(std::uint64_t n)
 {
     if (n < 2)
@@ -52,9 +53,11 @@ inline std::uint32_t IntSqrt(std::uint64_t n)
         }
         return xn;
     }
+    // (n + x/2) / x taken as n/x + (n%x + x/2) / x, the same quotient without
+    // the sum, which could overflow near 2^64.
     std::uint64_t x = n >> (bits / 2), prev = x, xn = x;
     for (int step = 0; step < 20; ++step) {
-        std::uint64_t q = (n + (x >> 1)) / x;
+        std::uint64_t q = n / x + (n % x + (x >> 1)) / x;
         xn = (q + x) >> 1;
         if (q == xn || xn == prev)
             break;
