@@ -283,15 +283,17 @@ TEST(NativeStroke, DashStretchesFollowThePattern)
         StrokePolyline(st, pts.data(), n, false);
         auto got = Polygons(st.List());
         ASSERT_EQ(want.size(), got.size()) << iter;
-        for (size_t i = 0; i < want.size(); ++i)
+        for (size_t i = 0; i < want.size(); ++i) {
             ASSERT_EQ(want[i].size(), got[i].size()) << iter << " " << i;
+        }
         for (size_t i = 0; i < want.size(); ++i) {
             for (size_t k = 0; k < want[i].size(); ++k)
                 ASSERT_EQ(want[i][k], got[i][k]) << iter << " " << i << " " << k;
         }
         ASSERT_EQ(!want.empty(), st.HasLastPixel());
-        if (!want.empty())
+        if (!want.empty()) {
             ASSERT_EQ(refLast, st.LastPixel());
+        }
     }
 
     // Wide and dashed: one square-ended quadrilateral per dash along a
@@ -378,6 +380,21 @@ TEST(NativeStroke, OctantMasksAndArcs)
             my |= q.y - c.y == c.y - p.y && q.x == p.x;
         }
         EXPECT_TRUE(mx && my) << p.x << "," << p.y;
+    }
+    // The per-outline cache gives the same polygons as the plain arc.
+    for (std::int32_t w = 10; w < 300; w += 7) {
+        InitLineState(Params(1, w, 0, 0), &s);
+        ARCCACHE cache;
+        cache.Reset(s.radius, s.circle);
+        for (int mask = 1; mask < 256; ++mask) {
+            POLYLIST a, b;
+            AppendArc(a, GPOINT{w, -w}, (unsigned char)mask, s.radius, s.circle);
+            cache.Append(b, GPOINT{w, -w}, (unsigned char)mask);
+            cache.Append(b, GPOINT{w, -w}, (unsigned char)mask); // the second from the cache
+            ASSERT_EQ(2 * a.NumPoints(), b.NumPoints());
+            for (std::int32_t i = 0; i < b.NumPoints(); ++i)
+                ASSERT_EQ(a.Points()[i % a.NumPoints()], b.Points()[i]) << w << " " << mask;
+        }
     }
     // Half discs ahead of each axis direction keep the diameter across it.
     list.Clear();

@@ -20,9 +20,13 @@ int LINESTROKER::DottedLineSegment(const GPOINT* p)
     std::int32_t len = CalcDist(s, e);
     OFFSETS o = {0, 0, 0, 0};
     if (st_.method == kMethodPolygons)
-        o = PerpOffsets(dx, dy, st_.width);
-    // |dx|, |dy| < 2^20 and t <= L < 2^21: the products fit easily.
+        o = Offsets(dx, dy);
+    // |dx|, |dy| < 2^20 and t <= L < 2^21: the products fit 64 bits easily,
+    // and 32 bits for a segment shorter than 2^15 on both axes (t·|d| < 2^31).
+    bool narrow = Abs32(dx) < 0x8000 && Abs32(dy) < 0x8000;
     auto at = [&](std::int32_t t) {
+        if (narrow)
+            return GPOINT{s.x + MulDivRound32(dx, t, len), s.y + MulDivRound32(dy, t, len)};
         return GPOINT{s.x + (std::int32_t)MulDivRound64(dx, t, len), s.y + (std::int32_t)MulDivRound64(dy, t, len)};
     };
 

@@ -74,24 +74,102 @@ GPOINT ArcPoint(GPOINT centre, int k, std::int32_t radius, const std::int32_t ci
     return GPOINT{centre.x + x, centre.y - y};
 }
 
-int AppendArc(POLYLIST& list, GPOINT centre, unsigned char mask, std::int32_t radius, const std::int32_t circle[8])
+void BuildArcTable(std::int32_t radius, const std::int32_t circle[8], ARCTABLE* table)
 {
-    bool any = false;
+    for (int k = 0; k < 32; ++k)
+        table->off[k] = ArcPoint(GPOINT{0, 0}, k, radius, circle);
+}
+
+int AppendArc(POLYLIST& list, GPOINT centre, unsigned char mask, const ARCTABLE& table)
+{
+    if (!mask)
+        return 0;
+    // Eight octants of five points and the closing repeat at most.
+    GPOINT* w = list.Room(41);
+    if (!w)
+        return list.Close(kMinPolygon);
+    const GPOINT* open = list.OpenStart();
     GPOINT first{0, 0};
+    bool any = false;
     for (int octant = 0; octant < 8; ++octant) {
         if (!(mask & (1u << octant)))
             continue;
         for (int k = 4 * octant; k <= 4 * octant + 4; ++k) {
-            GPOINT p = ArcPoint(centre, k & 31, radius, circle);
+            const GPOINT& o = table.off[k & 31];
+            GPOINT p{centre.x + o.x, centre.y + o.y};
             if (!any)
                 first = p;
             any = true;
-            list.Add(p);
+            POLYLIST::Put(w, open, p);
         }
     }
-    if (!any)
+    POLYLIST::Put(w, open, first);
+    list.Written(w);
+    return list.Close(kMinPolygon);
+}
+
+int AppendArc(POLYLIST& list, GPOINT centre, unsigned char mask, std::int32_t radius, const std::int32_t circle[8])
+{
+    ARCTABLE table;
+    BuildArcTable(radius, circle, &table);
+    return AppendArc(list, centre, mask, table);
+}
+
+namespace {
+
+// The slot of each mask CalcCircleSegments gives, or -1.
+int ArcSlot(unsigned char mask)
+{
+    switch (mask) {
+    case 0xFF: return 0;
+    case 0x0F: return 1;
+    case 0xF0: return 2;
+    case 0x3C: return 3;
+    case 0xC3: return 4;
+    case 0x3E: return 5;
+    case 0x1F: return 6;
+    case 0x7C: return 7;
+    case 0xF8: return 8;
+    case 0xC7: return 9;
+    case 0x8F: return 10;
+    case 0xE3: return 11;
+    case 0xF1: return 12;
+    default: return -1;
+    }
+}
+
+} // namespace
+
+void ARCCACHE::Reset(std::int32_t radius, const std::int32_t circle[8])
+{
+    BuildArcTable(radius, circle, &table_);
+    built_ = 0;
+}
+
+int ARCCACHE::Append(POLYLIST& list, GPOINT centre, unsigned char mask)
+{
+    int slot = ArcSlot(mask);
+    if (slot < 0)
+        return AppendArc(list, centre, mask, table_);
+    if (!(built_ & (1u << slot))) {
+        // Duplicates depend on the offsets only, so the polygon around (0, 0)
+        // drops the same points as it would around any centre.
+        POLYLIST scratch;
+        AppendArc(scratch, GPOINT{0, 0}, mask, table_);
+        std::int32_t n = scratch.NumPolys() ? scratch.Counts()[0] : 0;
+        for (std::int32_t i = 0; i < n; ++i)
+            off_[slot][i] = scratch.Points()[i];
+        count_[slot] = (std::uint8_t)n;
+        if (!scratch.Failed())
+            built_ |= 1u << slot;
+    }
+    std::int32_t n = count_[slot];
+    GPOINT* w = list.Room(n);
+    if (!w || n == 0)
         return 0;
-    list.Add(first);
+    for (std::int32_t i = 0; i < n; ++i)
+        w[i] = GPOINT{centre.x + off_[slot][i].x, centre.y + off_[slot][i].y};
+    list.Written(w + n);
     return list.Close(kMinPolygon);
 }
 

@@ -23,15 +23,39 @@ namespace rlstroke {
 // direction shorter than 3 pixels on both axes takes the whole circle.
 unsigned char CalcCircleSegments(GPOINT a, GPOINT b);
 
+// One circle point: step k (0 .. 31) of 11.25 degrees around the centre.
+// Radius and offsets are LINESTATE's.
+GPOINT ArcPoint(GPOINT centre, int k, std::int32_t radius, const std::int32_t circle[8]);
+
+// The 32 circle points around (0, 0), built once per outline.
+struct ARCTABLE {
+    GPOINT off[32];
+};
+void BuildArcTable(std::int32_t radius, const std::int32_t circle[8], ARCTABLE* table);
+
 // Appends one polygon: the circle points of every octant whose bit is set,
 // octant by octant in bit order, five points per octant (at 0, 11.25, 22.5,
 // 33.75 and 45 degrees into it, the shared ends dropped as duplicates), then
-// the first point again. Radius and offsets are LINESTATE's. Returns the
-// polygons stored (0 or 1).
+// the first point again. Returns the polygons stored (0 or 1).
+int AppendArc(POLYLIST& list, GPOINT centre, unsigned char mask, const ARCTABLE& table);
 int AppendArc(POLYLIST& list, GPOINT centre, unsigned char mask, std::int32_t radius, const std::int32_t circle[8]);
 
-// One circle point: step k (0 .. 31) of 11.25 degrees around the centre.
-GPOINT ArcPoint(GPOINT centre, int k, std::int32_t radius, const std::int32_t circle[8]);
+// AppendArc for the masks CalcCircleSegments gives, with each mask's
+// offsets, duplicates already dropped, worked out on first use per outline:
+// appending a join or cap is then one copy. Same polygons as AppendArc.
+class ARCCACHE {
+public:
+    ARCCACHE() : built_(0) {}
+    void Reset(std::int32_t radius, const std::int32_t circle[8]);
+    int Append(POLYLIST& list, GPOINT centre, unsigned char mask);
+
+private:
+    enum { kSlots = 13, kMaxPoints = 41 };
+    ARCTABLE table_;
+    std::uint32_t built_;
+    std::uint8_t count_[kSlots];
+    GPOINT off_[kSlots][kMaxPoints];
+};
 
 // Appends the polygon given, reversed when it runs the other way round, and
 // closes it. Returns the polygons stored (0 or 1).

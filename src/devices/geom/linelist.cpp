@@ -55,7 +55,14 @@ template <class T> bool POLYLIST::Grow(T*& array, std::int32_t& capacity, std::i
     return true;
 }
 
-bool POLYLIST::GrowPoints() { return Grow(points_, capacity_, count_ + 1); }
+bool POLYLIST::GrowPoints(std::int32_t more)
+{
+    if (more > kMaxEntries - count_) {
+        failed_ = true;
+        return false;
+    }
+    return Grow(points_, capacity_, count_ + more);
+}
 
 int POLYLIST::Close(std::int32_t minPoints)
 {

@@ -32,7 +32,7 @@ public:
     {
         if (count_ > start_ && points_[count_ - 1] == p)
             return;
-        if (count_ == capacity_ && !GrowPoints())
+        if (count_ == capacity_ && !GrowPoints(1))
             return;
         points_[count_++] = p;
     }
@@ -40,6 +40,25 @@ public:
     // minPoints points, and it is dropped otherwise (and when memory ran out
     // while it was built). Returns 1 when a polygon was stored, else 0.
     int Close(std::int32_t minPoints);
+    // Bulk writing, for the hot paths: Room(n) makes space for n more points
+    // and returns where they go (null when memory ran out); the writer stores
+    // them with Put, which drops duplicates as Add does, and hands the end
+    // back through Written. Keeping the write position in a local lets the
+    // compiler hold it in a register: stores to points could alias count_.
+    GPOINT* Room(std::int32_t n)
+    {
+        if (capacity_ - count_ < n && !GrowPoints(n))
+            return nullptr;
+        return points_ + count_;
+    }
+    // Where the open polygon begins: Put never drops a point written there.
+    const GPOINT* OpenStart() const { return points_ + start_; }
+    static void Put(GPOINT*& w, const GPOINT* open, GPOINT p)
+    {
+        if (w == open || w[-1] != p)
+            *w++ = p;
+    }
+    void Written(const GPOINT* end) { count_ = (std::int32_t)(end - points_); }
     // Drops the polygon being built.
     void Abandon() { count_ = start_; }
     // Points recorded since the last Close (0 when none is open).
@@ -55,7 +74,7 @@ public:
 
 private:
     template <class T> bool Grow(T*& array, std::int32_t& capacity, std::int32_t need);
-    bool GrowPoints();
+    bool GrowPoints(std::int32_t more);
 
     GPOINT* points_;
     std::int32_t count_, capacity_;

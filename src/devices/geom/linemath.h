@@ -90,6 +90,13 @@ inline std::int64_t MulDivRound64(std::int64_t a, std::int64_t b, std::int64_t c
     return ((p < 0) != (c < 0)) ? (p - half) / c : (p + half) / c;
 }
 
+// The same for a product below 2^31 and c > 0, in 32 bits.
+inline std::int32_t MulDivRound32(std::int32_t a, std::int32_t b, std::int32_t c)
+{
+    std::int32_t p = a * b;
+    return p < 0 ? (p - c / 2) / c : (p + c / 2) / c;
+}
+
 // The offsets that widen a straight piece of a line of width w (>= 1) into a
 // quadrilateral: the corners are start + (x1, y1), start − (x2, y2),
 // end − (x2, y2) and end + (x1, y1). (x1, y1) lies on the left of the

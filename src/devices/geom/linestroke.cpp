@@ -44,6 +44,9 @@ LINESTROKER::LINESTROKER()
 void LINESTROKER::Init(const LINEPARAMS& params)
 {
     InitLineState(params, &st_);
+    arc_.Reset(st_.radius, st_.circle);
+    cacheDx_ = cacheDy_ = 0; // never asked: a piece has a direction
+    cacheOff_ = OFFSETS{0, 0, 0, 0};
     contourOpen_ = anyRun_ = inRun_ = startCapPending_ = false;
     first_ = runFrom_ = runEnd_ = startCapFrom_ = GPOINT{0, 0};
     prevEnd_ = prevLeft_ = prevRight_ = prevDir_ = GPOINT{0, 0};
@@ -70,7 +73,7 @@ void LINESTROKER::BeginSegment(GPOINT s)
 
 int LINESTROKER::Cap(GPOINT at, GPOINT from)
 {
-    return AppendArc(list_, at, CalcCircleSegments(from, at), st_.radius, st_.circle);
+    return arc_.Append(list_, at, CalcCircleSegments(from, at));
 }
 
 int LINESTROKER::EmitPiece(GPOINT s, GPOINT e, const OFFSETS& o)
@@ -148,7 +151,7 @@ int LINESTROKER::StraightLineSegment(const GPOINT* p)
         return 0;
     OFFSETS o = {0, 0, 0, 0};
     if (st_.method == kMethodPolygons)
-        o = PerpOffsets(e.x - s.x, e.y - s.y, st_.width);
+        o = Offsets(e.x - s.x, e.y - s.y);
     return EmitPiece(s, e, o);
 }
 
@@ -174,9 +177,13 @@ int LINESTROKER::ThickLineSegment(const GPOINT* p, const OFFSETS& o)
         }
     }
     st_.continuing = 1;
-    for (int i = 0; i < 4; ++i)
-        list_.Add(q[i]);
-    list_.Add(q[0]);
+    if (GPOINT* w = list_.Room(5)) {
+        const GPOINT* open = list_.OpenStart();
+        for (int i = 0; i < 4; ++i)
+            POLYLIST::Put(w, open, q[i]);
+        POLYLIST::Put(w, open, q[0]);
+        list_.Written(w);
+    }
     polys += list_.Close(kMinPolygon);
     prevEnd_ = e;
     prevLeft_ = q[3];
@@ -204,12 +211,12 @@ int LINESTROKER::CornerSegment(const GPOINT* p)
     if (cross == 0) {
         bool reversal = (std::int64_t)din.x * dout.x + (std::int64_t)din.y * dout.y < 0;
         if (reversal && st_.cornerType == 0)
-            return AppendArc(list_, p1, CalcCircleSegments(p0, p1), st_.radius, st_.circle);
+            return arc_.Append(list_, p1, CalcCircleSegments(p0, p1));
         return 0;
     }
     if (st_.cornerType == 0)
-        return AppendArc(list_, p1, CalcCircleSegments(p0, p1), st_.radius, st_.circle);
-    OFFSETS oi = PerpOffsets(din.x, din.y, st_.width), oo = PerpOffsets(dout.x, dout.y, st_.width);
+        return arc_.Append(list_, p1, CalcCircleSegments(p0, p1));
+    OFFSETS oi = Offsets(din.x, din.y), oo = Offsets(dout.x, dout.y);
     GPOINT a, b;
     if (cross > 0) {
         a = Add(p1, oi.x1, oi.y1);

@@ -42,6 +42,7 @@
 #define RL132_SRC_DEVICES_GEOM_LINESTROKE_H
 #include <cstdint>
 #include "devices/geom/gpoint.h"
+#include "devices/geom/joingeom.h"
 #include "devices/geom/linelist.h"
 #include "devices/geom/linemath.h"
 #include "devices/geom/linestate.h"
@@ -92,8 +93,22 @@ private:
     // The line leaves off at the current point: a dash ends.
     int EndRun();
     int Cap(GPOINT at, GPOINT from);
+    // PerpOffsets at this width, remembered for the last direction asked:
+    // the corner after a segment and the segment after a corner ask again.
+    const OFFSETS& Offsets(std::int32_t dx, std::int32_t dy)
+    {
+        if (dx != cacheDx_ || dy != cacheDy_) {
+            cacheDx_ = dx;
+            cacheDy_ = dy;
+            cacheOff_ = PerpOffsets(dx, dy, st_.width);
+        }
+        return cacheOff_;
+    }
 
     LINESTATE st_;
+    ARCCACHE arc_;
+    std::int32_t cacheDx_, cacheDy_;
+    OFFSETS cacheOff_;
     POLYLIST list_;
     BLOCKLIST blocks_;
 
