@@ -69,7 +69,7 @@ inline std::uint32_t IntSqrt(std::uint64_t n)
 
 // The renderers' distance: exact along an axis (|dx| + |dy|, one of them 0),
 // otherwise the library's integer square root of dx² + dy² (vINT::Sqrt; the
-// sum is taken in 64 bits, where the 32-bit original would overflow for
+// sum is taken in 64 bits, where a 32-bit sum would overflow for
 // boxes wider than 46,340 pixels).
 inline std::int32_t CalcDist(GPOINT a, GPOINT b)
 {
@@ -110,8 +110,9 @@ struct OFFSETS {
 // perpendicular's extents are px = w|dy| / L and py = w|dx| / L, each rounded
 // to nearest by adding L / 2 before the division, and each splits like w.
 // The signs put (x1, y1) on the left: x negated for dy < 0, y for dx > 0.
-// dx and dy are exact differences of clamped points (below 2^20); dx = dy = 0
-// is the caller's to avoid.
+// dx and dy are exact differences of clamped points (below 2^20), not cut to
+// 16 bits: a segment longer than 32,767 pixels on an axis keeps its direction.
+// dx = dy = 0 is the caller's to avoid.
 inline OFFSETS PerpOffsets(std::int32_t dx, std::int32_t dy, std::int32_t w)
 {
     std::int32_t px, py;
