@@ -1,0 +1,157 @@
+// Integer helpers shared by the outline and band geometry: the square root,
+// distances, rounded divisions and the perpendicular offsets of a wide line.
+//
+// Plain C++ with no Windows headers (built natively for sanitizers too).
+//
+// Coordinates: the walk hands over device pixels that fit 16 bits, but any
+// 32-bit point may reach us. Everything here first clamps a coordinate to
+// ±kCoordLimit (2^18, eight times the 16-bit range and far beyond anything the
+// platform draws), so that differences fit 20 bits, squared lengths 41 bits and
+// every product below a signed 64-bit value; inside the 16-bit range the
+// clamp never changes a point.
+#ifndef RL132_SRC_DEVICES_GEOM_LINEMATH_H
+#define RL132_SRC_DEVICES_GEOM_LINEMATH_H
+#include <cstdint>
+#include "devices/geom/gpoint.h"
+
+namespace rlstroke {
+
+enum : std::int32_t { kCoordLimit = 1 << 18 };
+
+inline std::int32_t ClampCoord(std::int32_t v)
+{
+    return v < -kCoordLimit ? -kCoordLimit : v > kCoordLimit ? (std::int32_t)kCoordLimit : v;
+}
+inline GPOINT ClampPoint(GPOINT p) { return GPOINT{ClampCoord(p.x), ClampCoord(p.y)}; }
+
+inline std::int32_t Abs32(std::int32_t v) { return v < 0 ? -v : v; }
+
+// The library's integer square root (vINT::Sqrt) extended to 64-bit
+// arguments: the same start (x halved for every quartering of n) and the same
+// Newton steps with a rounded quotient, stopping on a repeat or after 20
+// steps. For n below 2^31 it is vINT::Sqrt to the bit, which can be one above
+// the floor of the root (15 gives 4). The halving loop is replaced by its
+// closed form: it runs bitlength(n) / 2 times. Callers stay below 2^62 (the
+// geometry never passes 2^43), where the root fits the 32-bit result.
+inline std::uint32_t IntSqrt(std::uint64_t n)
+{
+    if (n < 2)
+        return (std::uint32_t)n;
+    int bits = 64 - __builtin_clzll(n);
+    if (n < 0x80000000u) {
+        // 32-bit steps: n + x/2 cannot overflow below 2^31, and the division
+        // stays a single instruction on a 32-bit processor.
+        std::uint32_t n32 = (std::uint32_t)n;
+        std::uint32_t x = n32 >> (bits / 2), prev = x, xn = x;
+        for (int step = 0; step < 20; ++step) {
+            std::uint32_t q = (n32 + (x >> 1)) / x;
+            xn = (q + x) >> 1;
+            if (q == xn || xn == prev)
+                break;
+            prev = xn;
+            x = xn;
+        }
+        return xn;
+    }
+    // (n + x/2) / x taken as n/x + (n%x + x/2) / x, the same quotient without
+    // the sum, which could overflow near 2^64.
+    std::uint64_t x = n >> (bits / 2), prev = x, xn = x;
+    for (int step = 0; step < 20; ++step) {
+        std::uint64_t q = n / x + (n % x + (x >> 1)) / x;
+        xn = (q + x) >> 1;
+        if (q == xn || xn == prev)
+            break;
+        prev = xn;
+        x = xn;
+    }
+    return (std::uint32_t)xn;
+}
+
+// The renderers' distance: exact along an axis (|dx| + |dy|, one of them 0),
+// otherwise the library's integer square root of dx² + dy² (vINT::Sqrt; the
+// sum is taken in 64 bits, where a 32-bit sum would overflow for
+// boxes wider than 46,340 pixels).
+inline std::int32_t CalcDist(GPOINT a, GPOINT b)
+{
+    a = ClampPoint(a);
+    b = ClampPoint(b);
+    std::int64_t dx = (std::int64_t)b.x - a.x, dy = (std::int64_t)b.y - a.y;
+    if (dx == 0 || dy == 0)
+        return (std::int32_t)((dx < 0 ? -dx : dx) + (dy < 0 ? -dy : dy));
+    return (std::int32_t)IntSqrt((std::uint64_t)(dx * dx) + (std::uint64_t)(dy * dy));
+}
+
+// a × b / c rounded half away from zero, the platform MulDiv's rounding, on
+// 64-bit values (the caller keeps |a × b| below 2^62). c must not be 0.
+inline std::int64_t MulDivRound64(std::int64_t a, std::int64_t b, std::int64_t c)
+{
+    std::int64_t p = a * b;
+    std::int64_t half = (c < 0 ? -c : c) / 2;
+    return ((p < 0) != (c < 0)) ? (p - half) / c : (p + half) / c;
+}
+
+// The same for a product below 2^31 and c > 0, in 32 bits.
+inline std::int32_t MulDivRound32(std::int32_t a, std::int32_t b, std::int32_t c)
+{
+    std::int32_t p = a * b;
+    return p < 0 ? (p - c / 2) / c : (p + c / 2) / c;
+}
+
+// The offsets that widen a straight piece of a line of width w (>= 1) into a
+// quadrilateral: the corners are start + (x1, y1), start − (x2, y2),
+// end − (x2, y2) and end + (x1, y1). (x1, y1) lies on the left of the
+// direction of travel as seen on the screen (y down), −(x2, y2) on the right.
+struct OFFSETS {
+    std::int32_t x1, y1, x2, y2;
+};
+
+// The perpendicular rule. Along an axis the width splits into w >> 1 on the
+// left and the rest on the right. Otherwise, with L the rounded length, the
+// perpendicular's extents are px = w|dy| / L and py = w|dx| / L, each rounded
+// to nearest by adding L / 2 before the division, and each splits like w.
+// The signs put (x1, y1) on the left: x negated for dy < 0, y for dx > 0.
+// dx and dy are exact differences of clamped points (below 2^20), not cut to
+// 16 bits: a segment longer than 32,767 pixels on an axis keeps its direction.
+// dx = dy = 0 is the caller's to avoid.
+inline OFFSETS PerpOffsets(std::int32_t dx, std::int32_t dy, std::int32_t w)
+{
+    std::int32_t px, py;
+    if (dx == 0) {
+        px = w;
+        py = 0;
+    } else if (dy == 0) {
+        px = 0;
+        py = w;
+    } else {
+        std::uint32_t ax = (std::uint32_t)Abs32(dx), ay = (std::uint32_t)Abs32(dy);
+        if (ax < 0x8000u && ay < 0x8000u) {
+            // Both below 2^15: the sum of squares and w × |d| (w < 2^15)
+            // stay below 2^31, so everything stays in 32 bits.
+            std::uint32_t len = IntSqrt(ax * ax + ay * ay);
+            px = (std::int32_t)(((std::uint32_t)w * ay + len / 2) / len);
+            py = (std::int32_t)((ax * (std::uint32_t)w + len / 2) / len);
+        } else {
+            std::uint64_t len = IntSqrt((std::uint64_t)ax * ax + (std::uint64_t)ay * ay);
+            px = (std::int32_t)(((std::uint64_t)w * ay + len / 2) / len);
+            py = (std::int32_t)(((std::uint64_t)ax * w + len / 2) / len);
+        }
+    }
+    OFFSETS o;
+    o.x1 = px >> 1;
+    o.x2 = px - o.x1;
+    o.y1 = py >> 1;
+    o.y2 = py - o.y1;
+    if (dy < 0) {
+        o.x1 = -o.x1;
+        o.x2 = -o.x2;
+    }
+    if (dx > 0) {
+        o.y1 = -o.y1;
+        o.y2 = -o.y2;
+    }
+    return o;
+}
+
+} // namespace rlstroke
+
+#endif

@@ -1,0 +1,78 @@
+// Speed of the outline geometry: a 100,000-segment polyline (a random walk
+// with turns of up to 60 degrees, 5 to 40 pixels a step) stroked as the shape
+// walk would drive it, at widths 1, 3 and 12 with round joins, and 12 dashed.
+// Time is the thread's processor time, so that other work on a shared
+// machine does not count. Built optimised and without the sanitizers (native/CMakeLists.txt:
+// `cmake --build build-native --target stroke_bench`); not part of the tests.
+#include <ctime>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+#include "native_support.h"
+#include "stroke_drive.h"
+
+// The memory layer, for this program alone.
+void* vMemAlloc(unsigned long size) { return std::malloc(size ? size : 1); }
+void vMemFree(void* p) { std::free(p); }
+void* vMemRealloc(void* p, unsigned long size) { return std::realloc(p, size ? size : 1); }
+
+static double CpuSeconds()
+{
+    timespec t;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return t.tv_sec + t.tv_nsec * 1e-9;
+}
+
+int main()
+{
+    using namespace rlstroke;
+    const int kSegments = 100000;
+    rlnative::Rng rng(1);
+    std::vector<GPOINT> pts;
+    double x = 0, y = 0, heading = 0;
+    for (int i = 0; i <= kSegments; ++i) {
+        pts.push_back(GPOINT{(std::int32_t)std::lround(x), (std::int32_t)std::lround(y)});
+        heading += ((double)rng.Below(1201) - 600) / 10 * 3.14159265358979 / 180;
+        double step = 5 + rng.Below(36);
+        x = std::fmod(x + step * std::cos(heading) + 30000, 30000.0);
+        y = std::fmod(y + step * std::sin(heading) + 30000, 30000.0);
+    }
+    struct Case {
+        const char* name;
+        int lineType, corner, dash;
+        std::int32_t width;
+        std::uint32_t rgb;
+    } cases[] = {
+        {"width 1, pen", 1, 2, 0, 1, 0x000000},
+        {"width 3, pen", 1, 2, 0, 3, 0x000000},
+        {"width 3, brush blocks", 1, 2, 0, 3, 0x808080},
+        {"width 12, round joins and caps", 1, 0, 0, 12, 0x000000},
+        {"width 12, mitre joins", 1, 1, 1, 12, 0x000000},
+        {"width 12, dashed 5-3-3-3, round", 4, 0, 0, 12, 0x000000},
+        {"width 12, dashed 5-3-3-3, square", 4, 2, 1, 12, 0x000000},
+    };
+    LINESTROKER st;
+    for (const Case& c : cases) {
+        LINEPARAMS p = {};
+        p.lineType = c.lineType;
+        p.cornerType = c.corner;
+        p.dashType = c.dash;
+        p.width = c.width;
+        p.nearestRGB = c.rgb;
+        const unsigned char pattern[6] = {5, 3, 3, 3, 0, 0};
+        for (int i = 0; i < 6; ++i)
+            p.pattern[i] = pattern[i];
+        double best = 1e30;
+        long points = 0;
+        for (int rep = 0; rep < 7; ++rep) {
+            st.Init(p);
+            double t0 = CpuSeconds();
+            rlnative::StrokePolyline(st, pts.data(), (int)pts.size(), false);
+            best = std::min(best, CpuSeconds() - t0);
+            points = st.List().NumPoints() + st.Blocks().NumBlocks();
+        }
+        std::printf("%-34s %7.1f million segments/s  (%ld points or blocks)\n", c.name, kSegments / best / 1e6, points);
+    }
+    return 0;
+}

@@ -1,0 +1,94 @@
+// Drives an outline stroker the way the shape walk does for a polyline: one
+// segment per edge, the corner member at every joint (the stroker itself
+// ignores straight-on joints), the contour's last point repeated, then the end
+// of the contour. Also a winding-number test for the emitted polygons.
+#ifndef RL132_TESTS_NATIVE_STROKE_DRIVE_H
+#define RL132_TESTS_NATIVE_STROKE_DRIVE_H
+#include <cstdint>
+#include <vector>
+#include "devices/geom/linestroke.h"
+
+namespace rlnative {
+
+using rlstroke::LINESTROKER;
+
+// Returns the sum of the members' results, as the walk passes it on.
+inline unsigned StrokePolyline(LINESTROKER& s, const GPOINT* p, int n, bool closed, bool corners = true)
+{
+    unsigned sum = 0;
+    if (n < 1)
+        return 0;
+    int edges = closed ? n : n - 1;
+    for (int i = 0; i < edges; ++i) {
+        GPOINT seg[2] = {p[i], p[(i + 1) % n]};
+        sum += (unsigned)s.Segment(seg);
+        bool joint = closed || i + 2 < n;
+        if (corners && joint && n > 1) {
+            GPOINT c[4] = {p[i], p[(i + 1) % n], p[(i + 2) % n], p[(i + 1) % n]};
+            sum += (unsigned)s.CornerSegment(c);
+        }
+    }
+    GPOINT last = closed ? p[0] : p[n - 1];
+    GPOINT rep[2] = {last, last};
+    sum += (unsigned)s.Segment(rep);
+    return sum + (unsigned)s.EndOfContour(sum);
+}
+
+// The polygons of a list, each as its own vector (the closing repeat kept).
+inline std::vector<std::vector<GPOINT>> Polygons(const rlstroke::POLYLIST& l)
+{
+    std::vector<std::vector<GPOINT>> out;
+    const GPOINT* p = l.Points();
+    for (std::int32_t i = 0; i < l.NumPolys(); ++i) {
+        out.emplace_back(p, p + l.Counts()[i]);
+        p += l.Counts()[i];
+    }
+    return out;
+}
+
+// Twice the signed area (negative: the outline's turn).
+inline std::int64_t SignedArea2(const std::vector<GPOINT>& q)
+{
+    std::int64_t s = 0;
+    for (size_t i = 0; i + 1 < q.size(); ++i)
+        s += (std::int64_t)q[i].x * q[i + 1].y - (std::int64_t)q[i + 1].x * q[i].y;
+    return s;
+}
+
+// Winding number of point (x, y) (in half-pixel-free doubles) around a closed
+// polygon; a point on an edge counts as inside (returns a large value).
+inline int Winding(const std::vector<GPOINT>& q, double x, double y)
+{
+    int w = 0;
+    for (size_t i = 0; i + 1 < q.size(); ++i) {
+        double ax = q[i].x, ay = q[i].y, bx = q[i + 1].x, by = q[i + 1].y;
+        double cr = (bx - ax) * (y - ay) - (x - ax) * (by - ay);
+        bool within = x >= (ax < bx ? ax : bx) && x <= (ax < bx ? bx : ax) && y >= (ay < by ? ay : by) &&
+                      y <= (ay < by ? by : ay);
+        if (cr == 0 && within)
+            return 1000;
+        if (ay <= y) {
+            if (by > y && cr > 0)
+                ++w;
+        } else if (by <= y && cr < 0) {
+            --w;
+        }
+    }
+    return w;
+}
+
+inline int WindingAll(const std::vector<std::vector<GPOINT>>& polys, double x, double y)
+{
+    int w = 0;
+    for (const auto& q : polys) {
+        int k = Winding(q, x, y);
+        if (k == 1000)
+            return 1000;
+        w += k;
+    }
+    return w;
+}
+
+} // namespace rlnative
+
+#endif

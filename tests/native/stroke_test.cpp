@@ -1,0 +1,617 @@
+// The outline geometry: the square root against the library's, Init's rows,
+// wide pieces and dash stretches against independent computations of their
+// rules, and the properties of the constructions we chose (caps, joins, the
+// mitre limit, the tight-turn fallback) over generated polylines; then a
+// bounded fuzz loop over any points, widths and patterns.
+#include <gtest/gtest.h>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+#include "attributes/vcolourmath.h"
+#include "devices/geom/joingeom.h"
+#include "devices/geom/linestroke.h"
+#include "rl132/core/vnumber.h"
+#include "native_support.h"
+#include "stroke_drive.h"
+
+using namespace rlnative;
+using namespace rlstroke;
+
+namespace {
+
+LINEPARAMS Params(int lineType, std::int32_t width, int corner = 2, int dash = 1, std::uint32_t rgb = 0)
+{
+    LINEPARAMS p = {};
+    p.lineType = lineType;
+    p.cornerType = corner;
+    p.dashType = dash;
+    p.width = width;
+    p.nearestRGB = rgb;
+    return p;
+}
+
+// The floor of the root of a 64-bit value, by bisection on 128-bit squares.
+std::uint64_t FloorRoot(std::uint64_t n)
+{
+    std::uint64_t lo = 0, hi = 1ull << 32;
+    while (hi - lo > 1) {
+        std::uint64_t mid = (lo + hi) / 2;
+        ((unsigned __int128)mid * mid <= n ? lo : hi) = mid;
+    }
+    return lo;
+}
+
+TEST(NativeStroke, SquareRootIsTheLibrarys)
+{
+    Rng rng(3);
+    for (int i = 0; i < 300000; ++i) {
+        std::uint32_t n = i < 70000 ? (std::uint32_t)i : rng.Edgy() & 0x7FFFFFFFu;
+        ASSERT_EQ((std::uint32_t)vINT((long)n).Sqrt()(), IntSqrt(n)) << n;
+        std::uint64_t big = i < 100 ? ~0ull >> (2 + i % 3) : (rng.Next() >> (2 + rng.Below(62))) | 0x80000000ull;
+        std::uint64_t r = IntSqrt(big), f = FloorRoot(big);
+        ASSERT_TRUE(r == f || r == f + 1) << big;
+    }
+}
+
+TEST(NativeStroke, InitRows)
+{
+    struct Row {
+        int lineType;
+        std::int32_t width;
+        int fast, devType;
+        std::uint32_t rgb;
+        int method;
+    } rows[] = {
+        {1, 1, 0, 0, 0x000000, kMethodPen},     // black hairline: the pen
+        {1, 3, 0, 0, 0x808080, kMethodBlocks},  // mid-grey would dither: blocks
+        {1, 3, 0, 0, 0x0FF00F, kMethodPen},     // every channel within 15 of an end
+        {1, 3, 0, 0, 0x10FFFF, kMethodBlocks},  // red 16 is not
+        {1, 2, 0, 0, 0xEF0000, kMethodBlocks},  // blue 239 is not (folds to 16)
+        {1, 3, 1, 0, 0x808080, kMethodPen},     // fast update: always the pen
+        {1, 3, 0, 2, 0x808080, kMethodPen},     // device type 2: the pen
+        {2, 1, 0, 0, 0x808080, kMethodBlocks},  // width 1 is thin whatever the type
+        {2, 2, 0, 0, 0x000000, kMethodPolygons}, // patterned and 2 wide: polygons
+        {1, 4, 0, 0, 0x000000, kMethodPolygons},
+        {1, 0, 0, 0, 0x000000, kMethodPen},     // raised to 1
+        {1, -5, 0, 0, 0x000000, kMethodPen},
+    };
+    for (const Row& r : rows) {
+        LINEPARAMS p = Params(r.lineType, r.width, 2, 1, r.rgb);
+        p.fastUpdate = r.fast;
+        p.deviceType = r.devType;
+        LINESTATE s;
+        InitLineState(p, &s);
+        EXPECT_EQ(r.method, s.method) << r.width << " " << std::hex << r.rgb;
+        EXPECT_GE(s.width, 1);
+        EXPECT_EQ(1, s.firstMove);
+    }
+
+    // Dash type 2, pattern (4, 2, ...) at width 6: units of 3, the dash grows
+    // by the width to 18 and the gap becomes 18 - 6.
+    LINEPARAMS p = Params(6, 6, 2, 2);
+    const unsigned char pat[6] = {4, 2, 3, 0, 0, 7};
+    std::copy(pat, pat + 6, p.pattern);
+    LINESTATE s;
+    InitLineState(p, &s);
+    const std::int32_t want[6] = {18, 12, 15, 9, 0, 21};
+    for (int i = 0; i < 6; ++i)
+        EXPECT_EQ(want[i], s.dash[i]) << i;
+    EXPECT_EQ(18, s.dashRemaining);
+    EXPECT_EQ(1, s.dashType); // narrow wide line: forced square
+    EXPECT_EQ(2, s.cornerType);
+    EXPECT_TRUE(s.dashed);
+    p.dashType = 1;
+    InitLineState(p, &s);
+    EXPECT_EQ(12, s.dash[0]);
+    EXPECT_EQ(6, s.dash[1]);
+    std::fill(p.pattern, p.pattern + 6, 0);
+    InitLineState(p, &s);
+    EXPECT_FALSE(s.dashed); // nothing to cut: drawn solid
+
+    // Narrow wide lines lose round joins and caps; mitres stay.
+    const int corners[][3] = {{8, 0, 2}, {8, 1, 1}, {8, 3, 2}, {12, 0, 0}, {12, 1, 1}};
+    for (const auto& c : corners) {
+        InitLineState(Params(1, c[0], c[1], 0), &s);
+        EXPECT_EQ(c[2], s.cornerType) << c[0] << " " << c[1];
+        EXPECT_EQ(c[0] >= 10, (bool)s.roundCaps);
+    }
+
+    // Circle offsets: (width - 1) * constant / 65536 truncated, for every
+    // width where they are computed; the radius (width - 1) >> 1.
+    const std::int64_t k[7] = {32138, 6389, 30271, 12537, 27243, 18205, 23166};
+    for (std::int32_t w = 10; w <= kMaxWidth + 5; w += (w < 300 ? 1 : 97)) {
+        InitLineState(Params(1, w, 0, 1), &s);
+        std::int32_t wc = w > kMaxWidth ? (std::int32_t)kMaxWidth : w;
+        ASSERT_EQ((wc - 1) >> 1, s.radius);
+        for (int i = 0; i < 7; ++i)
+            ASSERT_EQ((std::int32_t)((wc - 1) * k[i] / 65536), s.circle[i]) << w << " " << i;
+        ASSERT_EQ(s.circle[6], s.circle[7]);
+    }
+    InitLineState(Params(1, 12, 2, 1), &s); // neither round: no circle
+    EXPECT_EQ(0, s.radius);
+}
+
+// The perpendicular rule, written out on its own: vINT::Sqrt for the length,
+// the platform's rounding by adding half the length before dividing.
+OFFSETS RefOffsets(std::int32_t dx, std::int32_t dy, std::int32_t w)
+{
+    std::int64_t px = w, py = 0;
+    if (dx != 0 && dy == 0) {
+        px = 0;
+        py = w;
+    } else if (dx != 0) {
+        std::int64_t l = vINT((long)dx * dx + (long)dy * dy).Sqrt()();
+        px = (w * (std::int64_t)std::abs(dy) + l / 2) / l;
+        py = (std::abs(dx) * (std::int64_t)w + l / 2) / l;
+    }
+    std::int32_t sx = dy < 0 ? -1 : 1, sy = dx > 0 ? -1 : 1;
+    return OFFSETS{sx * (std::int32_t)(px >> 1), sy * (std::int32_t)(py >> 1), sx * (std::int32_t)(px - (px >> 1)),
+                   sy * (std::int32_t)(py - (py >> 1))};
+}
+
+TEST(NativeStroke, WidePiecesFollowThePerpendicularRule)
+{
+    // Hand-worked: 12 wide from (0, 0) to (30, 40): L 50, px (480 + 25) / 50 = 10,
+    // py (360 + 25) / 50 = 7; y negated as dx > 0.
+    LINESTROKER st;
+    st.Init(Params(1, 12));
+    GPOINT line[2] = {{0, 0}, {30, 40}};
+    StrokePolyline(st, line, 2, false);
+    ASSERT_EQ(1, st.List().NumPolys());
+    const GPOINT want[5] = {{5, -3}, {-5, 4}, {25, 44}, {35, 37}, {5, -3}};
+    ASSERT_EQ(5, st.List().Counts()[0]);
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(want[i], st.List().Points()[i]) << i;
+
+    Rng rng(11);
+    for (int iter = 0; iter < 60000; ++iter) {
+        std::int32_t w = 4 + (std::int32_t)(rng.Chance(4) ? rng.Below(3000) : rng.Below(40));
+        // Ends anywhere in 16 bits, often on an axis or near the limits.
+        auto coord = [&] { return (std::int32_t)(rng.Chance(5) ? 32767 - rng.Below(4) : rng.Below(65535)) - 32767; };
+        GPOINT a{coord(), coord()}, b{coord(), coord()};
+        if (rng.Chance(4))
+            b.x = a.x;
+        else if (rng.Chance(4))
+            b.y = a.y;
+        if (std::abs(b.x - a.x) > 32767 || std::abs(b.y - a.y) > 32767)
+            b = GPOINT{a.x / 2, a.y / 2 + 1};
+        st.Init(Params(1, w));
+        GPOINT seg[2] = {a, b};
+        st.Segment(seg);
+        if (a == b) {
+            ASSERT_EQ(0, st.List().NumPolys());
+            continue;
+        }
+        OFFSETS o = RefOffsets(b.x - a.x, b.y - a.y, w);
+        GPOINT q[4] = {{a.x + o.x1, a.y + o.y1}, {a.x - o.x2, a.y - o.y2}, {b.x - o.x2, b.y - o.y2}, {b.x + o.x1, b.y + o.y1}};
+        auto polys = Polygons(st.List());
+        ASSERT_EQ(1u, polys.size());
+        ASSERT_EQ(5u, polys[0].size());
+        for (int i = 0; i < 5; ++i)
+            ASSERT_EQ(q[i & 3], polys[0][i]) << iter << " " << i;
+        ASSERT_LT(SignedArea2(polys[0]), 0);
+
+        // A gentle bend with no corner call: the next piece starts from this
+        // one's far edge while that keeps it convex (always, for a long piece).
+        GPOINT c{b.x + (b.x - a.x) / 2 + (std::int32_t)rng.Below(3), b.y + (b.y - a.y) / 2};
+        GPOINT next[2] = {b, c};
+        if (b == c || std::abs(c.x) > 32767 || std::abs(c.y) > 32767 || std::abs(b.x - a.x) < 4 * w ||
+            std::abs(c.x - b.x) + std::abs(c.y - b.y) < 4 * w)
+            continue;
+        st.Segment(next);
+        auto two = Polygons(st.List());
+        ASSERT_EQ(2u, two.size()) << iter;
+        EXPECT_EQ(q[3], two[1][0]);
+        EXPECT_EQ(q[2], two[1][1]);
+    }
+}
+
+// The dash rule walked on its own: per segment, stretches of the pattern
+// entries measured along the rounded length; the on ones, joined where only
+// zero-length gaps separate them, mapped to points with the platform MulDiv.
+// With a 1-pixel black line the pen's polylines are exactly those stretches.
+std::vector<std::vector<GPOINT>> RefDashes(const std::vector<GPOINT>& pts, const std::int32_t dash[6], GPOINT* lastPixel)
+{
+    std::vector<std::vector<GPOINT>> out;
+    int idx = 0;
+    std::int32_t rem = dash[0];
+    for (size_t i = 0; i + 1 < pts.size(); ++i) {
+        GPOINT s = pts[i], e = pts[i + 1];
+        if (s == e)
+            continue;
+        std::int32_t dx = e.x - s.x, dy = e.y - s.y;
+        std::int32_t len = dx == 0 || dy == 0 ? std::abs(dx) + std::abs(dy) : (std::int32_t)vINT((long)dx * dx + (long)dy * dy).Sqrt()();
+        std::vector<std::pair<std::int32_t, std::int32_t>> on;
+        std::int32_t pos = 0;
+        while (len - pos >= rem) {
+            if (!(idx & 1) && rem > 0)
+                on.push_back({pos, pos + rem});
+            pos += rem;
+            idx = (idx + 1) % 6;
+            rem = dash[idx];
+        }
+        if (!(idx & 1) && len > pos)
+            on.push_back({pos, len});
+        rem -= len - pos;
+        for (size_t k = 0; k + 1 < on.size();) {
+            if (on[k].second == on[k + 1].first) {
+                on[k].second = on[k + 1].second;
+                on.erase(on.begin() + (long)k + 1);
+            } else {
+                ++k;
+            }
+        }
+        for (auto& st : on) {
+            GPOINT a{s.x + rlcolour::PlatformMulDiv(dx, st.first, len), s.y + rlcolour::PlatformMulDiv(dy, st.first, len)};
+            GPOINT b{s.x + rlcolour::PlatformMulDiv(dx, st.second, len), s.y + rlcolour::PlatformMulDiv(dy, st.second, len)};
+            if (a == b)
+                continue;
+            if (out.empty() || out.back().back() != a)
+                out.push_back({a});
+            out.back().push_back(b);
+        }
+    }
+    if (!out.empty())
+        *lastPixel = out.back().back();
+    return out;
+}
+
+TEST(NativeStroke, DashStretchesFollowThePattern)
+{
+    Rng rng(29);
+    for (int iter = 0; iter < 20000; ++iter) {
+        LINEPARAMS p = Params(2 + (int)rng.Below(5), 1, 2, (int)rng.Below(3));
+        for (int i = 0; i < 6; ++i)
+            p.pattern[i] = (unsigned char)(rng.Chance(3) ? 0 : rng.Chance(4) ? rng.Byte() : rng.Below(9));
+        LINESTROKER st;
+        st.Init(p);
+        ASSERT_EQ(kMethodPen, st.State().method);
+        std::vector<GPOINT> pts;
+        int n = 2 + (int)rng.Below(6);
+        std::int32_t span = rng.Chance(2) ? 60 : 3000;
+        GPOINT at{(std::int32_t)rng.Below(2 * span) - span, (std::int32_t)rng.Below(2 * span) - span};
+        for (int i = 0; i < n; ++i) {
+            pts.push_back(at);
+            int dir = (int)rng.Below(3);
+            at.x += dir == 1 ? 0 : (std::int32_t)rng.Below(2 * span) - span;
+            at.y += dir == 2 ? 0 : (std::int32_t)rng.Below(2 * span) - span;
+        }
+        GPOINT refLast{0, 0};
+        auto want = st.State().dashed ? RefDashes(pts, st.State().dash, &refLast) : std::vector<std::vector<GPOINT>>();
+        if (!st.State().dashed)
+            continue;
+        StrokePolyline(st, pts.data(), n, false);
+        auto got = Polygons(st.List());
+        ASSERT_EQ(want.size(), got.size()) << iter;
+        for (size_t i = 0; i < want.size(); ++i) {
+            ASSERT_EQ(want[i].size(), got[i].size()) << iter << " " << i;
+        }
+        for (size_t i = 0; i < want.size(); ++i) {
+            for (size_t k = 0; k < want[i].size(); ++k)
+                ASSERT_EQ(want[i][k], got[i][k]) << iter << " " << i << " " << k;
+        }
+        ASSERT_EQ(!want.empty(), st.HasLastPixel());
+        if (!want.empty()) {
+            ASSERT_EQ(refLast, st.LastPixel());
+        }
+    }
+
+    // Wide and dashed: one square-ended quadrilateral per dash along a
+    // horizontal line, 18 on and 12 off (pattern 4, 2 at width 6, type 2).
+    LINESTROKER st;
+    LINEPARAMS p = Params(6, 6, 2, 2);
+    p.pattern[0] = 4;
+    p.pattern[1] = 2;
+    st.Init(p);
+    GPOINT line[3] = {{0, 10}, {50, 10}, {100, 10}};
+    StrokePolyline(st, line, 3, false);
+    auto got = Polygons(st.List());
+    const std::int32_t xs[][2] = {{0, 18}, {30, 48}, {60, 78}, {90, 100}};
+    ASSERT_EQ(4u, got.size());
+    for (int i = 0; i < 4; ++i) {
+        const GPOINT q[5] = {{xs[i][0], 7}, {xs[i][0], 13}, {xs[i][1], 13}, {xs[i][1], 7}, {xs[i][0], 7}};
+        ASSERT_EQ(5u, got[i].size());
+        for (int k = 0; k < 5; ++k)
+            EXPECT_EQ(q[k], got[i][k]) << i << " " << k;
+    }
+}
+
+TEST(NativeStroke, ThinOutlines)
+{
+    // The pen: one polyline per contour, the end pixel set explicitly.
+    LINESTROKER st;
+    st.Init(Params(1, 1));
+    GPOINT rect[4] = {{0, 0}, {10, 0}, {10, 5}, {0, 5}};
+    StrokePolyline(st, rect, 4, true);
+    ASSERT_EQ(1, st.List().NumPolys());
+    EXPECT_EQ(5, st.List().Counts()[0]);
+    EXPECT_TRUE(st.HasLastPixel());
+    EXPECT_EQ((GPOINT{0, 0}), st.LastPixel());
+    st.ClearOutput();
+    GPOINT dot[2] = {{3, 3}, {3, 3}};
+    StrokePolyline(st, dot, 2, false);
+    EXPECT_EQ(0, st.List().NumPolys());
+    EXPECT_FALSE(st.HasLastPixel()); // a zero-length segment draws nothing
+
+    // Brush blocks: axis pieces as one PatBlt from the upper or left end,
+    // shifted by width >> 1; others as a LineDDA walk.
+    st.Init(Params(1, 3, 2, 1, 0x808080));
+    ASSERT_EQ(kMethodBlocks, st.State().method);
+    GPOINT path[4] = {{10, 20}, {10, 5}, {40, 5}, {45, 9}};
+    StrokePolyline(st, path, 4, false);
+    const LINEBLOCK want[3] = {{kBlockRect, {9, 4}, {3, 18}}, {kBlockRect, {9, 4}, {33, 3}}, {kBlockDDA, {40, 5}, {45, 9}}};
+    ASSERT_EQ(3, st.Blocks().NumBlocks());
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(want[i].kind, st.Blocks().Blocks()[i].kind);
+        EXPECT_EQ(want[i].a, st.Blocks().Blocks()[i].a);
+        EXPECT_EQ(want[i].b, st.Blocks().Blocks()[i].b);
+    }
+}
+
+TEST(NativeStroke, OctantMasksAndArcs)
+{
+    struct Row {
+        GPOINT d;
+        unsigned char mask;
+    } rows[] = {
+        {{2, -2}, 0xFF}, {{0, -5}, 0x0F}, {{0, 5}, 0xF0}, {{-5, 0}, 0x3C}, {{5, 0}, 0xC3},
+        {{-9, -3}, 0x3E}, {{-3, -9}, 0x1F}, {{-9, 3}, 0x7C}, {{-3, 9}, 0xF8},
+        {{9, -3}, 0xC7}, {{3, -9}, 0x8F}, {{9, 3}, 0xE3}, {{3, 9}, 0xF1}, {{-4, -4}, 0x1F},
+    };
+    for (const Row& r : rows)
+        EXPECT_EQ(r.mask, CalcCircleSegments(GPOINT{100, 100}, GPOINT{100 + r.d.x, 100 + r.d.y})) << r.d.x << "," << r.d.y;
+
+    // A whole circle: 32 distinct points and the first again, every one
+    // within a pixel of the radius, mirrored about both axes.
+    LINESTATE s;
+    InitLineState(Params(1, 41, 0, 0), &s);
+    POLYLIST list;
+    GPOINT c{500, -300};
+    ASSERT_EQ(1, AppendArc(list, c, 0xFF, s.radius, s.circle));
+    auto arc = Polygons(list)[0];
+    ASSERT_EQ(33u, arc.size());
+    EXPECT_LT(SignedArea2(arc), 0);
+    for (const GPOINT& p : arc) {
+        double r = std::hypot(p.x - c.x, p.y - c.y);
+        EXPECT_NEAR(20.0, r, 1.0);
+        bool mx = false, my = false;
+        for (const GPOINT& q : arc) {
+            mx |= q.x - c.x == c.x - p.x && q.y == p.y;
+            my |= q.y - c.y == c.y - p.y && q.x == p.x;
+        }
+        EXPECT_TRUE(mx && my) << p.x << "," << p.y;
+    }
+    // The per-outline cache gives the same polygons as the plain arc.
+    for (std::int32_t w = 10; w < 300; w += 7) {
+        InitLineState(Params(1, w, 0, 0), &s);
+        ARCCACHE cache;
+        cache.Reset(s.radius, s.circle);
+        for (int mask = 1; mask < 256; ++mask) {
+            POLYLIST a, b;
+            AppendArc(a, GPOINT{w, -w}, (unsigned char)mask, s.radius, s.circle);
+            cache.Append(b, GPOINT{w, -w}, (unsigned char)mask);
+            cache.Append(b, GPOINT{w, -w}, (unsigned char)mask); // the second from the cache
+            ASSERT_EQ(2 * a.NumPoints(), b.NumPoints());
+            for (std::int32_t i = 0; i < b.NumPoints(); ++i)
+                ASSERT_EQ(a.Points()[i % a.NumPoints()], b.Points()[i]) << w << " " << mask;
+        }
+    }
+    // Half discs ahead of each axis direction keep the diameter across it.
+    list.Clear();
+    AppendArc(list, c, 0xC3, s.radius, s.circle);
+    auto half = Polygons(list)[0];
+    for (const GPOINT& p : half)
+        EXPECT_GE(p.x, c.x);
+}
+
+// Distance from p to the segment a-b.
+double SegDist(GPOINT p, GPOINT a, GPOINT b)
+{
+    double dx = b.x - a.x, dy = b.y - a.y, l2 = dx * dx + dy * dy;
+    double t = l2 ? ((p.x - a.x) * dx + (p.y - a.y) * dy) / l2 : 0;
+    t = t < 0 ? 0 : t > 1 ? 1 : t;
+    return std::hypot(p.x - a.x - t * dx, p.y - a.y - t * dy);
+}
+
+TEST(NativeStroke, WideOutlinesCoverTheLineAndStayNearIt)
+{
+    Rng rng(5);
+    for (int iter = 0; iter < 3000; ++iter) {
+        std::int32_t w = 4 + (std::int32_t)rng.Below(iter % 3 ? 30 : 200);
+        int corner = (int)rng.Below(3), dash = (int)rng.Below(2);
+        bool dashed = rng.Chance(4);
+        LINEPARAMS p = Params(dashed ? 4 : 1, w, corner, dash);
+        if (dashed) {
+            const unsigned char stock[6] = {5, 3, 3, 3, 0, 0};
+            std::copy(stock, stock + 6, p.pattern);
+        }
+        LINESTROKER st;
+        st.Init(p);
+        int n = 2 + (int)rng.Below(8);
+        bool closed = n > 2 && rng.Chance(3);
+        std::vector<GPOINT> pts;
+        std::int32_t span = 20 + (std::int32_t)rng.Below(400);
+        for (int i = 0; i < n; ++i)
+            pts.push_back(GPOINT{(std::int32_t)rng.Below(2 * span) - span, (std::int32_t)rng.Below(2 * span) - span});
+        StrokePolyline(st, pts.data(), n, closed);
+        auto polys = Polygons(st.List());
+        ASSERT_FALSE(st.Failed());
+
+        const LINESTATE& s = st.State();
+        // Half the width, stretched as the rounded-down length L stretches the
+        // offsets (w·|dy| / L): by the true length over L at most.
+        double stretch = 1;
+        int m = closed ? n : n - 1;
+        for (int i = 0; i < m; ++i) {
+            GPOINT a = pts[i], b = pts[(i + 1) % n];
+            std::int64_t d2 = (std::int64_t)(b.x - a.x) * (b.x - a.x) + (std::int64_t)(b.y - a.y) * (b.y - a.y);
+            if (d2)
+                stretch = std::max(stretch, std::sqrt((double)d2) / IntSqrt((std::uint64_t)d2));
+        }
+        double half = (s.width + 1) / 2 * stretch;
+        for (const auto& q : polys) {
+            ASSERT_LE(SignedArea2(q), 0) << iter; // one turn for all: WINDING never cancels
+            for (const GPOINT& v : q) {
+                double near = 1e18, joint = 1e18;
+                for (int i = 0; i < m; ++i) {
+                    near = std::min(near, SegDist(v, pts[i], pts[(i + 1) % n]));
+                    joint = std::min(joint, std::hypot(v.x - pts[i].x, v.y - pts[i].y));
+                }
+                joint = std::min(joint, std::hypot(v.x - pts[n - 1].x, v.y - pts[n - 1].y));
+                // Pieces and caps hug the line; only a mitre reaches further,
+                // and never past the limit.
+                // Each offset component is rounded and then split unevenly:
+                // up to a pixel each way on top of the half-width.
+                bool ok = near <= half + 2.2 || (s.cornerType == 1 && joint <= kMitreLimit * half + 3);
+
+                ASSERT_TRUE(ok) << iter << " vertex " << v.x << "," << v.y << " w " << w << " near " << near;
+            }
+        }
+        if (dashed)
+            continue;
+        // Every point of the centre line is covered (sampled at whole pixels),
+        // the joints included; at an open end the square cut passes within a
+        // fraction of a pixel of the end point, on either side of it.
+        for (int i = 0; i < m; ++i) {
+            GPOINT a = pts[i], b = pts[(i + 1) % n];
+            for (int k = 0; k <= 16; ++k) {
+                double x = std::round(a.x + (b.x - a.x) * k / 16.0), y = std::round(a.y + (b.y - a.y) * k / 16.0);
+                if (!closed && !s.roundCaps &&
+                    (std::hypot(x - pts[0].x, y - pts[0].y) < 1.5 || std::hypot(x - pts[n - 1].x, y - pts[n - 1].y) < 1.5))
+                    continue;
+                ASSERT_NE(0, WindingAll(polys, x, y)) << iter << " seg " << i << " k " << k << " w " << w;
+            }
+        }
+    }
+}
+
+TEST(NativeStroke, TightCurvesNeverCancel)
+{
+    // Flattened curves reach the stroker as chords without corner calls; when
+    // the curvature radius is below half the width the shared edges would
+    // fold. Arcs of every radius and width: one turn for every polygon, and
+    // the centre line covered.
+    Rng rng(19);
+    for (int iter = 0; iter < 400; ++iter) {
+        double radius = 3 + rng.Below(200), from = rng.Below(360) * 3.14159265358979 / 180;
+        int chords = 4 + (int)rng.Below(40);
+        double sweep = (rng.Chance(2) ? 1 : -1) * (0.2 + rng.Below(300) / 100.0);
+        std::vector<GPOINT> pts;
+        for (int i = 0; i <= chords; ++i) {
+            double a = from + sweep * i / chords;
+            GPOINT p{(std::int32_t)std::lround(radius * std::cos(a)), (std::int32_t)std::lround(radius * std::sin(a))};
+            if (pts.empty() || pts.back() != p)
+                pts.push_back(p);
+        }
+        LINESTROKER st;
+        st.Init(Params(1, 4 + (std::int32_t)rng.Below(400), 2, (int)rng.Below(2)));
+        StrokePolyline(st, pts.data(), (int)pts.size(), false, false);
+        auto polys = Polygons(st.List());
+        for (const auto& q : polys)
+            ASSERT_LE(SignedArea2(q), 0) << iter;
+        for (size_t i = 1; i + 1 < pts.size(); ++i)
+            ASSERT_NE(0, WindingAll(polys, pts[i].x, pts[i].y)) << iter << " " << i;
+    }
+}
+
+TEST(NativeStroke, CapsJoinsAndTheMitreLimit)
+{
+    // Round caps on an open horizontal line: mirror images about the line, at
+    // both ends; a closed square takes none.
+    LINESTROKER st;
+    st.Init(Params(1, 21, 2, 0));
+    GPOINT line[2] = {{0, 50}, {200, 50}};
+    StrokePolyline(st, line, 2, false);
+    auto polys = Polygons(st.List());
+    ASSERT_EQ(3u, polys.size());
+    for (size_t i = 1; i < 3; ++i) {
+        for (const GPOINT& p : polys[i]) {
+            bool mirrored = false;
+            for (const GPOINT& q : polys[i])
+                mirrored |= q.x == p.x && q.y - 50 == 50 - p.y;
+            EXPECT_TRUE(mirrored);
+            EXPECT_TRUE(i == 1 ? p.x >= 200 : p.x <= 0) << i; // the end's cap comes first
+        }
+    }
+    st.Init(Params(1, 21, 2, 0));
+    GPOINT square[4] = {{0, 0}, {100, 0}, {100, 100}, {0, 100}};
+    StrokePolyline(st, square, 4, true);
+    EXPECT_EQ(8, st.List().NumPolys()); // four pieces and four bevels
+
+    // Straight on: no join. A right angle with a mitre: the square corner.
+    st.Init(Params(1, 20, 1, 1));
+    GPOINT straight[4] = {{0, 0}, {10, 0}, {20, 0}, {10, 0}};
+    EXPECT_EQ(0, st.CornerSegment(straight));
+    GPOINT right[4] = {{0, 0}, {100, 0}, {100, 100}, {100, 100}};
+    ASSERT_EQ(1, st.CornerSegment(right));
+    auto j = Polygons(st.List())[0];
+    const GPOINT mitre[5] = {{110, 0}, {110, -10}, {100, -10}, {100, 0}, {110, 0}};
+    ASSERT_EQ(5u, j.size());
+    for (int i = 0; i < 5; ++i)
+        EXPECT_EQ(mitre[i], j[i]) << i;
+
+    // Sharp turns: the mitre while its tip is within four half-widths, the
+    // bevel beyond.
+    for (int deg = 10; deg < 180; deg += 5) {
+        double rad = deg * 3.14159265358979 / 180;
+        GPOINT p[4] = {{-1000, 0}, {0, 0}, {(std::int32_t)std::lround(1000 * std::cos(rad)), (std::int32_t)std::lround(1000 * std::sin(rad))}, {0, 0}};
+        st.Init(Params(1, 40, 1, 1));
+        st.CornerSegment(p);
+        auto q = Polygons(st.List())[0];
+        double far = 0;
+        for (const GPOINT& v : q)
+            far = std::max(far, std::hypot(v.x, v.y));
+        double turn = deg; // from +x to the direction at deg
+        double tip = 20 / std::cos(deg * 3.14159265358979 / 360);
+        if (turn < 150) {
+            EXPECT_NEAR(tip, far, 2.0) << deg;
+        } else if (turn > 152) {
+            EXPECT_NEAR(20.0, far, 1.5) << deg;
+        }
+        EXPECT_LE(far, kMitreLimit * 20 + 3);
+    }
+
+    // A turn too tight for the width with no corner call: the shared edge
+    // would fold the piece, so it keeps its own and a bevel closes the outside.
+    st.Init(Params(1, 100));
+    GPOINT tight[3] = {{0, 0}, {10, 0}, {20, 3}};
+    StrokePolyline(st, tight, 3, false, false);
+    polys = Polygons(st.List());
+    ASSERT_EQ(3u, polys.size());
+    for (const auto& q : polys)
+        EXPECT_LT(SignedArea2(q), 0);
+}
+
+TEST(NativeStroke, AnyInputFinishes)
+{
+    Rng rng(77);
+    LINESTROKER st;
+    for (int iter = 0; iter < 20000; ++iter) {
+        LINEPARAMS p = Params((int)rng.Below(8), 0, (int)rng.Below(4), (int)rng.Below(4), rng.U32());
+        p.width = rng.Chance(3) ? (std::int32_t)rng.Edgy() : (std::int32_t)rng.Below(rng.Chance(4) ? 40000 : 64);
+        p.fastUpdate = rng.Chance(8);
+        for (int i = 0; i < 6; ++i)
+            p.pattern[i] = rng.Chance(2) ? 0 : rng.Byte();
+        st.Init(p);
+        int n = 1 + (int)rng.Below(8);
+        std::vector<GPOINT> pts;
+        bool small = rng.Chance(2);
+        for (int i = 0; i < n; ++i) {
+            std::int32_t x = (std::int32_t)rng.Edgy(), y = (std::int32_t)rng.Edgy();
+            pts.push_back(small ? GPOINT{x % 2000, y % 2000} : GPOINT{x, y});
+        }
+        StrokePolyline(st, pts.data(), n, rng.Chance(2));
+        const POLYLIST& l = st.List();
+        std::int64_t total = 0;
+        for (std::int32_t i = 0; i < l.NumPolys(); ++i) {
+            ASSERT_GE(l.Counts()[i], 2);
+            total += l.Counts()[i];
+        }
+        ASSERT_EQ(total, l.NumPoints());
+        std::int64_t bound = (std::int64_t)kCoordLimit + 3 * kMaxWidth;
+        for (std::int32_t i = 0; i < l.NumPoints(); ++i)
+            ASSERT_TRUE(std::abs((std::int64_t)l.Points()[i].x) <= bound && std::abs((std::int64_t)l.Points()[i].y) <= bound);
+    }
+}
+
+} // namespace
