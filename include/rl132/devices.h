@@ -4,4 +4,6 @@
 
 #include "rl132/core/rldefs.h"
 
+#include "rl132/devices/vdevice.h"
+
 #endif
