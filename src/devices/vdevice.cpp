@@ -1,116 +1,458 @@
-// The drawing device (first outline: every member answers "not done").
+// The drawing device: construction, the logical-to-device mapping, the line,
+// fill and font specifications with their stacks, and colour separation.
+// The context protocol and clipping are in vdevice_dc.cpp, the drawing
+// members in vdevice_draw.cpp, the text output in vdevice_text.cpp.
 #include <windows.h>
 #include "rl132/devices/vdevice.h"
+#include "rl132/core/vtrace.h"
+#include "devices/devmath.h"
+#include "devices/devnodes.h"
 #include "devices/devstate.h"
 
 vDEVICE::vDEVICE(vINT, vINT)
-    : paletteFlag(1), fontCache(nullptr), fontRatio(vREAL(1)), curFont(nullptr), clipRgn(nullptr), clipTop(nullptr),
-      clipDepth(0), lineTop(nullptr), lineDepth(0), fillTop(nullptr), fillDepth(0), displayMode(vDM_NORMAL),
-      knockOut(1), overprintDark(1), visible(1), plate(0)
+    : paletteFlag(1), fontCache(nullptr), fontRatio(vREAL(1)), curFont(nullptr), clipRgn(nullptr), logUnitsH(),
+      devUnitsH(), logUnitsV(), devUnitsV(), origin(vINT(0L), vINT(0L)), clipTop(nullptr), clipDepth(0),
+      lineTop(nullptr), lineDepth(0), fillTop(nullptr), fillDepth(0), fontStack(), lineSpec(), fillSpec(),
+      displayMode(vDM_NORMAL), plateColour(), knockOut(1), overprintDark(1), visible(1), plate(0), sepColour(),
+      fontSpec(vSTRING("Helv"), (vFONTSTYLE)2, vINT(8L), vREAL(0), 100, vFH_POINTS, vANGLE(0))
 {
+    vTrace(1, "vDEVICE::vDEVICE()");
+    InitFontCache();
 }
-vDEVICE::vDEVICE(const vDEVICE& o) : vDEVICE(vINT(0L), vINT(0L)) { (void)o; }
-vDEVICE& vDEVICE::operator=(const vDEVICE&) { return *this; }
-vDEVICE::~vDEVICE() {}
-vDEV_TYPE vDEVICE::DeviceType() const { return vDT_DISPLAY; }
-void vDEVICE::DisplayMode(vDISPLAY_MODE, vCOLOUR&, int, int) {}
-void vDEVICE::LogUnitsPerHorzInch(const vINT&) {}
-vINT vDEVICE::LogUnitsPerHorzInch() { return logUnitsH; }
-void vDEVICE::LogUnitsPerVertInch(const vINT&) {}
-vINT vDEVICE::LogUnitsPerVertInch() { return logUnitsV; }
-vINT vDEVICE::DevUnitsPerHorzInch() { return devUnitsH; }
-vINT vDEVICE::DevUnitsPerVertInch() { return devUnitsV; }
-vINT vDEVICE::GetNoColours() { return vINT((long)g_devState.noColours); }
-int vDEVICE::PushState() { return 0; }
-int vDEVICE::PopState() { return 0; }
-void vDEVICE::LineSpec(const vLINESPEC& s) { lineSpec = s; }
-const vLINESPEC& vDEVICE::LineSpec() { return lineSpec; }
-int vDEVICE::PushLineSpec() { return 0; }
-int vDEVICE::PopLineSpec() { return 0; }
-void vDEVICE::FillSpec(const vFILLSPEC& s) { fillSpec = s; }
-const vFILLSPEC& vDEVICE::FillSpec() { return fillSpec; }
-int vDEVICE::PushFillSpec() { return 0; }
-int vDEVICE::PopFillSpec() { return 0; }
-void vDEVICE::FontSpec(const vFONTSPEC& s) { fontSpec = s; }
-const vFONTSPEC& vDEVICE::FontSpec() { return fontSpec; }
-int vDEVICE::PushFontSpec() { return 0; }
-int vDEVICE::PopFontSpec() { return 0; }
-int vDEVICE::ClipArea(const vSHAPE&) { return 0; }
-int vDEVICE::ClipArea(const vRECT&) { return 0; }
-vRECT vDEVICE::ClipArea() { return vRECT(); }
-void vDEVICE::ClearClipArea() {}
-int vDEVICE::PushClipArea() { return 0; }
-int vDEVICE::PopClipArea() { return 0; }
-int vDEVICE::ClipAreaIntersect(const vPOINT&) { return 0; }
-int vDEVICE::ClipAreaIntersect(const vRECT&) { return 0; }
-int vDEVICE::DrawLine(const vPOINT&, const vPOINT&) { return 0; }
-int vDEVICE::DrawLine(vINT, ...) { return 0; }
-int vDEVICE::DrawLine(vINT, vCOLLECTION&) { return 0; }
-int vDEVICE::DrawRect(const vRECT&) { return 0; }
-int vDEVICE::DrawRoundRect(const vRECT&, const vSIZE&) { return 0; }
-int vDEVICE::DrawEllipse(const vRECT&) { return 0; }
-int vDEVICE::DrawArc(const vRECT&, const vPOINT&, const vPOINT&) { return 0; }
-int vDEVICE::DrawPie(const vRECT&, const vPOINT&, const vPOINT&) { return 0; }
-int vDEVICE::DrawChord(const vRECT&, const vPOINT&, const vPOINT&) { return 0; }
-int vDEVICE::DrawShape(const vSHAPE&) { return 0; }
-int vDEVICE::Transparency(int) { return 0; }
-int vDEVICE::DrawMetafile(vMETAFILE&, const vRECT&) { return 0; }
-int vDEVICE::DrawBitmap(const vBITMAP&, const vRECT&, const vRECT&) { return 0; }
-int vDEVICE::DrawBitmap(const vBITMAP&, const vRECT&) { return 0; }
-int vDEVICE::DrawBitmap(const vBITMAP&, const vPOINT&) { return 0; }
-int vDEVICE::DrawDIB(const oDIB&, const vRECT&, vCOLOUR*) { return 0; }
-int vDEVICE::DrawDIB(const oDIB&, vRECT*, vCOLOUR*, int, int, vRECT*, int, vCOLOUR*) { return 0; }
-int vDEVICE::DrawTransparentBitmap(const vBITMAP&, const vPOINT&, const vCOLOUR&) { return 0; }
-int vDEVICE::vDraw(const vRECT&) { return 0; }
-HDC vDEVICE::GetMSDC() { return GetDC(NULL); }
-int vDEVICE::ReleaseMSDC() { return 0; }
-int vDEVICE::LastPoint(POINT&) { return 0; }
-int vDEVICE::LineRect(const vRECT&) { return 0; }
-int vDEVICE::FillRect(const vRECT&) { return 0; }
-int vDEVICE::LineEllipse(const vRECT&) { return 0; }
-int vDEVICE::FillEllipse(const vRECT&) { return 0; }
-int vDEVICE::LineShape(const vSHAPE&) { return 0; }
-int vDEVICE::FillShape(const vSHAPE&) { return 0; }
-vPOINT vDEVICE::LPtoDP(const vPOINT& p) { return p; }
-vRECT vDEVICE::LPtoDP(const vRECT& r) { return r; }
-vPOINT vDEVICE::DPtoLP(const vPOINT& p) { return p; }
-vRECT vDEVICE::DPtoLP(const vRECT& r) { return r; }
-vINT vDEVICE::LHtoDH(const vINT& l) { return l; }
-vINT vDEVICE::LVtoDV(const vINT& l) { return l; }
-vINT vDEVICE::DHtoLH(const vINT& l) { return l; }
-vINT vDEVICE::DVtoLV(const vINT& l) { return l; }
-void vDEVICE::Origin(const vPOINT& p) { origin = p; }
-vPOINT vDEVICE::Origin() const { return origin; }
-vCOLOUR vDEVICE::Convert(const vCOLOUR& c, int*, vCOLOUR*) { return c; }
-vCOLOUR vDEVICE::NearestColour(const vCOLOUR& c) { return c; }
-vDISPLAY_MODE vDEVICE::GetDisplayMode() const { return displayMode; }
-int vDEVICE::GetPlate() const { return plate; }
-int vDEVICE::IsVisible() const { return visible; }
-void vDEVICE::FastUpdate(int on) { g_devState.fastUpdate = on; }
-int vDEVICE::FastUpdate() { return g_devState.fastUpdate; }
-void vDEVICE::SetNoColours(unsigned short n) { g_devState.noColours = (unsigned char)n; }
-vSCREEN& vDEVICE::GetScreen() { return *g_devState.screen; }
-HDC vDEVICE::GetRLDC() { return g_devState.activeDC; }
-HDC vDEVICE::ActivateDC() { return nullptr; }
-void vDEVICE::ReleaseDC() {}
-void vDEVICE::BeginDraw(HDC) {}
-void vDEVICE::EndDraw() {}
-void vDEVICE::SetFontRatio(vREAL r) { fontRatio = r; }
-vREAL vDEVICE::GetFontRatio() const { return fontRatio; }
-void vDEVICE::PaletteFlag(int on) { paletteFlag = on; }
-int vDEVICE::PaletteFlag() const { return paletteFlag; }
-void vDEVICE::RegisterScreen(vSCREEN* s, vDEVICE* d) { g_devState.screen = s; g_devState.screenDevice = d; }
-void vDEVICE::SetScreenPalette(HPALETTE p) { g_devState.palette = p; }
-HPALETTE vDEVICE::GetScreenPalette() { return g_devState.palette; }
 
-vDEVICEID::vDEVICEID() : vDEVICE(vINT(0L), vINT(0L)), hdc(nullptr), savedState(0) {}
-vDEVICEID::vDEVICEID(HDC c) : vDEVICE(vINT(0L), vINT(0L)), hdc(c), savedState(0) {}
-vDEVICEID::vDEVICEID(const vDEVICEID& o) : vDEVICE(o), hdc(o.hdc), savedState(0) {}
-vDEVICEID& vDEVICEID::operator=(const vDEVICEID& o) { vDEVICE::operator=(o); hdc = o.hdc; return *this; }
-vDEVICEID::~vDEVICEID() {}
-vDEV_TYPE vDEVICEID::DeviceType() const { return vDT_DISPLAY; }
-HDC vDEVICEID::GetWinDC() { return GetMSDC(); }
-int vDEVICEID::ReleaseWinDC() { return ReleaseMSDC(); }
-HDC vDEVICEID::operator()() const { return hdc; }
-HDC vDEVICEID::GetMSDC() { return hdc; }
-int vDEVICEID::ReleaseMSDC() { return 1; }
+vDEVICE::vDEVICE(const vDEVICE& o) : vDEVICE(vINT(0L), vINT(0L))
+{
+    CopyFrom(o);
+}
+
+vDEVICE& vDEVICE::operator=(const vDEVICE& o)
+{
+    if (this != &o) {
+        FreeStacks();
+        if (clipRgn) {
+            DeleteObject(clipRgn);
+            clipRgn = nullptr;
+        }
+        CopyFrom(o);
+    }
+    return *this;
+}
+
+// The copy draws like the original but owns everything it holds: its own
+// region, no stacked states, and a font cache built afresh on first use.
+void vDEVICE::CopyFrom(const vDEVICE& o)
+{
+    paletteFlag = o.paletteFlag;
+    fontRatio = o.fontRatio;
+    logUnitsH = o.logUnitsH;
+    devUnitsH = o.devUnitsH;
+    logUnitsV = o.logUnitsV;
+    devUnitsV = o.devUnitsV;
+    origin = o.origin;
+    lineSpec = o.lineSpec;
+    fillSpec = o.fillSpec;
+    displayMode = o.displayMode;
+    plateColour = o.plateColour;
+    knockOut = o.knockOut;
+    overprintDark = o.overprintDark;
+    visible = o.visible;
+    plate = o.plate;
+    sepColour = o.sepColour;
+    if (o.clipRgn) {
+        clipRgn = CreateRectRgn(0, 0, 0, 0);
+        if (clipRgn)
+            CombineRgn(clipRgn, o.clipRgn, nullptr, RGN_COPY);
+    }
+    if (!(fontSpec == o.fontSpec)) {
+        fontSpec = o.fontSpec;
+        FreeFontCache();
+        InitFontCache();
+    }
+}
+
+vDEVICE::~vDEVICE()
+{
+    vTrace(1, "vDEVICE::~vDEVICE()");
+    ActivateDC();
+    FreeStacks();
+    FreeFontCache();
+    if (clipRgn) {
+        DeleteObject(clipRgn);
+        clipRgn = nullptr;
+    }
+    Detach();
+}
+
+// The saved regions are deleted without being selected: nothing is drawn
+// after this.
+void vDEVICE::FreeStacks()
+{
+    while (clipTop) {
+        CLIPNODE* n = clipTop;
+        clipTop = n->next;
+        if (n->region)
+            DeleteObject(n->region);
+        delete n;
+    }
+    clipDepth = 0;
+    while (lineTop) {
+        LINENODE* n = lineTop;
+        lineTop = n->next;
+        delete n;
+    }
+    lineDepth = 0;
+    while (fillTop) {
+        FILLNODE* n = fillTop;
+        fillTop = n->next;
+        delete n;
+    }
+    fillDepth = 0;
+    while (vOBJECT* o = fontStack.Pop())
+        delete static_cast<vFONTSPEC*>(o);
+}
+
+vDEV_TYPE vDEVICE::DeviceType() const
+{
+    return vDT_DISPLAY;
+}
+
+int vDEVICE::vDraw(const vRECT&)
+{
+    return 0;
+}
+
+// ---- resolutions and mapping ------------------------------------------------
+
+vINT vDEVICE::DevUnitsPerHorzInch()
+{
+    HDC dc = ActivateDC();
+    int v = dc ? GetDeviceCaps(dc, LOGPIXELSX) : 0;
+    return vINT((long)(v ? v : 300));
+}
+
+vINT vDEVICE::DevUnitsPerVertInch()
+{
+    HDC dc = ActivateDC();
+    int v = dc ? GetDeviceCaps(dc, LOGPIXELSY) : 0;
+    return vINT((long)(v ? v : 300));
+}
+
+// The device resolutions are read once, on first need; until a logical
+// resolution is set it equals the device's, so the device draws in pixels.
+void vDEVICE::Resolve()
+{
+    if (devUnitsH != vINT(0L))
+        return;
+    vINT h = DevUnitsPerHorzInch();
+    vINT v = DevUnitsPerVertInch();
+    devUnitsH = h;
+    devUnitsV = v;
+    logUnitsH = h;
+    logUnitsV = v;
+}
+
+void vDEVICE::LogUnitsPerHorzInch(const vINT& units)
+{
+    Resolve();
+    if (units != vINT(0L))
+        logUnitsH = units;
+}
+
+vINT vDEVICE::LogUnitsPerHorzInch()
+{
+    Resolve();
+    return logUnitsH;
+}
+
+void vDEVICE::LogUnitsPerVertInch(const vINT& units)
+{
+    Resolve();
+    if (units != vINT(0L))
+        logUnitsV = units;
+}
+
+vINT vDEVICE::LogUnitsPerVertInch()
+{
+    Resolve();
+    return logUnitsV;
+}
+
+vINT vDEVICE::GetNoColours()
+{
+    return vINT((long)g_devState.noColours);
+}
+
+void vDEVICE::SetNoColours(unsigned short colours)
+{
+    g_devState.noColours = (unsigned char)colours;
+}
+
+vPOINT vDEVICE::LPtoDP(const vPOINT& p)
+{
+    Resolve();
+    return vPOINT(vINT((long)devmath::CoordToDevice(p.x(), origin.x(), devUnitsH(), logUnitsH())),
+                  vINT((long)devmath::CoordToDevice(p.y(), origin.y(), devUnitsV(), logUnitsV())));
+}
+
+vRECT vDEVICE::LPtoDP(const vRECT& r)
+{
+    return vRECT(LPtoDP(r.TopLeft()), LPtoDP(r.BottomRight()));
+}
+
+vPOINT vDEVICE::DPtoLP(const vPOINT& p)
+{
+    Resolve();
+    return vPOINT(vINT((long)devmath::CoordToLogical(p.x(), origin.x(), logUnitsH(), devUnitsH())),
+                  vINT((long)devmath::CoordToLogical(p.y(), origin.y(), logUnitsV(), devUnitsV())));
+}
+
+vRECT vDEVICE::DPtoLP(const vRECT& r)
+{
+    return vRECT(DPtoLP(r.TopLeft()), DPtoLP(r.BottomRight()));
+}
+
+vINT vDEVICE::LHtoDH(const vINT& l)
+{
+    Resolve();
+    return vINT((long)devmath::LengthToDevice(l(), devUnitsH(), logUnitsH()));
+}
+
+vINT vDEVICE::LVtoDV(const vINT& l)
+{
+    Resolve();
+    return vINT((long)devmath::LengthToDevice(l(), devUnitsV(), logUnitsV()));
+}
+
+vINT vDEVICE::DHtoLH(const vINT& d)
+{
+    Resolve();
+    return vINT((long)devmath::LengthToLogical(d(), logUnitsH(), devUnitsH()));
+}
+
+vINT vDEVICE::DVtoLV(const vINT& d)
+{
+    Resolve();
+    return vINT((long)devmath::LengthToLogical(d(), logUnitsV(), devUnitsV()));
+}
+
+void vDEVICE::Origin(const vPOINT& p)
+{
+    origin = p;
+}
+
+vPOINT vDEVICE::Origin() const
+{
+    return origin;
+}
+
+void vDEVICE::SetFontRatio(vREAL ratio)
+{
+    fontRatio = ratio;
+}
+
+vREAL vDEVICE::GetFontRatio() const
+{
+    return fontRatio;
+}
+
+void vDEVICE::PaletteFlag(int on)
+{
+    paletteFlag = on;
+}
+
+int vDEVICE::PaletteFlag() const
+{
+    return paletteFlag;
+}
+
+// ---- specifications and their stacks -----------------------------------------
+
+// The stored line carries the converted colour. Rebuilding it through the
+// constructor keeps the line type's own rules: stock dash types get their
+// pattern, only a user pattern is copied, and "no line" has no width.
+void vDEVICE::LineSpec(const vLINESPEC& spec)
+{
+    int shows = visible;
+    vCOLOUR colour = Convert(spec.Colour(), &shows, nullptr);
+    visible = shows;
+    unsigned char pattern[vLINESPEC::PATTERN_SIZE];
+    for (unsigned short i = 0; i < vLINESPEC::PATTERN_SIZE; ++i)
+        pattern[i] = spec.Pattern(i);
+    lineSpec = vLINESPEC(spec.LineType(), colour, spec.Width(), spec.CornerType(), spec.DashType(),
+                         spec.LineType() == vLT_USER ? pattern : nullptr);
+}
+
+const vLINESPEC& vDEVICE::LineSpec()
+{
+    return lineSpec;
+}
+
+// The second colour is converted first, so that the visible flag ends up
+// saying whether the first one shows.
+void vDEVICE::FillSpec(const vFILLSPEC& spec)
+{
+    oDIB* dib = nullptr;
+    if (spec.Bitmap(&dib)) {
+        fillSpec = spec;
+        return;
+    }
+    int shows = visible;
+    vCOLOUR to = Convert(spec.ColourTo(), &shows, nullptr);
+    vCOLOUR from = Convert(spec.ColourFrom(), &shows, nullptr);
+    visible = shows;
+    fillSpec = vFILLSPEC(spec.Type(), from, to, spec.Angle(), spec.Mode());
+}
+
+const vFILLSPEC& vDEVICE::FillSpec()
+{
+    return fillSpec;
+}
+
+int vDEVICE::PushLineSpec()
+{
+    LINENODE* n = new LINENODE(lineSpec, lineTop);
+    if (!n)
+        return 0;
+    lineTop = n;
+    ++lineDepth;
+    return 1;
+}
+
+// The saved line goes back through the setter, colour conversion included.
+int vDEVICE::PopLineSpec()
+{
+    LINENODE* n = lineTop;
+    if (!n)
+        return 0;
+    lineTop = n->next;
+    --lineDepth;
+    LineSpec(n->spec);
+    delete n;
+    return 1;
+}
+
+int vDEVICE::PushFillSpec()
+{
+    FILLNODE* n = new FILLNODE(fillSpec, fillTop);
+    if (!n)
+        return 0;
+    fillTop = n;
+    ++fillDepth;
+    return 1;
+}
+
+int vDEVICE::PopFillSpec()
+{
+    FILLNODE* n = fillTop;
+    if (!n)
+        return 0;
+    fillTop = n->next;
+    --fillDepth;
+    FillSpec(n->spec);
+    delete n;
+    return 1;
+}
+
+void vDEVICE::FontSpec(const vFONTSPEC& spec)
+{
+    ActivateDC();
+    fontSpec = spec;
+    SelectFontDetail(spec);
+}
+
+const vFONTSPEC& vDEVICE::FontSpec()
+{
+    return fontSpec;
+}
+
+int vDEVICE::PushFontSpec()
+{
+    vFONTSPEC* saved = new vFONTSPEC(fontSpec);
+    if (!saved)
+        return 0;
+    if (!fontStack.Push(*saved)) {
+        delete saved;
+        return 0;
+    }
+    return 1;
+}
+
+int vDEVICE::PopFontSpec()
+{
+    vFONTSPEC* saved = static_cast<vFONTSPEC*>(fontStack.Pop());
+    if (!saved)
+        return 0;
+    FontSpec(*saved);
+    delete saved;
+    return 1;
+}
+
+// Pops run in the order of the pushes, not the reverse. Each stack is
+// independent, so only a caller that reads the intermediate states could tell.
+int vDEVICE::PushState()
+{
+    int ok = PushClipArea();
+    ok &= PushFillSpec();
+    ok &= PushLineSpec();
+    ok &= PushFontSpec();
+    return ok;
+}
+
+int vDEVICE::PopState()
+{
+    int ok = PopClipArea();
+    ok &= PopFillSpec();
+    ok &= PopLineSpec();
+    ok &= PopFontSpec();
+    return ok;
+}
+
+// ---- colour separation -----------------------------------------------------
+
+void vDEVICE::DisplayMode(vDISPLAY_MODE mode, vCOLOUR& colour, int knock, int overprint)
+{
+    displayMode = mode;
+    plateColour = colour;
+    sepColour = colour;
+    knockOut = knock;
+    overprintDark = overprint;
+    if (mode == vDM_PROCESS || (mode == vDM_PROCESS_OR_SPOT && !sepColour.Spot()))
+        plate = devmath::PlateOf(sepColour, plate);
+}
+
+vCOLOUR vDEVICE::Convert(const vCOLOUR& colour, int* shows, vCOLOUR* tint)
+{
+    // A printer draws each plate in black; the plate's ink goes on at the press.
+    if (DeviceType() == vDT_PRINTER)
+        plateColour = vCOLOUR((vCOLOURTYPE)0, 0, 100, 0);
+    devmath::SEPARATION s = {displayMode, plateColour, sepColour, knockOut, overprintDark, plate};
+    int ignored = 1;
+    return devmath::Separate(s, colour, shows ? shows : &ignored, tint);
+}
+
+unsigned long vDEVICE::separate_process_colour(const vCOLOUR& colour, int* shows)
+{
+    devmath::SEPARATION s = {displayMode, plateColour, sepColour, knockOut, overprintDark, plate};
+    return devmath::ProcessLevel(s, colour, shows);
+}
+
+unsigned long vDEVICE::separate_spot_colour(const vCOLOUR& colour, int* shows)
+{
+    devmath::SEPARATION s = {displayMode, plateColour, sepColour, knockOut, overprintDark, plate};
+    return devmath::SpotLevel(s, colour, shows);
+}
+
+vDISPLAY_MODE vDEVICE::GetDisplayMode() const
+{
+    return displayMode;
+}
+
+int vDEVICE::GetPlate() const
+{
+    return plate;
+}
+
+int vDEVICE::IsVisible() const
+{
+    return visible;
+}

@@ -241,8 +241,11 @@ protected:
     // palette is realised and the clip region selected. Null when neither
     // this device nor the screen can give a context.
     HDC ActivateDC();
-    // Releases this device from the context protocol when it is the active one.
+    // Releases this device's context when it is the active device.
     void ReleaseDC();
+    // Puts this device out of the context protocol: ReleaseDC, and it is
+    // forgotten as the paint device. Destructors of devices call it first.
+    void Detach();
     // Between the two, the device draws on the context the window system
     // handed in for painting.
     void BeginDraw(HDC paintContext);
@@ -270,9 +273,6 @@ private:
     void Init();
     void CopyFrom(const vDEVICE& other);
     void FreeStacks();
-    // Puts this device out of the context protocol: releases its context when
-    // it is the active device and forgets it as the paint device.
-    void Detach();
     static void ReleaseActive();
 
     unsigned long separate_process_colour(const vCOLOUR& colour, int* visible);
@@ -282,19 +282,25 @@ private:
     int DrawClosed(CLOSEDKIND kind, const vRECT& bounds, const vSHAPE* shape);
     // The road of arcs, pies and chords (GDI's Arc, Pie or Chord).
     int DrawArcKind(int kind, const vRECT& rect, const vPOINT& start, const vPOINT& end);
-    // Polylines: the one-pixel pen path, or the outline renderer.
-    int DrawPolyline(const vPOINT* points, short count);
+    // Polylines from logical points: the one-pixel pen path, or the outline
+    // renderer.
+    int DrawPolyline(const POINT* logical, short count);
     HBRUSH CreateBrush(const vCOLOUR& colour);
 
     // Paths that belong to the shape, outline and fill renderers; each fails
     // (returns 0) until those renderers serve it.
+    int ShapeBoundBox(const vSHAPE& shape, vRECT& box);
+    int LineRectByShape(const vRECT& rect);
     int FillRectByShape(const vRECT& rect);
+    int LineEllipseByShape(const vRECT& rect);
     int FillEllipseByShape(const vRECT& rect);
-    int LinePolylineByShape(const vPOINT* points, short count);
+    int LinePolylineByShape(const POINT* logical, short count);
     int RoundRectByShape(const vRECT& rect, const vSIZE& corner);
     int ClipAreaByShape(const vSHAPE& shape);
 
-    // The font cache, kept by the text output.
+    // The font cache, kept by the text output. InitFontCache makes the first
+    // entry from the current font specification (construction and copies);
+    // FreeFontCache deletes every entry.
     void InitFontCache();
     void FreeFontCache();
     // Makes the cache entry for `spec` current, creating it when missing.
