@@ -24,12 +24,10 @@ public:
         } info;
         memset(&info, 0, sizeof info);
         info.h = ds.dsBmih;
+        // The bitmap sits in the device's own context (a bitmap can be in
+        // one context only): its colours are read there.
         if (info.h.biBitCount <= 8) {
-            HDC probe = CreateCompatibleDC(nullptr);
-            HGDIOBJ was = SelectObject(probe, device.Bitmap());
-            GetDIBColorTable(probe, 0, 256, info.colours);
-            SelectObject(probe, was);
-            DeleteDC(probe);
+            EXPECT_EQ(GetDIBColorTable(device.GetWinDC(), 0, 256, info.colours), 1u << info.h.biBitCount);
         }
         bitmap = CreateDIBSection(dc, (BITMAPINFO*)&info, DIB_RGB_COLORS, &bits, nullptr, 0);
         old = SelectObject(dc, bitmap);
