@@ -45,7 +45,7 @@ TEST(RltoolText, RendersTextIntoABitmapFile)
     EXPECT_GT(flat.inColour, 50u);
 
     // Turned a quarter, the picture stands upright; two lines make it wider.
-    ASSERT_EQ(RunTool("text \"Hello there\" " + out + " --size 20 --angle 90", &log), 0) << log;
+    ASSERT_EQ(RunTool("text \"Hello there\" " + out + " --size 20 --angle 90.00", &log), 0) << log;
     PICTURE up = Read(out, 0, 0, 0);
     EXPECT_EQ(up.width, flat.height);
     EXPECT_EQ(up.height, flat.width);
@@ -57,7 +57,8 @@ TEST(RltoolText, RendersTextIntoABitmapFile)
     EXPECT_GT(two.ink, flat.ink * 3 / 2);
     DeleteFileA(out.c_str());
 
-    for (const char* bad : {"--colour 1,2", "--colour 1,2,300", "--size 0", "--size 2.5", "--angle 400", "--what",
+    for (const char* bad : {"--colour 1,2", "--colour 1,2,300", "--size 0", "--size 2.5", "--angle 400",
+                            "--angle 1.234", "--angle 360.5", "--angle +5", "--what",
                             "--font \"\""}) {
         EXPECT_EQ(RunTool("text \"x\" " + out + " " + bad), 2) << bad;
     }

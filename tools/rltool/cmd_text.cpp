@@ -9,7 +9,6 @@
 #include <windows.h>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include "rl132.h"
 #include "rltool.h"
@@ -19,24 +18,40 @@ namespace {
 const long kMargin = 4;
 const long kMaxSide = 8000;   // a limit on the bitmap, not on the library
 
-bool Number(const char* text, double low, double high, double* out)
+// Degrees: an optional '-', digits, and at most two decimals after a point.
+bool Degrees(const char* text, double* out)
 {
-    char* end = nullptr;
-    double v = strtod(text, &end);
-    if (!*text || *end || !(v >= low && v <= high))
+    const char* point = strchr(text, '.');
+    long long whole = 0, part = 0;
+    size_t n = point ? (size_t)(point - text) : strlen(text);
+    if (!rltool_number_n(text, n, -360, 360, &whole))
         return false;
+    double v = (double)whole;
+    if (point) {
+        size_t digits = strlen(point + 1);
+        if (digits < 1 || digits > 2 || !rltool_number(point + 1, 0, 99, &part) || point[1] == '-')
+            return false;
+        double f = (double)part / (digits == 1 ? 10 : 100);
+        v += text[0] == '-' ? -f : f;
+        if (v < -360 || v > 360)
+            return false;
+    }
     *out = v;
     return true;
 }
 
+// R,G,B with each 0 to 255.
 bool Colour(const char* text, int rgb[3])
 {
-    char extra;
-    if (sscanf(text, "%d,%d,%d%c", &rgb[0], &rgb[1], &rgb[2], &extra) != 3)
-        return false;
-    for (int i = 0; i < 3; ++i)
-        if (rgb[i] < 0 || rgb[i] > 255)
+    const char* p = text;
+    for (int i = 0; i < 3; ++i) {
+        const char* end = i < 2 ? strchr(p, ',') : p + strlen(p);
+        long long v;
+        if (!end || !rltool_number_n(p, (size_t)(end - p), 0, 255, &v))
             return false;
+        rgb[i] = (int)v;
+        p = end + 1;
+    }
     return true;
 }
 
@@ -53,7 +68,7 @@ void Put32(unsigned char* p, unsigned long v)
 }
 
 // The device's pixels as 24-bit rows, bottom-up, whatever its depth.
-bool WriteBmp(const char* path, vMEMDEVICE& d)
+bool WriteBmp(FILE* f, vMEMDEVICE& d)
 {
     const unsigned char* bits = d.GetDIB();
     if (!bits)
@@ -78,9 +93,6 @@ bool WriteBmp(const char* path, vMEMDEVICE& d)
     Put32(header + 34, outStride * h);
     Put32(header + 38, 3780);   // 96 pixels per inch
     Put32(header + 42, 3780);
-    FILE* f = fopen(path, "wb");
-    if (!f)
-        return false;
     bool ok = fwrite(header, 1, sizeof header, f) == sizeof header;
     unsigned char* row = static_cast<unsigned char*>(calloc(outStride, 1));
     ok = ok && row;
@@ -107,9 +119,6 @@ bool WriteBmp(const char* path, vMEMDEVICE& d)
         ok = fwrite(row, 1, outStride, f) == outStride;
     }
     free(row);
-    ok = fclose(f) == 0 && ok;
-    if (!ok)
-        remove(path);
     return ok;
 }
 
@@ -120,7 +129,8 @@ static int RunText(int argc, char** argv)
     const char* text = nullptr;
     const char* out = nullptr;
     const char* face = "Arial";
-    double size = 24, angle = 0;
+    long long size = 24;
+    double angle = 0;
     int rgb[3] = {0, 0, 0};
     for (int i = 1; i < argc; ++i) {
         const char* a = argv[i];
@@ -129,11 +139,12 @@ static int RunText(int argc, char** argv)
             if (!*face || strlen(face) > 31)
                 return rltool_fail(RLTOOL_USAGE, "--font takes a face name of 1 to 31 characters");
         } else if (strcmp(a, "--size") == 0 && i + 1 < argc) {
-            if (!Number(argv[++i], 1, 1000, &size) || size != std::floor(size))
+            if (!rltool_number(argv[++i], 1, 1000, &size))
                 return rltool_fail(RLTOOL_USAGE, "--size takes whole points from 1 to 1000, not '%s'", argv[i]);
         } else if (strcmp(a, "--angle") == 0 && i + 1 < argc) {
-            if (!Number(argv[++i], -360, 360, &angle))
-                return rltool_fail(RLTOOL_USAGE, "--angle takes degrees from -360 to 360, not '%s'", argv[i]);
+            if (!Degrees(argv[++i], &angle))
+                return rltool_fail(RLTOOL_USAGE, "--angle takes degrees from -360 to 360 (two decimals at most), not '%s'",
+                                   argv[i]);
         } else if ((strcmp(a, "--colour") == 0 || strcmp(a, "--color") == 0) && i + 1 < argc) {
             if (!Colour(argv[++i], rgb))
                 return rltool_fail(RLTOOL_USAGE, "--colour takes R,G,B with each 0 to 255, not '%s'", argv[i]);
@@ -216,8 +227,13 @@ static int RunText(int argc, char** argv)
     if (!d.DrawTextA(vSTRING("%s", text), vRECT(vINT(0L), vINT(0L), vINT(w - 1), vINT(h - 1)),
                      (vTEXTALIGN)(vTA_CENTRE | vTA_MIDDLE)))
         return rltool_fail(RLTOOL_FAILED, "the text could not be drawn");
-    if (!WriteBmp(out, d))
+    RlOutput output;
+    if (!output.Create(out))
+        return RLTOOL_FAILED;
+    if (!WriteBmp(output.File(), d))
         return rltool_fail(RLTOOL_FAILED, "%s: could not write the file", out);
+    if (!output.Commit())
+        return RLTOOL_FAILED;
 
     char realised[LF_FACESIZE] = "";
     HDC dc = d.GetWinDC();
@@ -229,8 +245,8 @@ static int RunText(int argc, char** argv)
         SelectObject(dc, old);
         DeleteObject(made);
     }
-    printf("%s: %ld x %ld, 24 bits; %ld line%s in %s, %g pt, %g degrees\n", out, w, h, count, count == 1 ? "" : "s",
-           realised[0] ? realised : face, size, angle);
+    printf("%s: %ld x %ld, 24 bits; %ld line%s in %s, %ld pt, %g degrees\n", out, w, h, count, count == 1 ? "" : "s",
+           realised[0] ? realised : face, (long)size, angle);
     return RLTOOL_OK;
 }
 
