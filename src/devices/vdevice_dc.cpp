@@ -35,6 +35,11 @@ void vDEVICE::RegisterScreen(vSCREEN* screen, vDEVICE* asDevice)
     g_devState.screenDevice = asDevice;
 }
 
+vDEVICE* vDEVICE::ScreenDevice()
+{
+    return g_devState.screenDevice;
+}
+
 void vDEVICE::SetScreenPalette(HPALETTE palette)
 {
     g_devState.palette = palette;

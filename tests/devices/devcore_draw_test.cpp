@@ -10,13 +10,6 @@ namespace {
 const COLORREF kRed = RGB(200, 30, 40);
 const COLORREF kBlue = RGB(10, 20, 220);
 
-// Logical to device as the mapping defines it, in 64-bit arithmetic.
-long Map(long l, long origin, long device, long logical)
-{
-    long long n = (long long)(l + origin) * device + (logical + 1) / 2;
-    return (long)(n / logical);
-}
-
 struct MAPCASE {
     long unitsH, unitsV;  // logical units per inch (device: 96)
     long ox, oy;          // origin
@@ -59,24 +52,6 @@ TEST(DeviceDraw, PlainFillsMatchGdiUnderEveryMapping)
     }
 }
 
-// The rectangle's extra pixel right and below is eaten by the null pen:
-// the fill covers exactly columns and rows left to right - 1 (top to
-// bottom - 1), and the ellipse of the same rectangle stays inside that.
-TEST(DeviceDraw, FilledRectCoversItsPixelsAndHoldsTheEllipse)
-{
-    SURFACE rect(40, 40), ellipse(40, 40);
-    DEVICE a(rect.dc), b(ellipse.dc);
-    PlainFill(a, vCOLOUR(0, 0, 0));
-    PlainFill(b, vCOLOUR(0, 0, 0));
-    a.DrawRect(R(5, 5, 20, 20));
-    b.DrawEllipse(R(5, 5, 20, 20));
-    EXPECT_EQ(rect.Count(0xFFFFFF), 15 * 15);
-    EXPECT_EQ(rect.Count(5, 5, 20, 20, 0xFFFFFF), 15 * 15);
-    EXPECT_GT(ellipse.Count(0xFFFFFF), 0);
-    EXPECT_EQ(ellipse.Count(5, 5, 20, 20, 0xFFFFFF), ellipse.Count(0xFFFFFF));
-    EXPECT_LT(ellipse.Count(0xFFFFFF), 15 * 15);
-}
-
 // Everything that the outline and pattern renderers draw is refused, never
 // faked: the fill part of a rectangle with an outline is drawn, the outline
 // is reported as not drawn; fast-update mode draws outlines only, so nothing.
@@ -109,6 +84,49 @@ TEST(DeviceDraw, RoadsOfTheRenderersAreReportedUndrawn)
     d.FillSpec(vFILLSPEC(vFT_NONE));
     EXPECT_EQ(d.DrawRect(R(4, 4, 30, 30)), 1);
     EXPECT_EQ(got.Count(0xFFFFFF), 0);
+}
+
+namespace {
+// Outlines drawn as black GDI frames in place of the outline renderer, so
+// that the order of fill and outline shows in the pixels.
+class FRAMED : public DEVICE {
+public:
+    explicit FRAMED(HDC dc) : DEVICE(dc) {}
+
+private:
+    int LineRect(const vRECT& r) override
+    {
+        vRECT d = LPtoDP(r);
+        RECT g = {d.left(), d.top(), d.right() + 1, d.bottom() + 1};
+        return ::FrameRect(GetRLDC(), &g, (HBRUSH)GetStockObject(BLACK_BRUSH));
+    }
+};
+} // namespace
+
+// The fill goes down first and the outline over it; in fast-update mode the
+// outline alone is drawn, even for "no line".
+TEST(DeviceDraw, OutlineGoesOverTheFillAndAloneInFastUpdate)
+{
+    SURFACE s(32, 32);
+    FRAMED d(s.dc);
+    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(200, 30, 40), vCOLOUR(200, 30, 40)));
+    d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(1L)));
+    EXPECT_EQ(d.DrawRect(R(4, 4, 20, 20)), 1);
+    EXPECT_EQ(s.Pixel(4, 4), 0u);
+    EXPECT_EQ(s.Pixel(10, 10), 0xC81E28u);
+    for (int lineType = 0; lineType < 2; ++lineType) {
+        s.Clear(0xFF);
+        d.LineSpec(vLINESPEC((vLINETYPE)lineType, vCOLOUR(0, 0, 0), vINT(1L)));
+        vDEVICE::FastUpdate(1);
+        EXPECT_EQ(d.DrawRect(R(4, 4, 20, 20)), 1);
+        vDEVICE::FastUpdate(0);
+        EXPECT_EQ(s.Pixel(4, 4), 0u);
+        EXPECT_EQ(s.Pixel(10, 10), 0xFFFFFFu);
+    }
+    s.Clear(0xFF);
+    d.LineSpec(vLINESPEC(vLT_NONE));
+    EXPECT_EQ(d.DrawRect(R(4, 4, 20, 20)), 1);  // the fill alone
+    EXPECT_EQ(s.Pixel(4, 4), 0xC81E28u);
 }
 
 // Arcs, pies and chords go to GDI with a pen of the line width as it stands
@@ -175,17 +193,9 @@ void OraclePolyline(HDC dc, const POINT* p, int n, COLORREF c)
 } // namespace
 
 // Polylines from arguments and from a collection draw the same pixels as
-// the pen path with the last pixel added; a single line's end pixel is set.
+// the pen path with the last pixel added.
 TEST(DeviceDraw, OnePixelLinesIncludeTheirLastPixel)
 {
-    {
-        SURFACE got(32, 32);
-        DEVICE d(got.dc);
-        d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(200, 30, 40), vINT(1L)));
-        EXPECT_EQ(d.DrawLine(P(2, 3), P(20, 3)), 1);
-        EXPECT_EQ(got.Count(0xFFFFFF), 19);  // 2..20 inclusive
-        EXPECT_EQ(got.Pixel(20, 3), 0xC81E28u);
-    }
     const POINT pts[] = {{3, 4}, {40, 9}, {22, 37}, {5, 30}, {3, 4}, {44, 44}};
     const long units[] = {96, 300, 144};  // one logical unit is at most one pixel
     for (long u : units) {
@@ -259,6 +269,8 @@ TEST(DeviceDraw, LinesOffThePenPathAreRefused)
     EXPECT_EQ(e.DrawLine(P(2, 2), P(20, 2)), 1);
     EXPECT_EQ(eight.Pixel(20, 2), 82u);
     EXPECT_EQ(eight.Count(0xFF), 19);
+    vCOLOUR system((long)RGB(100, 7, 9), 1);
+    EXPECT_TRUE(e.NearestColour(system) == system);  // never snapped
 }
 
 // A colour that does not show on the plate suppresses every closed primitive

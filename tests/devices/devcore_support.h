@@ -110,8 +110,9 @@ public:
     using vDEVICE::ActivateDC;
     using vDEVICE::BeginDraw;
     using vDEVICE::EndDraw;
-    using vDEVICE::Detach;
     using vDEVICE::RegisterScreen;
+    using vDEVICE::ScreenDevice;
+    using vDEVICE::GetScreenPalette;
     using vDEVICE::SetScreenPalette;
     using vDEVICE::PaletteFlag;
 };
@@ -169,6 +170,13 @@ inline ::testing::AssertionResult Same(const SURFACE& got, const SURFACE& want)
     return ::testing::AssertionFailure() << differing << " bytes differ, first at pixel (" << x << ", " << y
                                          << "): " << got.Pixel(x, y) << " drawn, " << want.Pixel(x, y)
                                          << " expected";
+}
+
+// Logical to device as the mapping defines it, in 64-bit arithmetic.
+inline long Map(long l, long origin, long device, long logical)
+{
+    long long n = (long long)(l + origin) * device + (logical + 1) / 2;
+    return (long)(n / logical);
 }
 
 inline vRECT R(long l, long t, long r, long b) { return vRECT(vINT(l), vINT(t), vINT(r), vINT(b)); }

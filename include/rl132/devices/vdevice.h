@@ -259,6 +259,8 @@ protected:
     // The screen device registers itself (null when it goes) and the palette
     // that activation realises while palettes are in use (null: none).
     static void RegisterScreen(vSCREEN* screen, vDEVICE* asDevice);
+    // The registered screen as a device (null before there is one).
+    static vDEVICE* ScreenDevice();
     static void SetScreenPalette(HPALETTE palette);
     static HPALETTE GetScreenPalette();
 
