@@ -69,3 +69,65 @@ TEST(MemDevice, CopyHasItsOwnBitmapWithTheSamePixels)
     c = b;
     EXPECT_EQ(memcmp(c.GetDIB(), b.GetDIB(), b.BufferSize()), 0);
 }
+
+namespace {
+// A null pen and a solid brush, or a one-pixel pen, for one block of calls.
+struct GDIOBJECTS {
+    GDIOBJECTS(HDC d, COLORREF c, bool fill) : dc(d), pen(fill ? nullptr : CreatePen(PS_SOLID, 1, c)),
+          brush(CreateSolidBrush(c))
+    {
+        oldPen = SelectObject(dc, pen ? (HGDIOBJ)pen : GetStockObject(NULL_PEN));
+        oldBrush = SelectObject(dc, brush);
+    }
+    ~GDIOBJECTS()
+    {
+        SelectObject(dc, oldPen);
+        SelectObject(dc, oldBrush);
+        if (pen)
+            DeleteObject(pen);
+        DeleteObject(brush);
+    }
+    HDC dc;
+    HPEN pen;
+    HBRUSH brush;
+    HGDIOBJ oldPen, oldBrush;
+};
+} // namespace
+
+// Plain fills, one-pixel lines, arcs, pies and chords on the memory device,
+// against the same GDI calls on a second DIB section, under a logical
+// resolution of half the device's and an origin.
+TEST(MemDevice, PrimitivesMatchGdi)
+{
+    vMEMDEVICE d(80L, 60L);
+    ORACLE want(d, 0xFF);
+    d.LogUnitsPerHorzInch(vINT(192L));
+    d.LogUnitsPerVertInch(vINT(192L));
+    d.Origin(P(4, -2));   // device = (logical + origin) / 2
+    vCOLOUR c(200, 30, 40);
+    COLORREF rgb = RGB(200, 30, 40);
+    d.FillSpec(vFILLSPEC(vFT_SOLID, c, c));
+    d.LineSpec(vLINESPEC(vLT_NONE, c));
+    EXPECT_EQ(d.DrawRect(R(2, 6, 60, 40)), 1);        // (3, 2) - (32, 19)
+    EXPECT_EQ(d.DrawEllipse(R(70, 2, 150, 50)), 1);   // (37, 0) - (77, 24)
+    d.LineSpec(vLINESPEC(vLT_SOLID, c, vINT(1L)));
+    EXPECT_EQ(d.DrawLine(P(0, 110), P(150, 60)), 1);  // (2, 54) - (77, 29)
+    EXPECT_EQ(d.DrawArc(R(0, 60, 60, 100), P(60, 80), P(0, 80)), 1);
+    EXPECT_EQ(d.DrawPie(R(60, 60, 100, 110), P(100, 85), P(80, 60)), 1);
+    EXPECT_EQ(d.DrawChord(R(100, 60, 150, 110), P(150, 85), P(100, 85)), 1);
+    {
+        GDIOBJECTS fill(want.dc, rgb, true);
+        Rectangle(want.dc, 3, 2, 33, 20);
+        Ellipse(want.dc, 37, 0, 77, 24);
+    }
+    {
+        GDIOBJECTS line(want.dc, rgb, false);
+        MoveToEx(want.dc, 2, 54, nullptr);
+        LineTo(want.dc, 77, 29);
+        SetPixel(want.dc, 77, 29, rgb);
+        Arc(want.dc, 2, 29, 32, 49, 32, 39, 2, 39);
+        Pie(want.dc, 32, 29, 52, 54, 52, 42, 42, 29);
+        Chord(want.dc, 52, 29, 77, 54, 77, 42, 52, 42);
+    }
+    EXPECT_TRUE(SameBytes(d, want));
+}
