@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include "devcore_support.h"
+#include "devices/gdipoints.h"
 
 using namespace devtest;
 
@@ -238,4 +239,27 @@ TEST(DeviceMapping, DeviceOverAContextAdoptsItsMapping)
     EXPECT_LT(p.y(), 60);
     EXPECT_GT(p.y(), 0);
     EXPECT_EQ(d.DeviceType(), vDT_DISPLAY);
+}
+
+// Points and rectangles for GDI: copied one by one (a vPOINT is not a
+// POINT), on the stack up to the inline size and in one heap block past it.
+TEST(DeviceGdiPoints, CopiesArraysOnEitherSideOfTheInlineSize)
+{
+    for (unsigned n : {1u, 64u, 65u, 300u}) {
+        std::vector<vPOINT> pts;
+        std::vector<vRECT> rects;
+        for (unsigned i = 0; i < n; ++i) {
+            pts.push_back(P((long)i * 70001 - 5, -(long)i));
+            rects.push_back(R(i, -(long)i, 2 * i, 0x7FFFFFFF - i));
+        }
+        GDIPOINTS g(pts.data(), n);
+        GDIRECTS r(rects.data(), n);
+        ASSERT_NE(g.Data(), nullptr);
+        ASSERT_NE(r.Data(), nullptr);
+        for (unsigned i = 0; i < n; ++i) {
+            ASSERT_EQ(g.Data()[i].x, (LONG)i * 70001 - 5);
+            ASSERT_EQ(g.Data()[i].y, -(LONG)i);
+            ASSERT_EQ(r.Data()[i].bottom, (LONG)(0x7FFFFFFF - i));
+        }
+    }
 }
