@@ -30,6 +30,7 @@ run version
 run strings --language 1036
 run colour --cmyk 100,0,0,0 --tint 50
 run colour --rgb 255,0,255
+run text "RL132 draws text" "$(win "$DEMO/text.bmp")" --size 20 --angle 15 --colour 30,60,160
 
 # Compression: a file through implode and back.
 cat "$ROOT"/README.md "$ROOT"/src/*/*.cpp > "$DEMO/sample.txt"

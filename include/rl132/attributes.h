@@ -8,5 +8,6 @@
 #include "rl132/attributes/vlinespec.h"
 #include "rl132/attributes/vfillspec.h"
 #include "rl132/attributes/vfontspec.h"
+#include "rl132/attributes/vfont.h"
 
 #endif

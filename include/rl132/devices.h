@@ -5,5 +5,7 @@
 #include "rl132/core/rldefs.h"
 
 #include "rl132/devices/vdevice.h"
+#include "rl132/devices/vscreen.h"
+#include "rl132/devices/vmemdevice.h"
 
 #endif

@@ -1,0 +1,152 @@
+// The memory device on a 256-colour display: an 8-bit bitmap with the screen
+// palette as its colours, starting as palette index 235 whatever that entry
+// holds, and drawing on it byte for byte as plain GDI draws on a second
+// bitmap with the same colours.
+#include <gtest/gtest.h>
+#include <cstring>
+#include "../memdev_oracle.h"
+
+using namespace memtest;
+
+namespace {
+
+struct WITHBRUSH {
+    WITHBRUSH(HDC d, COLORREF c) : dc(d), brush(CreateSolidBrush(c))
+    {
+        oldPen = SelectObject(dc, GetStockObject(NULL_PEN));
+        oldBrush = SelectObject(dc, brush);
+    }
+    ~WITHBRUSH()
+    {
+        SelectObject(dc, oldBrush);
+        SelectObject(dc, oldPen);
+        DeleteObject(brush);
+    }
+    HDC dc;
+    HBRUSH brush;
+    HGDIOBJ oldPen, oldBrush;
+};
+
+struct WITHPEN {
+    WITHPEN(HDC d, COLORREF c) : dc(d), pen(CreatePen(PS_SOLID, 1, c)) { old = SelectObject(dc, pen); }
+    ~WITHPEN()
+    {
+        SelectObject(dc, old);
+        DeleteObject(pen);
+    }
+    HDC dc;
+    HPEN pen;
+    HGDIOBJ old;
+};
+
+} // namespace
+
+TEST(MemDevice8, PaletteIndexWhiteAndTheScreensColours)
+{
+    vMEMDEVICE d(vINT(13L), vINT(7L));
+    ASSERT_NE(d.GetDIB(), nullptr);
+    EXPECT_EQ(d.BitsPerPixel(), 8);
+    EXPECT_EQ(d.BufferSize(), 16u * 7u);
+    const unsigned char* p = d.GetDIB();
+    for (unsigned long i = 0; i < d.BufferSize(); ++i)
+        ASSERT_EQ(p[i], 235) << i;
+
+    RGBQUAD table[256];
+    ASSERT_EQ(GetDIBColorTable(d.GetWinDC(), 0, 256, table), 256u);
+    const LOGPALETTE* log = vSCREEN::LogPalette();
+    ASSERT_NE(log, nullptr);
+    for (int i = 0; i < 256; ++i) {
+        EXPECT_EQ(table[i].rgbRed, log->palPalEntry[i].peRed) << i;
+        EXPECT_EQ(table[i].rgbGreen, log->palPalEntry[i].peGreen) << i;
+        EXPECT_EQ(table[i].rgbBlue, log->palPalEntry[i].peBlue) << i;
+    }
+}
+
+// Filled rectangles and ellipses, one-pixel lines, arcs, pies and chords in
+// colours of the palette and between them.
+TEST(MemDevice8, PrimitivesMatchGdi)
+{
+    const vCOLOUR colours[] = {vCOLOUR(255, 0, 0), vCOLOUR(200, 30, 40), vCOLOUR(0, 81, 133), vCOLOUR(0, 0, 0)};
+    for (const vCOLOUR& c : colours) {
+        SCOPED_TRACE(c.PackedRGB());
+        COLORREF rgb = (COLORREF)c.PackedRGB();
+        vMEMDEVICE d(vINT(64L), vINT(48L));
+        ORACLE want(d, 235);
+        d.FillSpec(vFILLSPEC(vFT_SOLID, c, c));
+        d.LineSpec(vLINESPEC(vLT_NONE, c));
+        EXPECT_EQ(d.DrawRect(R(3, 4, 30, 20)), 1);
+        EXPECT_EQ(d.DrawEllipse(R(33, 2, 60, 25)), 1);
+        {
+            WITHBRUSH b(want.dc, rgb);
+            Rectangle(want.dc, 3, 4, 31, 21);
+            Ellipse(want.dc, 33, 2, 60, 25);
+        }
+        EXPECT_TRUE(SameBytes(d, want));
+
+        d.LineSpec(vLINESPEC(vLT_SOLID, c, vINT(1L)));
+        EXPECT_EQ(d.DrawArc(R(2, 26, 30, 46), P(30, 36), P(2, 36)), 1);
+        EXPECT_EQ(d.DrawPie(R(34, 26, 62, 46), P(62, 36), P(48, 26)), 1);
+        {
+            WITHPEN pen(want.dc, rgb);
+            Arc(want.dc, 2, 26, 30, 46, 30, 36, 2, 36);
+            WITHBRUSH b(want.dc, rgb);
+            SelectObject(want.dc, pen.pen);
+            Pie(want.dc, 34, 26, 62, 46, 62, 36, 48, 26);
+        }
+        EXPECT_TRUE(SameBytes(d, want));
+    }
+
+    // One-pixel lines take the pen path when the colour is one of the palette's.
+    vMEMDEVICE d(vINT(40L), vINT(30L));
+    ORACLE want(d, 235);
+    const LOGPALETTE* log = vSCREEN::LogPalette();
+    const PALETTEENTRY& e = log->palPalEntry[57];
+    vCOLOUR c(e.peRed, e.peGreen, e.peBlue);
+    d.LineSpec(vLINESPEC(vLT_SOLID, c, vINT(1L)));
+    EXPECT_EQ(d.DrawLine(P(1, 1), P(38, 20)), 1);
+    EXPECT_EQ(d.DrawLine(3, P(5, 28), P(20, 3), P(35, 28)), 1);
+    {
+        WITHPEN pen(want.dc, RGB(e.peRed, e.peGreen, e.peBlue));
+        MoveToEx(want.dc, 1, 1, nullptr);
+        LineTo(want.dc, 38, 20);
+        SetPixel(want.dc, 38, 20, RGB(e.peRed, e.peGreen, e.peBlue));
+        MoveToEx(want.dc, 5, 28, nullptr);
+        LineTo(want.dc, 20, 3);
+        LineTo(want.dc, 35, 28);
+        SetPixel(want.dc, 35, 28, RGB(e.peRed, e.peGreen, e.peBlue));
+    }
+    EXPECT_TRUE(SameBytes(d, want));
+    EXPECT_EQ(Pixel(d.GetDIB(), d, 20, 3), 57u);
+}
+
+// Text on the 8-bit bitmap: readable (ink only in its box) and as GDI draws it.
+TEST(MemDevice8, TextMatchesGdi)
+{
+    vMEMDEVICE d(vINT(120L), vINT(40L));
+    d.FontSpec(vFONTSPEC(vSTRING("DejaVu Sans"), vFS_BOLD, vINT(14L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
+    d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 255)));
+    EXPECT_EQ(d.DrawTextA(vSTRING("Palette"), R(0, 0, 119, 39), (vTEXTALIGN)(vTA_CENTRE | vTA_MIDDLE)), 1);
+
+    ORACLE want(d, 235);
+    LOGFONTA lf;
+    ASSERT_EQ(d.GetCurFontDetail()->LogFont(lf), 1);
+    EXPECT_EQ(lf.lfHeight, -19);
+    HFONT font = CreateFontIndirectA(&lf);
+    HGDIOBJ old = SelectObject(want.dc, font);
+    SetTextColor(want.dc, RGB(0, 0, 255));
+    SIZE size;
+    GetTextExtentPoint32A(want.dc, "Palette", 7, &size);
+    TEXTMETRICA tm;
+    GetTextMetricsA(want.dc, &tm);
+    long lh = tm.tmHeight + tm.tmExternalLeading;
+    long x = (120 - size.cx) / 2, y = (40 - lh) / 2;
+    IntersectClipRect(want.dc, 0, 0, 120, 40);
+    ExtTextOutA(want.dc, x, y, 0, nullptr, "Palette", 7, nullptr);
+    SelectObject(want.dc, old);
+    DeleteObject(font);
+    EXPECT_TRUE(SameBytes(d, want));
+
+    int all = Ink(d, 0, 0, 120, 40, 235), inside = Ink(d, x, y, x + size.cx, y + tm.tmHeight, 235);
+    EXPECT_GT(inside, 50);
+    EXPECT_EQ(all, inside);
+}

@@ -1,0 +1,133 @@
+// The memory device: its bitmap (size, depth, white start, refusals), and
+// drawing on it checked byte for byte against plain GDI calls on a second
+// bitmap of the same kind.
+#include <gtest/gtest.h>
+#include "memdev_oracle.h"
+
+using namespace memtest;
+
+TEST(MemDevice, BitmapOfTheScreensDepthStartsWhite)
+{
+    struct Case { long w, h; int ok; } const cases[] = {
+        {1, 1, 1}, {3, 2, 1}, {17, 5, 1}, {32767, 1, 1}, {0, 5, 0}, {5, 0, 0}, {-3, 4, 0}, {32768, 2, 0}, {2, 32768, 0}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.w << " x " << c.h);
+        vMEMDEVICE d(vINT(c.w), vINT(c.h));
+        if (!c.ok) {
+            EXPECT_EQ(d.GetDIB(), nullptr);
+            EXPECT_EQ(d.Bitmap(), nullptr);
+            EXPECT_EQ(d.BufferSize(), 0u);
+            continue;
+        }
+        ASSERT_NE(d.GetDIB(), nullptr);
+        EXPECT_EQ(d.BitsPerPixel(), 32);   // the headless screen's depth
+        EXPECT_EQ(d.BufferSize(), (unsigned long)(c.w * 4 * c.h));
+        const unsigned char* p = d.GetDIB();
+        unsigned long notWhite = 0;
+        for (unsigned long i = 0; i < d.BufferSize(); ++i)
+            notWhite += p[i] != 0xFF;
+        EXPECT_EQ(notWhite, 0u);
+        DIBSECTION ds;
+        ASSERT_EQ(GetObjectA(d.Bitmap(), sizeof ds, &ds), (int)sizeof ds);
+        EXPECT_EQ(ds.dsBmih.biWidth, c.w);
+        EXPECT_EQ(ds.dsBmih.biHeight, c.h);   // bottom-up
+        EXPECT_EQ(ds.dsBm.bmBits, d.GetDIB());
+    }
+
+    // Preparing again gives a fresh white bitmap of the new size; a refused
+    // size leaves none.
+    vMEMDEVICE d(vINT(8L), vINT(8L));
+    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(0, 0, 0), vCOLOUR(0, 0, 0)));
+    d.LineSpec(vLINESPEC(vLT_NONE));
+    d.DrawRect(R(0, 0, 7, 7));
+    EXPECT_EQ(Ink(d, 0, 0, 8, 8, 0xFFFFFF), 49);
+    EXPECT_EQ(d.Prepare(vINT(20L), vINT(3L)), 1);
+    EXPECT_EQ(Ink(d, 0, 0, 20, 3, 0xFFFFFF), 0);
+    EXPECT_EQ(d.Width()(), 20);
+    d.DrawRect(R(2, 0, 4, 2));
+    EXPECT_EQ(Ink(d, 0, 0, 20, 3, 0xFFFFFF), 4);
+    EXPECT_EQ(d.Prepare(vINT(0L), vINT(3L)), 0);
+    EXPECT_EQ(d.GetDIB(), nullptr);
+    EXPECT_EQ(d.DrawRect(R(2, 0, 4, 2)), 1);   // drawn into nothing, harmlessly
+}
+
+TEST(MemDevice, CopyHasItsOwnBitmapWithTheSamePixels)
+{
+    vMEMDEVICE a(vINT(9L), vINT(4L));
+    a.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(10, 20, 30), vCOLOUR(10, 20, 30)));
+    a.LineSpec(vLINESPEC(vLT_NONE));
+    a.DrawRect(R(1, 1, 3, 2));
+    vMEMDEVICE b(a);
+    ASSERT_NE(b.GetDIB(), nullptr);
+    EXPECT_NE(b.GetDIB(), a.GetDIB());
+    EXPECT_EQ(memcmp(a.GetDIB(), b.GetDIB(), a.BufferSize()), 0);
+    b.DrawRect(R(5, 0, 8, 3));
+    EXPECT_EQ(Ink(a, 0, 0, 9, 4, 0xFFFFFF), 2);
+    EXPECT_EQ(Ink(b, 0, 0, 9, 4, 0xFFFFFF), 2 + 9);
+    vMEMDEVICE c;
+    EXPECT_EQ(c.GetDIB(), nullptr);
+    c = b;
+    EXPECT_EQ(memcmp(c.GetDIB(), b.GetDIB(), b.BufferSize()), 0);
+}
+
+namespace {
+// A null pen and a solid brush, or a one-pixel pen, for one block of calls.
+struct GDIOBJECTS {
+    GDIOBJECTS(HDC d, COLORREF c, bool fill) : dc(d), pen(fill ? nullptr : CreatePen(PS_SOLID, 1, c)),
+          brush(CreateSolidBrush(c))
+    {
+        oldPen = SelectObject(dc, pen ? (HGDIOBJ)pen : GetStockObject(NULL_PEN));
+        oldBrush = SelectObject(dc, brush);
+    }
+    ~GDIOBJECTS()
+    {
+        SelectObject(dc, oldPen);
+        SelectObject(dc, oldBrush);
+        if (pen)
+            DeleteObject(pen);
+        DeleteObject(brush);
+    }
+    HDC dc;
+    HPEN pen;
+    HBRUSH brush;
+    HGDIOBJ oldPen, oldBrush;
+};
+} // namespace
+
+// Plain fills, one-pixel lines, arcs, pies and chords on the memory device,
+// against the same GDI calls on a second DIB section, under a logical
+// resolution of half the device's and an origin.
+TEST(MemDevice, PrimitivesMatchGdi)
+{
+    vMEMDEVICE d(80L, 60L);
+    ORACLE want(d, 0xFF);
+    d.LogUnitsPerHorzInch(vINT(192L));
+    d.LogUnitsPerVertInch(vINT(192L));
+    d.Origin(P(4, -2));   // device = (logical + origin) / 2
+    vCOLOUR c(200, 30, 40);
+    COLORREF rgb = RGB(200, 30, 40);
+    d.FillSpec(vFILLSPEC(vFT_SOLID, c, c));
+    d.LineSpec(vLINESPEC(vLT_NONE, c));
+    EXPECT_EQ(d.DrawRect(R(2, 6, 60, 40)), 1);        // (3, 2) - (32, 19)
+    EXPECT_EQ(d.DrawEllipse(R(70, 2, 150, 50)), 1);   // (37, 0) - (77, 24)
+    d.LineSpec(vLINESPEC(vLT_SOLID, c, vINT(1L)));
+    EXPECT_EQ(d.DrawLine(P(0, 110), P(150, 60)), 1);  // (2, 54) - (77, 29)
+    EXPECT_EQ(d.DrawArc(R(0, 60, 60, 100), P(60, 80), P(0, 80)), 1);
+    EXPECT_EQ(d.DrawPie(R(60, 60, 100, 110), P(100, 85), P(80, 60)), 1);
+    EXPECT_EQ(d.DrawChord(R(100, 60, 150, 110), P(150, 85), P(100, 85)), 1);
+    {
+        GDIOBJECTS fill(want.dc, rgb, true);
+        Rectangle(want.dc, 3, 2, 33, 20);
+        Ellipse(want.dc, 37, 0, 77, 24);
+    }
+    {
+        GDIOBJECTS line(want.dc, rgb, false);
+        MoveToEx(want.dc, 2, 54, nullptr);
+        LineTo(want.dc, 77, 29);
+        SetPixel(want.dc, 77, 29, rgb);
+        Arc(want.dc, 2, 29, 32, 49, 32, 39, 2, 39);
+        Pie(want.dc, 32, 29, 52, 54, 52, 42, 42, 29);
+        Chord(want.dc, 52, 29, 77, 54, 77, 42, 52, 42);
+    }
+    EXPECT_TRUE(SameBytes(d, want));
+}
