@@ -38,11 +38,14 @@ public:
     // Stores the edge p[0] -> p[1]; a piece of length 0 is no edge (0).
     int AppendLineSeg(const GPOINT* p);
 
+    // Empty a list and keep its memory for the next use.
     void ClearPoints();
     void ClearCounts();
     void ClearLineSegs();
     // All three lists, the failure mark, and the new-contour state back to 1.
     void Clear();
+    // Clear, and give the memory back.
+    void FreeAll();
 
     const GPOINT* Points() const { return points; }
     unsigned short NoPoints() const { return pointCount; }
@@ -55,7 +58,7 @@ public:
 
     // Gives the point and count arrays to the caller, who frees them with
     // vMemFree; the lists are left empty. A null argument leaves that array
-    // here (it is freed by the next Clear).
+    // here.
     void Release(GPOINT** pointsOut, int** countsOut);
 
 private:

@@ -37,9 +37,13 @@ struct WALKMAP {
     std::int32_t logH, devH;   // logical and device units per inch, horizontal
     std::int32_t logV, devV;   // the same, vertical
     std::int32_t originX, originY;
+    // Non-zero: points are taken as they are and the fields above are not
+    // read. (Equal resolutions are no identity: the rounding term maps -1 to
+    // 0, and 1:1 resolutions would add 1 to everything.)
+    int identity;
 };
 
-// A map under which device units are logical units (1:1, no origin).
+// A map under which device units are logical units.
 WALKMAP IdentityMap();
 
 // One coordinate: ((l + origin) * D + (L + 1) / 2) / L in wrapping 32-bit vINT
