@@ -3,5 +3,6 @@
 #define RL132_DEVICES_H
 
 #include "rl132/core/rldefs.h"
+#include "rl132/devices/vshape.h"
 
 #endif

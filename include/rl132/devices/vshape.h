@@ -68,7 +68,7 @@ private:
     // when the table itself could not be had (or the 16-bit capacity is used
     // up); a point that could not be allocated leaves a null slot.
     int Allocate();
-    void Widen(const vPOINT& p);
+    void Widen(const vPOINT& p, int first);
     void NoteClosing(unsigned char flags);
     void Recount();
     void Free();
