@@ -6,9 +6,11 @@
 #include <gtest/gtest.h>
 #include <cmath>
 #include <cstdint>
+#include <algorithm>
 #include <cstdlib>
 #include "devices/geom/listinfo.h"
 #include "devices/geom/walk.h"
+#include "devices/geom/walkhit.h"
 #include "native_support.h"
 #include "rl132/core/vmem.h"
 #include "shapewalk_support.h"
@@ -422,6 +424,48 @@ TEST(ShapeWalk, ArbitraryTablesStayBounded)
     EXPECT_TRUE(SameStream(Counted({S(P(10, 10), P(0, 0)), C(P(10, 10), P(0, 0), P(0, 0)), S(P(0, 0), P(0, 0)),
                                     E(0)}),
                            r.ev));
+}
+
+TEST(ShapeWalk, HitTestAgreesWithAnUpwardRay)
+{
+    // Random polygons (self-crossing ones too) and contour sets on a small
+    // grid. A point on an edge is inside; elsewhere the parity of crossings of
+    // a ray going up must equal the library's rightward count.
+    Rng rng(5);
+    for (int iter = 0; iter < 3000; ++iter) {
+        std::vector<GPOINT> pts;
+        std::vector<int> counts;
+        int contours = 1 + (int)rng.Below(3);
+        for (int k = 0; k < contours; ++k) {
+            int n = 1 + (int)rng.Below(7);
+            for (int i = 0; i < n; ++i)
+                pts.push_back(P((std::int32_t)rng.Below(13) - 6, (std::int32_t)rng.Below(13) - 6));
+            counts.push_back(n);
+        }
+        for (std::int32_t y = -7; y <= 7; ++y)
+            for (std::int32_t x = -7; x <= 7; ++x) {
+                bool onEdge = false, up = false;
+                const GPOINT* run = &pts[0];
+                for (int k = 0; k < contours; ++k) {
+                    for (int i = 0; i < counts[k]; ++i) {
+                        GPOINT a = run[i], b = run[(i + 1) % counts[k]];
+                        long cross = (long)(b.x - a.x) * (y - a.y) - (long)(b.y - a.y) * (x - a.x);
+                        if (cross == 0 && x >= std::min(a.x, b.x) && x <= std::max(a.x, b.x) &&
+                            y >= std::min(a.y, b.y) && y <= std::max(a.y, b.y))
+                            onEdge = true;
+                        // Crossings of the ray from (x, y) upward (toward -y).
+                        if ((a.x > x) != (b.x > x)) {
+                            double yc = a.y + (double)(x - a.x) * (b.y - a.y) / (b.x - a.x);
+                            up ^= yc < y;
+                        }
+                    }
+                    run += counts[k];
+                }
+                bool got = PointInContours(&pts[0], &counts[0], contours, P(x, y));
+                ASSERT_EQ(onEdge || up, got) << iter << " at " << x << "," << y;
+            }
+    }
+    EXPECT_FALSE(PointInContours(nullptr, nullptr, 1, P(0, 0)));
 }
 
 } // namespace
