@@ -7,5 +7,6 @@
 #include "rl132/attributes/vcolour.h"
 #include "rl132/attributes/vlinespec.h"
 #include "rl132/attributes/vfillspec.h"
+#include "rl132/attributes/vfontspec.h"
 
 #endif

@@ -5,4 +5,6 @@
 #include "rl132/core/rldefs.h"
 #include "rl132/devices/vshape.h"
 
+#include "rl132/devices/vdevice.h"
+
 #endif

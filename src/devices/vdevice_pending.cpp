@@ -1,0 +1,96 @@
+// The device's roads into the shape walk, the outline renderer and the
+// pattern and graded fills. Until those renderers serve them, each of these
+// members draws nothing and returns 0, so that a caller is told the
+// primitive was not drawn.
+#include <windows.h>
+#include "rl132/devices/vdevice.h"
+
+// The outline of a shape (and of every rectangle, ellipse and polyline that
+// misses the one-pixel pen path).
+int vDEVICE::LineShape(const vSHAPE&)
+{
+    return 0;
+}
+
+// Polygon fills (plain, hatched, bitmap and pattern brushes) and graded fills
+// of a closed shape.
+int vDEVICE::FillShape(const vSHAPE&)
+{
+    return 0;
+}
+
+int vDEVICE::ShapeBoundBox(const vSHAPE&, vRECT&)
+{
+    return 0;
+}
+
+int vDEVICE::LineRectByShape(const vRECT&)
+{
+    return 0;
+}
+
+int vDEVICE::FillRectByShape(const vRECT&)
+{
+    return 0;
+}
+
+int vDEVICE::LineEllipseByShape(const vRECT&)
+{
+    return 0;
+}
+
+int vDEVICE::FillEllipseByShape(const vRECT&)
+{
+    return 0;
+}
+
+int vDEVICE::LinePolylineByShape(const POINT*, short)
+{
+    return 0;
+}
+
+int vDEVICE::RoundRectByShape(const vRECT&, const vSIZE&)
+{
+    return 0;
+}
+
+int vDEVICE::ClipAreaByShape(const vSHAPE&)
+{
+    return 0;
+}
+
+// Bitmaps, DIBs and metafiles are drawn by their own subsystems.
+int vDEVICE::DrawMetafile(vMETAFILE&, const vRECT&)
+{
+    return 0;
+}
+
+int vDEVICE::DrawBitmap(const vBITMAP&, const vRECT&, const vRECT&)
+{
+    return 0;
+}
+
+int vDEVICE::DrawBitmap(const vBITMAP&, const vRECT&)
+{
+    return 0;
+}
+
+int vDEVICE::DrawBitmap(const vBITMAP&, const vPOINT&)
+{
+    return 0;
+}
+
+int vDEVICE::DrawDIB(const oDIB&, const vRECT&, vCOLOUR*)
+{
+    return 0;
+}
+
+int vDEVICE::DrawDIB(const oDIB&, vRECT*, vCOLOUR*, int, int, vRECT*, int, vCOLOUR*)
+{
+    return 0;
+}
+
+int vDEVICE::DrawTransparentBitmap(const vBITMAP&, const vPOINT&, const vCOLOUR&)
+{
+    return 0;
+}
