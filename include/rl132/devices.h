@@ -3,8 +3,8 @@
 #define RL132_DEVICES_H
 
 #include "rl132/core/rldefs.h"
-#include "rl132/devices/vshape.h"
 
 #include "rl132/devices/vdevice.h"
+#include "rl132/devices/vshape.h"
 
 #endif

@@ -1,10 +1,12 @@
 // vSHAPE as a container (growth, bounding box, closed flag, insertion and
 // deletion, adoption, contours, containment) and the point tables of the
 // rectangle and ellipse shapes.
+#include <windows.h>
 #include <gtest/gtest.h>
 #include <new>
 #include <vector>
 #include "rl132/core/vmem.h"
+#include "rl132/devices/vdevice.h"
 #include "rl132/devices/vshape.h"
 
 namespace {
@@ -206,4 +208,32 @@ TEST(Shape, PointContainment)
     EXPECT_FALSE(vPOINT(15L, 15L) ^ ring);
     EXPECT_TRUE(vPOINT(20L, 15L) ^ ring);   // on the hole's edge
     EXPECT_FALSE(vPOINT(5L, 5L) ^ vSHAPE());
+}
+
+namespace {
+
+// A device that only notes which shape it was asked to draw.
+class PROBE : public vDEVICEID {
+public:
+    explicit PROBE(HDC dc) : vDEVICEID(dc) {}
+    int DrawShape(const vSHAPE& s) override
+    {
+        seen = &s;
+        return 7;
+    }
+    const vSHAPE* seen = nullptr;
+};
+
+} // namespace
+
+TEST(Shape, DrawHandsTheShapeToTheDevice)
+{
+    HDC dc = CreateCompatibleDC(nullptr);
+    {
+        PROBE device(dc);
+        vELPSSHAPE e(vRECT(vINT(0L), vINT(0L), vINT(20L), vINT(10L)));
+        EXPECT_EQ(7, e.Draw(device));
+        EXPECT_EQ(&e, device.seen);
+    }
+    DeleteDC(dc);
 }

@@ -55,8 +55,8 @@ public:
     // which may be null after an allocation failure.
     RL132_INLINE const vBEZPOINT* const* Table() const { return table; }
 
-    // Hands the shape to the device (vDEVICE::DrawShape).
-    void Draw(vDEVICE& device) const;
+    // Hands the shape to the device: vDEVICE::DrawShape's result.
+    int Draw(vDEVICE& device) const;
     // 1 when p lies inside the shape or on its outline, taking the contours
     // flattened in logical units and the alternate (even-odd) rule; open
     // contours count as closed by their chord. Used by vPOINT::operator^.

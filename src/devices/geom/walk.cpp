@@ -5,6 +5,7 @@
 // bits), so no input is undefined behaviour. Right shifts of negative values
 // are arithmetic (toward minus infinity); divisions truncate toward zero.
 #include "devices/geom/walk.h"
+#include "devices/devmath.h"
 
 namespace rlgeom {
 
@@ -80,13 +81,10 @@ WALKMAP IdentityMap()
     return m;
 }
 
+// The device's own coordinate rule, so that the walk's pixels are LPtoDP's.
 std::int32_t MapCoord(std::int32_t l, std::int32_t origin, std::int32_t logUnits, std::int32_t devUnits)
 {
-    // Adding half the divisor before the truncating division rounds halves
-    // away from zero for positive products; negative ones are pulled up by the
-    // same half and truncated toward zero, as the device's own arithmetic does.
-    std::int32_t scaled = Mul(Add(l, origin), devUnits);
-    return Div(Add(scaled, Add(logUnits, 1) / 2), logUnits);
+    return devmath::CoordToDevice(l, origin, devUnits, logUnits);
 }
 
 GPOINT MapPoint(const WALKMAP& map, std::int32_t x, std::int32_t y)

@@ -46,9 +46,9 @@ struct WALKMAP {
 // A map under which device units are logical units.
 WALKMAP IdentityMap();
 
-// One coordinate: ((l + origin) * D + (L + 1) / 2) / L in wrapping 32-bit vINT
-// arithmetic, the division truncating toward zero (0 for L = 0, as vINT's
-// division gives).
+// One coordinate by the device's rule (devmath::CoordToDevice): ((l + origin)
+// * D + (L + 1) / 2) / L in wrapping 32-bit vINT arithmetic, the division
+// truncating toward zero (0 for L = 0, as vINT's division gives).
 std::int32_t MapCoord(std::int32_t l, std::int32_t origin, std::int32_t logUnits, std::int32_t devUnits);
 GPOINT MapPoint(const WALKMAP& map, std::int32_t x, std::int32_t y);
 
