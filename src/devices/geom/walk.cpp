@@ -57,12 +57,14 @@ inline bool Small(std::int32_t v) { std::int32_t s = Low16(v); return s > -2 && 
 
 // How deep the halving may go however the counter runs. A curve whose 20.12
 // coordinates fit (|pixel| < 2^18, so that no sum of two wraps) spans less than
-// 2^31 units; each halving shrinks a piece's control polygon to at most about
-// 3/2 of half its size plus one unit of truncation, so by depth 21 every piece
-// lies within 2 pixels (8192 units) and is straight by the below-2 test. The cap
-// is therefore never reached by such curves; it only stops curves whose
-// coordinates wrapped, whose midpoints are not between their ends and need not
-// converge. 2^24 pieces is then the worst a single curve can cost.
+// 2^31 units; a piece at depth k spans at most 3/2^k of that (a cubic moves at
+// most 3 times its control polygon's span per unit of t) plus a few units of
+// truncation, so by depth 21 every piece lies within 2 pixels (8,192 units) and
+// is straight by the below-2 test. Such curves never reach the cap; it stops
+// only curves whose coordinates wrapped, whose midpoints need not lie between
+// their ends and need not converge. A run of 8 entries always ends in a piece,
+// so a descent that never straightens adds about one piece per level: random
+// wrapped curves cost at most some 14,000 pieces, and 2^24 bounds any.
 const unsigned kMaxDepth = 24;
 
 // The counter's limit: a run of 8 entries without an emitted piece ends in one.
