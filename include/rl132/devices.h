@@ -7,5 +7,6 @@
 #include "rl132/devices/vdevice.h"
 #include "rl132/devices/vscreen.h"
 #include "rl132/devices/vmemdevice.h"
+#include "rl132/devices/vshape.h"
 
 #endif

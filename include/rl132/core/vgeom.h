@@ -10,6 +10,7 @@
 #include "rl132/core/vnumber.h"
 
 class vRECT;
+class vSHAPE;
 
 // A point, or a vector from the origin.
 class RL132_API vPOINT : public vOBJECT {
@@ -47,6 +48,8 @@ public:
     RL132_INLINE vINT DiagDist() const { return (x * x + y * y).Sqrt(); }
     // 1 when the point lies in the rectangle, edges included.
     int operator^(const vRECT& r) const;
+    // 1 when the point lies in the shape or on its outline (vSHAPE::Contains).
+    int operator^(const vSHAPE& s) const;
 
     vINT x;
     vINT y;

@@ -1,0 +1,471 @@
+// The shape walk: hand-worked shapes, the piece stream of generated shapes
+// against the reference walk of shapewalk_support.h, the corner and
+// straightness tests at their thresholds, LISTINFO's duplicate rule and its
+// 16-bit ceiling, and a bounded loop over arbitrary tables near the limits of
+// 32-bit arithmetic under the sanitizers.
+#include <gtest/gtest.h>
+#include <cmath>
+#include <cstdint>
+#include <algorithm>
+#include <cstdlib>
+#include "devices/geom/listinfo.h"
+#include "devices/geom/walk.h"
+#include "devices/geom/walkhit.h"
+#include "native_support.h"
+#include "rl132/core/vmem.h"
+#include "shapewalk_support.h"
+
+using namespace rlgeom;
+using namespace rlwalktest;
+using rlnative::Rng;
+
+namespace {
+
+const unsigned kAll = WALK_SEGMENT | WALK_CORNER | WALK_END;
+
+GPOINT P(std::int32_t x, std::int32_t y) { GPOINT p = {x, y}; return p; }
+Event S(GPOINT a, GPOINT b) { Event e = {'S', {a, b}, 0}; return e; }
+Event C(GPOINT a, GPOINT b, GPOINT c) { Event e = {'C', {a, b, c, b}, 0}; return e; }
+Event E(unsigned n) { Event e = {'E', {}, n}; return e; }
+
+// The expected stream with each contour's count filled in from the answers.
+std::vector<Event> Counted(std::vector<Event> ev)
+{
+    unsigned n = 0;
+    for (Event& e : ev) {
+        if (e.kind == 'S')
+            n += Answer(e.p);
+        else if (e.kind == 'C')
+            n += Answer(e.p) + 7u;
+        else
+            e.n = n & 0xFFFFu, n = 0;
+    }
+    return ev;
+}
+
+std::string Describe(const std::vector<Event>& ev, std::size_t at)
+{
+    std::string s;
+    for (std::size_t i = at > 3 ? at - 3 : 0; i < ev.size() && i < at + 3; ++i) {
+        char b[160];
+        const Event& e = ev[i];
+        std::snprintf(b, sizeof b, "%s%zu %c (%d,%d) (%d,%d) (%d,%d) n=%u\n", i == at ? "> " : "  ", i, e.kind,
+                      e.p[0].x, e.p[0].y, e.p[1].x, e.p[1].y, e.p[2].x, e.p[2].y, e.n);
+        s += b;
+    }
+    return s;
+}
+
+::testing::AssertionResult SameStream(const std::vector<Event>& want, const std::vector<Event>& got)
+{
+    for (std::size_t i = 0; i < want.size() || i < got.size(); ++i)
+        if (i >= want.size() || i >= got.size() || !(want[i] == got[i]))
+            return ::testing::AssertionFailure() << "first difference at " << i << " of " << want.size() << "/"
+                                                 << got.size() << "\nwant\n" << Describe(want, i) << "got\n"
+                                                 << Describe(got, i);
+    return ::testing::AssertionSuccess();
+}
+
+// The walk and the reference over one shape, corners on and off.
+::testing::AssertionResult Agree(Shape& shape, const WALKMAP& map)
+{
+    for (int corners = 0; corners < 2; ++corners) {
+        Recorder want, got;
+        int nw = ref::Walk(shape, map, want, corners != 0);
+        int ng = WalkShape(shape.View(), map, got, corners ? kAll : (unsigned)(WALK_SEGMENT | WALK_END));
+        if (nw != ng)
+            return ::testing::AssertionFailure() << "contours " << nw << " vs " << ng;
+        ::testing::AssertionResult r = SameStream(want.ev, got.ev);
+        if (!r)
+            return r << (corners ? "(with corners)" : "(no corners)");
+    }
+    return ::testing::AssertionSuccess();
+}
+
+TEST(ShapeWalk, HandWorkedShapes)
+{
+    const WALKMAP id = IdentityMap();
+    {
+        // A rectangle: four pieces, a turn at every corner (the last one looks
+        // on to the first piece's end), and the first corner again to close.
+        Shape s;
+        s.Add(0, 0, 0x09), s.Add(10, 0, 0x08), s.Add(10, 5, 0x08), s.Add(0, 5, 0x0A);
+        Recorder r;
+        EXPECT_EQ(1, WalkShape(s.View(), id, r, kAll));
+        EXPECT_TRUE(SameStream(Counted({S(P(0, 0), P(10, 0)), C(P(0, 0), P(10, 0), P(10, 5)),
+                                        S(P(10, 0), P(10, 5)), C(P(10, 0), P(10, 5), P(0, 5)),
+                                        S(P(10, 5), P(0, 5)), C(P(10, 5), P(0, 5), P(0, 0)),
+                                        S(P(0, 5), P(0, 0)), C(P(0, 5), P(0, 0), P(10, 0)),
+                                        S(P(0, 0), P(0, 0)), E(0)}),
+                               r.ev));
+    }
+    {
+        // Two points are one line whatever their flags; no corner is looked for.
+        Shape s;
+        s.Add(3, 4, 0x00), s.Add(-7, 9, 0x30);
+        Recorder r;
+        EXPECT_EQ(1, WalkShape(s.View(), id, r, kAll));
+        EXPECT_TRUE(SameStream(Counted({S(P(3, 4), P(-7, 9)), S(P(-7, 9), P(-7, 9)), E(0)}), r.ev));
+    }
+    {
+        // An open polyline bending by 5 degrees (no corner) and then by 8 (a
+        // corner), 1000 pixels a leg; its open end is never a corner.
+        const double kPi = 3.14159265358979;
+        auto leg = [&](GPOINT from, double deg) {
+            return P(from.x + (std::int32_t)std::lround(1000 * std::cos(deg * kPi / 180)),
+                     from.y + (std::int32_t)std::lround(1000 * std::sin(deg * kPi / 180)));
+        };
+        GPOINT a = P(0, 0), b = leg(a, 0), c = leg(b, 5), d = leg(c, 13);
+        Shape s;
+        s.Add(a.x, a.y, 0x09), s.Add(b.x, b.y, 0x08), s.Add(c.x, c.y, 0x08), s.Add(d.x, d.y, 0x02);
+        Recorder r;
+        EXPECT_EQ(1, WalkShape(s.View(), id, r, kAll));
+        EXPECT_TRUE(SameStream(Counted({S(a, b), S(b, c), C(b, c, d), S(c, d), S(d, d), E(0)}), r.ev));
+    }
+    {
+        // A curve whose control points and end lie within 2 pixels of its start
+        // is one chord. The members not asked for are never called.
+        Shape s;
+        s.Add(100, 100, 0x11), s.Add(101, 102, 0x20), s.Add(102, 99, 0x20), s.Add(101, 101, 0x02);
+        Recorder r;
+        EXPECT_EQ(1, WalkShape(s.View(), id, r, WALK_SEGMENT));
+        EXPECT_TRUE(SameStream({S(P(100, 100), P(101, 101)), S(P(101, 101), P(101, 101))}, r.ev));
+        Recorder none;
+        EXPECT_EQ(1, WalkShape(s.View(), id, none, 0));
+        EXPECT_TRUE(none.ev.empty());
+    }
+    {
+        // Three contours: a closed triangle, an open line and a closing curve
+        // that starts at its contour's first point and runs back to it.
+        Shape s;
+        s.Add(0, 0, 0x09), s.Add(50, 0, 0x08), s.Add(0, 50, 0x0A);
+        s.Add(200, 0, 0x09), s.Add(300, 0, 0x02);
+        s.Add(500, 500, 0x13), s.Add(600, 400, 0x20), s.Add(600, 600, 0x20);
+        Recorder r;
+        EXPECT_EQ(3, WalkShape(s.View(), id, r, kAll));
+        EXPECT_TRUE(Agree(s, id));
+        int ends = 0;
+        for (const Event& e : r.ev)
+            ends += e.kind == 'E';
+        EXPECT_EQ(3, ends);
+    }
+}
+
+TEST(ShapeWalk, TightCurveEmitsAfterEightEntries)
+{
+    // A loop 30,000 pixels across: its first 1/128 still bulges by more than a
+    // pixel, yet the counter ends the first descent there (entries at depths
+    // 0 to 7). The chord's end is the truncated halving of the curve, within a
+    // pixel of the exact point.
+    const GPOINT c[4] = {P(0, 0), P(30000, 0), P(30000, 30000), P(0, 0)};
+    auto at = [&](double t) {
+        double u = 1 - t, a = u * u * u, b = 3 * u * u * t, d = 3 * u * t * t, e = t * t * t;
+        return std::make_pair(a * c[0].x + b * c[1].x + d * c[2].x + e * c[3].x,
+                              a * c[0].y + b * c[1].y + d * c[2].y + e * c[3].y);
+    };
+    GPOINT fixed[4];
+    for (int k = 0; k < 4; ++k)
+        fixed[k] = P(c[k].x * 4096, c[k].y * 4096);
+    Recorder r;
+    BEZCOUNTER counter = {0};
+    DivideBezier(fixed, r, WALK_SEGMENT, counter);
+    ASSERT_GE(r.ev.size(), 3u);
+    auto end = at(1.0 / 128), half = at(1.0 / 256);
+    EXPECT_NEAR(end.first, r.ev[0].p[1].x, 1.0);
+    EXPECT_NEAR(end.second, r.ev[0].p[1].y, 1.0);
+    // The bulge: the curve's point at 1/256 lies off that chord.
+    double cx = end.first, cy = end.second;
+    EXPECT_GT(std::fabs(cx * half.second - cy * half.first) / std::hypot(cx, cy), 1.0);
+    for (std::size_t k = 1; k < r.ev.size(); ++k)
+        ASSERT_EQ(r.ev[k - 1].p[1], r.ev[k].p[0]) << k;
+    EXPECT_EQ(0, counter.entries);
+    EXPECT_EQ(P(0, 0), r.ev.back().p[1]);
+}
+
+TEST(ShapeWalk, GeneratedShapesMatchTheReference)
+{
+    // Contours of lines and curves, open and closed, through maps that scale
+    // up and down with origins, up to device coordinates of 2^18 pixels
+    // (beyond that the 20.12 sums wrap; the fuzz loop covers those).
+    Rng rng(63);
+    for (int iter = 0; iter < 3000; ++iter) {
+        WALKMAP map = IdentityMap();
+        std::int32_t range = 1 << (3 + rng.Below(12));
+        if (iter % 3) {
+            const std::int32_t kRes[] = {72, 96, 100, 254, 300, 600, 1200, 1440};
+            map.identity = 0;
+            map.logH = kRes[rng.Below(8)], map.devH = kRes[rng.Below(8)];
+            map.logV = kRes[rng.Below(8)], map.devV = kRes[rng.Below(8)];
+            map.originX = (std::int32_t)rng.Below(2001) - 1000, map.originY = (std::int32_t)rng.Below(2001) - 1000;
+            if (iter % 7 == 0)   // logical coordinates at the 16-bit edge
+                range = 32767;
+        }
+        auto coord = [&] { return (long)((std::int32_t)rng.Below(2 * (std::uint32_t)range + 1) - range); };
+        Shape s;
+        unsigned contours = 1 + rng.Below(4);
+        for (unsigned k = 0; k < contours; ++k) {
+            unsigned segs = 1 + rng.Below(6);
+            bool closed = rng.Below(3) != 0;
+            long x0 = coord(), y0 = coord();
+            for (unsigned g = 0; g < segs; ++g) {
+                bool curve = rng.Below(2) != 0;
+                bool lastSeg = g + 1 == segs;
+                unsigned char f = (unsigned char)((g == 0 ? 0x01 : 0) | (curve ? 0x10 : 0x08) |
+                                                  (lastSeg && closed ? 0x02 : 0));
+                // Now and then a segment retraces or stays on its point.
+                long x = rng.Chance(8) ? x0 : coord(), y = rng.Chance(8) ? y0 : coord();
+                s.Add(g == 0 ? x0 : x, g == 0 ? y0 : y, f);
+                if (curve) {
+                    s.Add(coord(), coord(), 0x20);
+                    s.Add(coord(), coord(), 0x20);
+                }
+            }
+            if (!closed)
+                s.Add(coord(), coord(), 0x02);
+        }
+        ASSERT_TRUE(Agree(s, map)) << "iteration " << iter;
+    }
+}
+
+TEST(ShapeWalk, MappingAndMidpoints)
+{
+    // The device's own hand-worked lengths: (96 + 36) / 72 and (96 + 300) / 600.
+    EXPECT_EQ(1, MapCoord(1, 0, 72, 96));
+    EXPECT_EQ(0, MapCoord(1, 0, 600, 96));
+    EXPECT_EQ(0, MapCoord(-1, 0, 72, 96));    // (-96 + 36) / 72 truncates to 0
+    EXPECT_EQ(-2, MapCoord(-2, 0, 72, 96));   // (-192 + 36) / 72 = -2.17
+    EXPECT_EQ(0, MapCoord(5, 7, 0, 96));      // no logical units: 0, no fault
+    EXPECT_EQ(0, MapCoord(-1, 0, 96, 96));    // equal resolutions: -48 / 96
+    EXPECT_EQ(P(-5, 7), MapPoint(IdentityMap(), -5, 7));
+    EXPECT_EQ(P(-1, 1), MidPoint(P(-3, 0), P(1, 2)));
+    EXPECT_EQ(P(-1073741824, 0), MidPoint(P(0x7FFFFFFF, -1), P(1, 1)));   // the sum wraps
+    Rng rng(7);
+    for (int i = 0; i < 200000; ++i) {
+        std::int32_t l = (std::int32_t)rng.Edgy(), o = (std::int32_t)rng.Edgy();
+        std::int32_t lu = (std::int32_t)rng.Edgy(), du = (std::int32_t)rng.Edgy();
+        if (i & 1)
+            lu = (std::int32_t)rng.Below(3000) - 10, du = (std::int32_t)rng.Below(3000);
+        ASSERT_EQ(ref::Map(l, o, lu, du), MapCoord(l, o, lu, du)) << l << " " << o << " " << lu << " " << du;
+        GPOINT a = P((std::int32_t)rng.Edgy(), (std::int32_t)rng.Edgy()), b = P((std::int32_t)rng.Edgy(), l);
+        ASSERT_EQ(ref::Mid(a, b), MidPoint(a, b));
+    }
+}
+
+TEST(ShapeWalk, CornerAndStraightnessThresholds)
+{
+    // Straight on is no corner, 5 degrees is none, 8 is one; a neighbour on
+    // the joint always is. Both length branches (squares up to 10,000 and
+    // beyond) are taken. (Legs beyond about 1,460 pixels make dot * 1000 wrap
+    // at 32 bits, and the answer is then the wrapped one.)
+    const double kPi = 3.14159265358979;
+    for (double len : {40.0, 70.0, 99.0, 101.0, 500.0, 1400.0}) {
+        for (double bend : {0.0, 5.0, 8.0, 30.0, 90.0, 179.0}) {
+            GPOINT a = P(0, 0), b = P((std::int32_t)len, 0);
+            GPOINT c = P(b.x + (std::int32_t)std::lround(len * std::cos(bend * kPi / 180)),
+                         (std::int32_t)std::lround(len * std::sin(bend * kPi / 180)));
+            // Legs under 60 pixels round a 5-degree bend too far to say.
+            if (len >= 60 || bend != 5.0) {
+                EXPECT_EQ(bend >= 8.0, DetectCorner(a, b, c, 0)) << len << " " << bend;
+            }
+        }
+    }
+    EXPECT_TRUE(DetectCorner(P(5, 5), P(5, 5), P(9, 1), 0));
+    EXPECT_TRUE(DetectCorner(P(0, 0), P(5, 5), P(5, 5), 0));
+    EXPECT_FALSE(DetectCorner(P(0, 0), P(4096 * 10, 0), P(4096 * 20, 0), 1));
+    EXPECT_TRUE(DetectCorner(P(0, 0), P(4096 * 10, 0), P(4096 * 20, 4096 * 2), 1));
+
+    // Straightness: within 2 pixels of the start always; a bulge of 1 pixel on
+    // a 100-pixel chord is not straight, 1/8 pixel is, in 20.12.
+    EXPECT_TRUE(IsBezierStraight(P(0, 0), P(4096, -4096), P(-4096, 4096), 1));
+    EXPECT_FALSE(IsBezierStraight(P(0, 0), P(50 * 4096, 4096), P(100 * 4096, 0), 1));
+    EXPECT_TRUE(IsBezierStraight(P(0, 0), P(50 * 4096, 512), P(100 * 4096, 0), 1));
+    EXPECT_TRUE(IsBezierStraight(P(7, 7), P(8, 6), P(6, 8), 0));
+    EXPECT_FALSE(IsBezierStraight(P(0, 0), P(50, 4), P(100, 0), 0));
+
+    // Against the rules in 64-bit arithmetic, everywhere, wrapping included.
+    Rng rng(11);
+    for (int i = 0; i < 300000; ++i) {
+        std::int32_t s = i % 3 == 0 ? 0 : i % 3 == 1 ? 20 : 12;   // whole range, small, medium
+        auto v = [&] { return s ? (std::int32_t)(rng.U32() >> s) - (std::int32_t)(0x80000000u >> s) : (std::int32_t)rng.Edgy(); };
+        GPOINT a = P(v(), v()), b = P(v(), v()), c = P(v(), v());
+        ASSERT_EQ(ref::Corner(a, b, c), DetectCorner(a, b, c, 0));
+        ASSERT_EQ(ref::Straight(a, b, c, true), IsBezierStraight(a, b, c, 1));
+        ASSERT_EQ(ref::Straight(a, b, c, false), IsBezierStraight(a, b, c, 0));
+        if (s == 20) {
+            // Where nothing wraps, a corner means the cosine is above -0.994
+            // give or take the integer roots.
+            double ux = (double)b.x - a.x, uy = (double)b.y - a.y, wx = (double)b.x - c.x, wy = (double)b.y - c.y;
+            double nu = std::hypot(ux, uy), nw = std::hypot(wx, wy);
+            double dot = ux * wx + uy * wy;
+            if (nu > 1000 && nw > 1000 && std::fabs(dot) < 2147483.0) {
+                double cosine = dot / (nu * nw) * 1000;
+                if (std::fabs(cosine + 994) > 4) {
+                    ASSERT_EQ(cosine > -994, DetectCorner(a, b, c, 0)) << cosine;
+                }
+            }
+        }
+    }
+}
+
+TEST(ShapeWalk, ListInfoKeepsDistinctPointsPerContour)
+{
+    const WALKMAP id = IdentityMap();
+    LISTINFO list;
+    GPOINT* pts = 0;
+    int* counts = 0;
+    {
+        // A rectangle: its four corners and the first again.
+        Shape s;
+        s.Add(1, 2, 0x09), s.Add(11, 2, 0x08), s.Add(11, 7, 0x08), s.Add(1, 7, 0x0A);
+        ASSERT_EQ(1, ConvertShapeToPoints(s.View(), id, list, &pts, &counts));
+        ASSERT_EQ(5, counts[0]);
+        const GPOINT want[5] = {P(1, 2), P(11, 2), P(11, 7), P(1, 7), P(1, 2)};
+        for (int k = 0; k < 5; ++k)
+            EXPECT_EQ(want[k], pts[k]) << k;
+        vMemFree(pts), vMemFree(counts);
+        EXPECT_EQ(0, list.NoPoints());
+    }
+    {
+        // Repeats inside a contour are dropped, but a contour may start on the
+        // point the previous one ended on; an open two-point contour keeps both.
+        Shape s;
+        s.Add(0, 0, 0x09), s.Add(0, 0, 0x08), s.Add(5, 0, 0x08), s.Add(5, 0, 0x08), s.Add(5, 5, 0x0A);
+        s.Add(0, 0, 0x09), s.Add(9, 9, 0x02);
+        s.Add(4, 4, 0x03);
+        ASSERT_EQ(3, ConvertShapeToPoints(s.View(), id, list, &pts, &counts));
+        EXPECT_EQ(4, counts[0]);   // (0,0) (5,0) (5,5) (0,0)
+        EXPECT_EQ(2, counts[1]);   // (0,0) (9,9)
+        EXPECT_EQ(1, counts[2]);   // a lone point
+        const GPOINT want[7] = {P(0, 0), P(5, 0), P(5, 5), P(0, 0), P(0, 0), P(9, 9), P(4, 4)};
+        for (int k = 0; k < 7; ++k)
+            EXPECT_EQ(want[k], pts[k]) << k;
+        vMemFree(pts), vMemFree(counts);
+    }
+    {
+        // A shape with no finished contour hands nothing over.
+        Shape s;
+        s.Add(0, 0, 0x09), s.Add(5, 0, 0x08), s.Add(5, 5, 0x08);
+        EXPECT_EQ(0, ConvertShapeToPoints(s.View(), id, list, &pts, &counts));
+        EXPECT_EQ(nullptr, pts);
+        EXPECT_EQ(nullptr, counts);
+    }
+    {
+        // 65,535 points fill the 16-bit list; one more is refused and the
+        // shape is not handed over at all rather than with a short polygon.
+        for (unsigned n : {65534u, 65535u}) {
+            Shape s;
+            for (unsigned i = 0; i < n; ++i)
+                s.Add((long)(i % 1000), (long)(i / 1000), (unsigned char)(i == 0 ? 0x09 : i + 1 == n ? 0x0A : 0x08));
+            int got = ConvertShapeToPoints(s.View(), id, list, &pts, &counts);
+            // The closing repeat makes n + 1 points.
+            if (n + 1 <= 65535u) {
+                ASSERT_EQ(1, got);
+                EXPECT_EQ((int)n + 1, counts[0]);
+                EXPECT_EQ(P(0, 0), pts[n]);
+            } else {
+                EXPECT_EQ(0, got);
+                EXPECT_EQ(nullptr, pts);
+            }
+            vMemFree(pts), vMemFree(counts);
+            EXPECT_FALSE(list.Failed());
+        }
+    }
+    {
+        // Edges: pieces of length 0 (the contour ends' repeats among them) are none.
+        Shape s;
+        s.Add(0, 0, 0x09), s.Add(5, 0, 0x08), s.Add(5, 0, 0x08), s.Add(5, 5, 0x0A);
+        list.Clear();
+        EDGESINK edges(list);
+        EXPECT_EQ(1, WalkShape(s.View(), id, edges, WALK_SEGMENT));
+        ASSERT_EQ(3, list.NoLineSegs());
+        EXPECT_EQ(P(5, 5), list.LineSegs()[2].a);
+        EXPECT_EQ(P(0, 0), list.LineSegs()[2].b);
+        list.FreeAll();
+    }
+}
+
+TEST(ShapeWalk, ArbitraryTablesStayBounded)
+{
+    // Any flags, null slots, coordinates at the edges of 32-bit arithmetic and
+    // maps that wrap: the walk agrees with the reference (which shares only the
+    // depth bound), calls EndOfContour once per contour, and never runs away.
+    Rng rng(97);
+    for (int iter = 0; iter < 400; ++iter) {
+        WALKMAP map = IdentityMap();
+        if (iter & 1) {
+            map.identity = 0;
+            map.logH = (std::int32_t)rng.Edgy(), map.devH = (std::int32_t)rng.Edgy();
+            map.logV = (std::int32_t)rng.Below(5) - 1, map.devV = (std::int32_t)rng.Edgy();
+            map.originX = (std::int32_t)rng.Edgy(), map.originY = (std::int32_t)rng.Edgy();
+        }
+        Shape s;
+        unsigned n = rng.Below(24);
+        for (unsigned i = 0; i < n; ++i) {
+            const unsigned char kFlags[] = {0x01, 0x02, 0x08, 0x10, 0x20, 0x09, 0x11, 0x0A, 0x12, 0x03, 0x18, 0x1B};
+            unsigned char f = rng.Chance(4) ? (unsigned char)rng.Byte() : kFlags[rng.Below(12)];
+            long x = iter % 3 ? (long)(std::int32_t)rng.Edgy() : (long)(rng.Below(70001)) - 35000;
+            s.Add(x, (long)(std::int32_t)rng.Edgy(), f);
+        }
+        ASSERT_TRUE(Agree(s, map)) << "iteration " << iter;
+        Recorder r;
+        r.limit = 0;
+        int contours = WalkShape(s.View(), map, r, kAll);
+        EXPECT_EQ((unsigned long)contours, r.ends);
+        EXPECT_LE(r.pieces, (unsigned long)n * 20000 + 2);
+    }
+    // Null slots read as the logical origin with no flags.
+    Shape s;
+    s.Add(10, 10, 0x09), s.Add(20, 10, 0x08), s.Add(0, 0, 0x00), s.Add(5, 5, 0x02);
+    s.View();
+    s.table[1] = nullptr;
+    rlgeom::WALKSHAPE v = {&s.table[0], 4};
+    Recorder r;
+    EXPECT_EQ(1, WalkShape(v, IdentityMap(), r, kAll));
+    EXPECT_TRUE(SameStream(Counted({S(P(10, 10), P(0, 0)), C(P(10, 10), P(0, 0), P(0, 0)), S(P(0, 0), P(0, 0)),
+                                    E(0)}),
+                           r.ev));
+}
+
+TEST(ShapeWalk, HitTestAgreesWithAnUpwardRay)
+{
+    // Random polygons (self-crossing ones too) and contour sets on a small
+    // grid. A point on an edge is inside; elsewhere the parity of crossings of
+    // a ray going up must equal the library's rightward count.
+    Rng rng(5);
+    for (int iter = 0; iter < 3000; ++iter) {
+        std::vector<GPOINT> pts;
+        std::vector<int> counts;
+        int contours = 1 + (int)rng.Below(3);
+        for (int k = 0; k < contours; ++k) {
+            int n = 1 + (int)rng.Below(7);
+            for (int i = 0; i < n; ++i)
+                pts.push_back(P((std::int32_t)rng.Below(13) - 6, (std::int32_t)rng.Below(13) - 6));
+            counts.push_back(n);
+        }
+        for (std::int32_t y = -7; y <= 7; ++y)
+            for (std::int32_t x = -7; x <= 7; ++x) {
+                bool onEdge = false, up = false;
+                const GPOINT* run = &pts[0];
+                for (int k = 0; k < contours; ++k) {
+                    for (int i = 0; i < counts[k]; ++i) {
+                        GPOINT a = run[i], b = run[(i + 1) % counts[k]];
+                        long cross = (long)(b.x - a.x) * (y - a.y) - (long)(b.y - a.y) * (x - a.x);
+                        if (cross == 0 && x >= std::min(a.x, b.x) && x <= std::max(a.x, b.x) &&
+                            y >= std::min(a.y, b.y) && y <= std::max(a.y, b.y))
+                            onEdge = true;
+                        // Crossings of the ray from (x, y) upward (toward -y).
+                        if ((a.x > x) != (b.x > x)) {
+                            double yc = a.y + (double)(x - a.x) * (b.y - a.y) / (b.x - a.x);
+                            up ^= yc < y;
+                        }
+                    }
+                    run += counts[k];
+                }
+                bool got = PointInContours(&pts[0], &counts[0], contours, P(x, y));
+                ASSERT_EQ(onEdge || up, got) << iter << " at " << x << "," << y;
+            }
+    }
+    EXPECT_FALSE(PointInContours(nullptr, nullptr, 1, P(0, 0)));
+}
+
+} // namespace
