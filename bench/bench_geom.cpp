@@ -6,11 +6,10 @@
 #include <windows.h>
 #include <cstdio>
 #include <vector>
-// The geometry lives inside the DLL and is not exported; the bench builds its
-// own copy of the same sources.
-#include "devices/devmath.cpp"
-#include "devices/geom/listinfo.cpp"
-#include "devices/geom/walk.cpp"
+// The geometry is not exported from the DLL; benchmarks link the same objects
+// the DLL is built from.
+#include "devices/geom/listinfo.h"
+#include "devices/geom/walk.h"
 #include "rl132.h"
 
 namespace {

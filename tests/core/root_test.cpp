@@ -6,8 +6,17 @@
 #include "rl132.h"
 #include "exported_classes.inc"
 
+// Shapes keep the point table's layout without a root: their first field is a
+// vRECT, and an empty vOBJECT base before it would move every field by four
+// bytes. They are the only exceptions, and stay rootless on purpose.
+template <class T> struct RootExempt : std::false_type {};
+template <> struct RootExempt<vSHAPE> : std::true_type {};
+template <> struct RootExempt<vRECTSHAPE> : std::true_type {};
+template <> struct RootExempt<vELPSSHAPE> : std::true_type {};
+
 #define RL132_CHECK_ROOT(T) \
-    static_assert(std::is_base_of<vOBJECT, T>::value, #T " does not derive from vOBJECT");
+    static_assert(std::is_base_of<vOBJECT, T>::value != RootExempt<T>::value, \
+                  #T " does not derive from vOBJECT (or an exempt shape does)");
 RL132_EXPORTED_CLASSES(RL132_CHECK_ROOT)
 
 namespace {
