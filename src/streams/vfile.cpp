@@ -20,12 +20,6 @@
 
 namespace {
 const long kTemporaryMode = (long)vFILE_TEMPORARY;
-
-void PutLE(unsigned char* b, unsigned long v, unsigned long n)
-{
-    for (unsigned long i = 0; i < n; ++i)
-        b[i] = (unsigned char)(v >> (8 * i));
-}
 } // namespace
 
 vFILE::vFILE()
@@ -245,43 +239,9 @@ void vFILE::Flush()
     cacheOffset = cacheFill = 0;
 }
 
-unsigned long vFILE::WriteTypedBytes(const unsigned char* bytes, unsigned long count)
+unsigned long vFILE::RawWrite(const unsigned char* data, unsigned long count)
 {
-    return Write(bytes, count) == count ? 1 : 0;
-}
-
-unsigned short vFILE::WriteULong(unsigned long v)
-{
-    unsigned char b[4];
-    PutLE(b, v, 4);
-    return (unsigned short)WriteTypedBytes(b, 4);
-}
-
-unsigned short vFILE::WriteUWord(unsigned short v)
-{
-    unsigned char b[2];
-    PutLE(b, v, 2);
-    return (unsigned short)WriteTypedBytes(b, 2);
-}
-
-unsigned short vFILE::WriteUByte(unsigned char v) { return (unsigned short)WriteTypedBytes(&v, 1); }
-unsigned short vFILE::WriteSLong(long v) { return WriteULong((unsigned long)v); }
-unsigned short vFILE::WriteSWord(short v) { return WriteUWord((unsigned short)v); }
-unsigned short vFILE::WriteSByte(signed char v) { return WriteUByte((unsigned char)v); }
-
-unsigned short vFILE::WritePointer(const vOBJECT* object)
-{
-    // The address's bytes as they stand in memory.
-    unsigned char b[sizeof object];
-    memcpy(b, &object, sizeof object);
-    return (unsigned short)WriteTypedBytes(b, sizeof object);
-}
-
-unsigned long vFILE::WriteByteString(const unsigned char* text)
-{
-    if (!text)
-        return 0;
-    return Write(text, (unsigned long)strlen((const char*)text));
+    return Write(data, count);
 }
 
 unsigned long vFILE::LogicalEnd() const
@@ -383,69 +343,16 @@ long vFILE::ReadBuffered(unsigned char* out, unsigned long count)
     return (long)done;
 }
 
-void vFILE::ReadRawBytes(unsigned char* bytes, unsigned long count)
+long vFILE::RawRead(unsigned char* buffer, unsigned long count)
 {
-    memset(bytes, 0, count);
-    if (handle == INVALID_HANDLE_VALUE) {
-        SetStatus(vSTREAM_READERROR);
-        return;
-    }
-    Flush();
-    SetReadStatus((long)count, ReadBuffered(bytes, count));
-}
-
-unsigned long vFILE::ReadULong()
-{
-    unsigned char b[4];
-    ReadRawBytes(b, 4);
-    return DecodeULong(b);
-}
-
-unsigned short vFILE::ReadUWord()
-{
-    unsigned char b[2];
-    ReadRawBytes(b, 2);
-    return DecodeUWord(b);
-}
-
-unsigned char vFILE::ReadUByte()
-{
-    unsigned char b;
-    ReadRawBytes(&b, 1);
-    return b;
-}
-
-long vFILE::ReadSLong() { return (long)ReadULong(); }
-short vFILE::ReadSWord() { return (short)ReadUWord(); }
-signed char vFILE::ReadSByte() { return (signed char)ReadUByte(); }
-
-vOBJECT* vFILE::ReadPointer()
-{
-    vOBJECT* object;
-    unsigned char b[sizeof object];
-    ReadRawBytes(b, sizeof object);
-    memcpy(&object, b, sizeof object);
-    return object;
-}
-
-long vFILE::ReadByteString(unsigned char* buffer, unsigned long count)
-{
-    ClearLastCompressed();
     if (handle == INVALID_HANDLE_VALUE) {
         SetStatus(vSTREAM_READERROR);
         return 0;
     }
     Flush();
-    vSTREAMSTATUS before = Status();
-    unsigned long start = CurrentPos();
     long got = ReadBuffered(buffer, count);
     SetReadStatus((long)count, got);
-    if (got < 0)
-        return 0;
-    if (DetectingCompressed() && got >= 4 && buffer[0] == 0xB1 && buffer[1] == 0xAA &&
-        buffer[2] == 0x12 && buffer[3] == 0x00)
-        return ExpandFrame(buffer, count, (unsigned long)got, start, before);
-    return got;
+    return got < 0 ? 0 : got;
 }
 
 // ---------------------------------------------------------------- positioning
