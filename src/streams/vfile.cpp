@@ -197,6 +197,9 @@ unsigned long vFILE::Write(const void* data, unsigned long count)
 
 unsigned long vFILE::WriteCache(const void* data, unsigned long count)
 {
+    // Nothing to write may come with no data at all (WriteBlock(nullptr, 0)).
+    if (count == 0)
+        return 0;
     if (cacheOffset + count <= vFILE_CACHESIZE) {
         memcpy(cache + cacheOffset, data, count);
         cacheOffset += count;
