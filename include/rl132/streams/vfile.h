@@ -65,7 +65,7 @@ private:
     // Drops bytes between end and the end of a longer compressed attempt.
     void TrimTo(unsigned long end);
     unsigned long LogicalEnd() const;
-    int SeekTo(unsigned long offset, long high, unsigned long method, unsigned long* result);
+    int SeekTo(long long offset, int origin, unsigned long* result);
     // Reads through the read-ahead; returns the bytes delivered, -1 on an error
     // before anything was delivered.
     long ReadBuffered(unsigned char* out, unsigned long count);
