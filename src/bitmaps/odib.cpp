@@ -1,5 +1,6 @@
 // The image base: header and palette handling, and the stored form that both
 // image kinds read and write.
+#include <windows.h>
 #include "rl132/bitmaps/odib.h"
 #include <cstring>
 #include <new>

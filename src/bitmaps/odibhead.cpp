@@ -1,4 +1,5 @@
 // DIB headers and palettes (see odibhead.h).
+#include <windows.h>
 #include "rl132/bitmaps/odibhead.h"
 #include <cstring>
 #include "rl132/attributes/vcolour.h"

@@ -1,4 +1,5 @@
 // Images whose rows live in one block of memory.
+#include <windows.h>
 #include "rl132/bitmaps/odib.h"
 #include <cstring>
 #include "bitmaps/dibops.h"

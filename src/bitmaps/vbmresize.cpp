@@ -9,6 +9,7 @@
 //               into 24-bit colour when the depth changes;
 //   Ditherer    reduces emitted rows to 8, 4 or 1 bits;
 //   BlockSink   collects target rows into blocks for the target stream.
+#include <windows.h>
 #include "rl132/bitmaps/vbmresize.h"
 #include <cstring>
 #include "bitmaps/dibread.h"

@@ -1,5 +1,6 @@
 // Fill styles (vFILLSPEC): kinds, ownership of the pattern bitmap, the
 // one-sided comparison and the stream form.
+#include <windows.h>
 #include <gtest/gtest.h>
 #include <cstring>
 #include <vector>

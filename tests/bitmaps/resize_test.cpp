@@ -1,5 +1,6 @@
 // vBMRESIZE between streams: row and column picks, target palettes, the dither
 // plumbing, progress and stop requests, bad sources.
+#include <windows.h>
 #include <gtest/gtest.h>
 #include <cstring>
 #include "bmtest.h"

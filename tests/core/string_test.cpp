@@ -1,5 +1,6 @@
 // vSTRING's helpers against std::string oracles over generated text, plus
 // the intended quirks: reversed comparisons, formatted extracts, counting.
+#include <windows.h>
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <random>

@@ -3,8 +3,15 @@
 #include <cstdio>
 #include <rl132.h>
 
+// The header checks in the other files of this program.
+int OwnNames();
+int SystemFirst();
+int SystemAfter();
+
 int main()
 {
+    if (OwnNames() != 4 || !SystemFirst() || !SystemAfter())
+        return 2;
     vSTRING name("%s\\rl132-host.dat", ".");
     {
         vFILE file(name, vFILE_WRITENEW, 1);      // 1: through the write cache
@@ -26,7 +33,7 @@ int main()
     count << file;
     scale << file;
     file.Close();
-    DeleteFileA(name());
+    remove(name());
 
     vCOLOUR cyan(vCMYK, 0, 100, 0);               // packed CMYK: cyan 100 %
     cyan.Cyan(100);

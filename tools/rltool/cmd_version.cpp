@@ -1,4 +1,5 @@
 // rltool version: what the library read at load.
+#include <windows.h>
 #include <cstdio>
 #include "rl132.h"
 #include "rltool.h"

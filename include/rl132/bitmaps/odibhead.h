@@ -5,7 +5,7 @@
 // the pixel rows, bottom row first, each padded to a multiple of 4 bytes.
 #ifndef RL132_BITMAPS_ODIBHEAD_H
 #define RL132_BITMAPS_ODIBHEAD_H
-#include <windows.h>
+#include "rl132/core/rlwin.h"
 #include "rl132/core/rldefs.h"
 #include "rl132/core/vobject.h"
 

@@ -3,7 +3,7 @@
 // depth to 8, 4 or 1 bits on the way.
 #ifndef RL132_BITMAPS_VBMRESIZE_H
 #define RL132_BITMAPS_VBMRESIZE_H
-#include <windows.h>
+#include "rl132/core/rlwin.h"
 #include "rl132/core/rldefs.h"
 #include "rl132/core/vobject.h"
 

@@ -3,9 +3,7 @@
 #define RL132_CORE_VEXCEPT_H
 #include "rl132/core/vobject.h"
 
-#ifdef _WIN32
-#include <windows.h>
-#endif
+#include "rl132/core/rlwin.h"
 
 class RL132_API vEXCEPTION : public vOBJECT {
 public:

@@ -1,7 +1,7 @@
 // Resource identifiers and modules.
 #ifndef RL132_PLATFORM_VRESID_H
 #define RL132_PLATFORM_VRESID_H
-#include <windows.h>
+#include "rl132/core/rlwin.h"
 #include "rl132/core/vobject.h"
 
 // A resource: an identifier within a module. The module defaults to the library.

@@ -2,7 +2,7 @@
 // scratch buffers, default exception and the one place user-visible boxes go.
 #ifndef RL132_PLATFORM_VSYSTEM_H
 #define RL132_PLATFORM_VSYSTEM_H
-#include <windows.h>
+#include "rl132/core/rlwin.h"
 #include "rl132/core/vobject.h"
 #include "rl132/core/vexcept.h"
 #include "rl132/core/vmem.h"
