@@ -57,7 +57,7 @@ TEST(NativeCompress, RoundTripsAtEveryDictionaryModeAndLevelInRandomPieces)
             in[0] = (unsigned char)pick, in[1] = rng.Byte();
             Bytes d = MakeData(rng, n);
             std::copy(d.begin(), d.end(), in.begin() + 2);
-            ASSERT_TRUE(RoundTrip(in.data(), in.size())) << "pick " << pick << " size " << n;
+            ASSERT_TRUE(RoundTrip(in.data(), in.size())) << "pick " << pick << " size " << n << ": " << LastFailure();
         }
     }
 }

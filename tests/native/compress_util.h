@@ -82,16 +82,18 @@ inline bool RoundTrip(const unsigned char* data, size_t size)
     Pipe p{&rng, rng.Chance(4) ? 1 + rng.Below(3) : 0};
     const size_t workSize = level == 9 && rng.Chance(2) ? implode_work_size(9) : CMP_BUFFER_SIZE;
     if (Feed(p, plain, n, rng.Below(8), level, type, dsize, workSize) != 0 || p.badWrites)
-        return false;
+        return Fail("implode failed or wrote outside its bounds");
     Bytes packed = p.out;
     // The header names the mode and the dictionary.
     if (packed.size() < 2 || packed[0] != type || packed[1] != 4 + pick % 3)
-        return false;
+        return Fail("the header does not name the mode and dictionary");
     unsigned long long used = 0;
     Pipe q{&rng, rng.Chance(4) ? 1 + rng.Below(3) : 0};
     if (Feed(q, packed.data(), packed.size(), rng.Below(8), 0, 0, 0, EXP_BUFFER_SIZE, &used) != 0 || q.badWrites)
-        return false;
-    return q.out.size() == n && (n == 0 || std::memcmp(q.out.data(), plain, n) == 0) && used <= packed.size();
+        return Fail("explode failed or wrote outside its bounds");
+    if (q.out.size() != n || (n && std::memcmp(q.out.data(), plain, n) != 0) || used > packed.size())
+        return Fail("the data did not come back");
+    return true;
 }
 
 } // namespace rlnative

@@ -141,7 +141,7 @@ inline bool FileAgainstModel(const unsigned char* bytes, size_t size)
         vFILE f(vSTRING("%s", tmp.path.c_str()), vFILE_WRITENEW, cached);
         if (f.Status() != vSTREAM_OK) {
             rlsys::faults::Reset();
-            return false;
+            return Fail("the scratch file did not open");
         }
         auto statusOk = [&] {
             vSTREAMSTATUS st = f.Status();
@@ -282,18 +282,25 @@ inline bool FileAgainstModel(const unsigned char* bytes, size_t size)
                 m.status = vSTREAM_OK;
                 m.overflowed = false;
             }
-            if (!ok)
+            static char why[96];
+            if (!ok) {
+                std::snprintf(why, sizeof why, "op %d (kind %u): result or bytes", op, kind);
                 break;
+            }
             if (!failingReads) {
                 ok = f.CurrentPos() == m.pos && statusOk();
                 if (ok && !cached)
                     ok = f.Size() == m.data.size();
+                if (!ok)
+                    std::snprintf(why, sizeof why, "op %d (kind %u): position, status or size", op, kind);
             }
+            if (!ok)
+                LastFailure() = why;
         }
     }
     rlsys::faults::Reset();
-    if (ok && !failingReads)
-        ok = ReadWholeFile(tmp.path) == m.data;
+    if (ok && !failingReads && ReadWholeFile(tmp.path) != m.data)
+        return Fail("the bytes on disk at the end");
     return ok;
 }
 

@@ -16,7 +16,7 @@ TEST(NativeFile, ScriptsAgainstTheModelOnAFillingDisk)
         rng.Fill(script.data(), script.size());
         // Every cache and disk setting in turn; the rest of the script is noise.
         script[0] = (unsigned char)(iter & 0x3F);
-        ASSERT_TRUE(FileAgainstModel(script.data(), script.size())) << "iteration " << iter;
+        ASSERT_TRUE(FileAgainstModel(script.data(), script.size())) << "iteration " << iter << ": " << LastFailure();
     }
 }
 

@@ -19,18 +19,6 @@
 
 namespace rlnative {
 
-// Why the last harness run failed, for the test's message.
-inline const char*& LastFailure()
-{
-    static const char* why = "";
-    return why;
-}
-inline bool Fail(const char* why)
-{
-    LastFailure() = why;
-    return false;
-}
-
 // A memory stream that looks for frames in ReadByteString, as the file and
 // OLE streams do: the stream base's reader over memory.
 class FramedMem : public vMEMSTREAM {
