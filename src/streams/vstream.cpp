@@ -2,7 +2,7 @@
 // copy and the compression engine's callbacks.
 #include "rl132/streams/vstream.h"
 #include "rl132/streams/vimplode.h"
-#include "rl132/streams/vmemstream.h"
+#include "streams/frame.h"
 #include "rl132/core/vstring.h"
 #include "rl132/core/vmem.h"
 #include <cstring>
@@ -12,15 +12,12 @@ vARCHIVE::~vARCHIVE() {}
 int vARCHIVE::IsStream() const { return 0; }
 
 // The engine's callbacks reach their input and output only through this one
-// process-wide record (the engine's opaque parameter is always 0). Input comes
-// from a memory region, or, when `input` is null, straight from `source` with
-// frame detection off, so that a frame can be expanded without first reading
-// all of it into memory.
+// process-wide record (the engine's opaque parameter is always 0): input from
+// a memory region, output to a target stream.
 struct vSTREAMTRANSFER {
     const unsigned char* input;
     unsigned long left;
     vSTREAM* target;
-    vSTREAM* source;
     unsigned long written;  // bytes passed to the target since SetTransfer
 };
 
@@ -35,27 +32,6 @@ struct TransferScope {
     ~TransferScope() { transfer = saved; }
 };
 
-bool StartsWithMagic(const unsigned char* b)
-{
-    return b[0] == 0xB1 && b[1] == 0xAA && b[2] == 0x12 && b[3] == 0x00;
-}
-
-// The frame's length is written by WriteULong, which never swaps.
-unsigned long FrameLength(const unsigned char* b)
-{
-    return (unsigned long)b[0] | ((unsigned long)b[1] << 8) | ((unsigned long)b[2] << 16) |
-           ((unsigned long)b[3] << 24);
-}
-
-// Reads raw bytes from a stream with frame detection off.
-long ReadRaw(vSTREAM& s, unsigned char* buffer, unsigned long count)
-{
-    int detect = s.DetectingCompressed();
-    s.DetectCompressed(0);
-    long got = s.ReadByteString(buffer, count);
-    s.DetectCompressed(detect);
-    return got;
-}
 } // namespace
 
 vSTREAM::vSTREAM()
@@ -100,19 +76,138 @@ vSTRING& vSTREAM::Name() const
 int vSTREAM::Close() { return 0; }
 int vSTREAM::ReOpen() { return 0; }
 
-unsigned long vSTREAM::DecodeULong(const unsigned char* b) const
+// ---------------------------------------------------------------- raw access
+
+long vSTREAM::RawRead(unsigned char* buffer, unsigned long count)
 {
-    if (swapOrder)
-        return ((unsigned long)b[0] << 24) | ((unsigned long)b[1] << 16) |
-               ((unsigned long)b[2] << 8) | (unsigned long)b[3];
-    return FrameLength(b);
+    int keepDetect = detect, keepLast = lastCompressed;
+    detect = 0;
+    long got = ReadByteString(buffer, count);
+    detect = keepDetect;
+    lastCompressed = keepLast;
+    return got < 0 ? 0 : got;
 }
 
-unsigned short vSTREAM::DecodeUWord(const unsigned char* b) const
+unsigned long vSTREAM::RawWrite(const unsigned char* data, unsigned long count)
 {
+    int keep = compress;
+    compress = 0;
+    unsigned long n = WriteBlock(data, count);
+    compress = keep;
+    return n;
+}
+
+// ---------------------------------------------------------------- typed values
+
+namespace {
+void PutLE(unsigned char* b, unsigned long v, unsigned n)
+{
+    for (unsigned i = 0; i < n; ++i)
+        b[i] = (unsigned char)(v >> (8 * i));
+}
+} // namespace
+
+unsigned long vSTREAM::ReadULong()
+{
+    unsigned char b[4] = {0, 0, 0, 0};  // what the stream does not have reads as 0
+    RawRead(b, 4);
     if (swapOrder)
-        return (unsigned short)((b[0] << 8) | b[1]);
-    return (unsigned short)(b[0] | (b[1] << 8));
+        return ((unsigned long)b[0] << 24) | ((unsigned long)b[1] << 16) | ((unsigned long)b[2] << 8) |
+               (unsigned long)b[3];
+    return (unsigned long)b[0] | ((unsigned long)b[1] << 8) | ((unsigned long)b[2] << 16) |
+           ((unsigned long)b[3] << 24);
+}
+
+unsigned short vSTREAM::ReadUWord()
+{
+    unsigned char b[2] = {0, 0};
+    RawRead(b, 2);
+    return swapOrder ? (unsigned short)((b[0] << 8) | b[1]) : (unsigned short)(b[0] | (b[1] << 8));
+}
+
+unsigned char vSTREAM::ReadUByte()
+{
+    unsigned char b = 0;
+    RawRead(&b, 1);
+    return b;
+}
+
+// The signed forms are the same bytes.
+long vSTREAM::ReadSLong() { return (long)ReadULong(); }
+short vSTREAM::ReadSWord() { return (short)ReadUWord(); }
+signed char vSTREAM::ReadSByte() { return (signed char)ReadUByte(); }
+
+vOBJECT* vSTREAM::ReadPointer()
+{
+    vOBJECT* object;
+    unsigned char b[sizeof object] = {};
+    RawRead(b, sizeof object);
+    memcpy(&object, b, sizeof object);
+    return object;
+}
+
+unsigned short vSTREAM::WriteULong(unsigned long v)
+{
+    unsigned char b[4];
+    PutLE(b, v, 4);
+    return RawWrite(b, 4) == 4 ? 1 : 0;
+}
+
+unsigned short vSTREAM::WriteUWord(unsigned short v)
+{
+    unsigned char b[2];
+    PutLE(b, v, 2);
+    return RawWrite(b, 2) == 2 ? 1 : 0;
+}
+
+unsigned short vSTREAM::WriteUByte(unsigned char v) { return RawWrite(&v, 1) == 1 ? 1 : 0; }
+unsigned short vSTREAM::WriteSLong(long v) { return WriteULong((unsigned long)v); }
+unsigned short vSTREAM::WriteSWord(short v) { return WriteUWord((unsigned short)v); }
+unsigned short vSTREAM::WriteSByte(signed char v) { return WriteUByte((unsigned char)v); }
+
+unsigned short vSTREAM::WritePointer(const vOBJECT* object)
+{
+    // The address's bytes as they stand in memory.
+    unsigned char b[sizeof object];
+    memcpy(b, &object, sizeof object);
+    return RawWrite(b, sizeof object) == sizeof object ? 1 : 0;
+}
+
+unsigned long vSTREAM::WriteByteString(const unsigned char* text)
+{
+    if (!text)
+        return 0;
+    return RawWrite(text, (unsigned long)strlen((const char*)text));
+}
+
+// ---------------------------------------------------------------- byte strings
+
+long vSTREAM::ReadByteString(unsigned char* buffer, unsigned long count)
+{
+    lastCompressed = 0;
+    // What a settling read reports (a cache that could not be written out)
+    // happened before this read, and stands after a good frame.
+    RawRead(buffer, 0);
+    vSTREAMSTATUS before = status;
+    unsigned long start = CurrentPos();
+    long got = RawRead(buffer, count);
+    if (!detect || count < 4 || got < 4 || !rlframe::StartsWithMagic(buffer))
+        return got;
+    vSTREAMSTATUS readStatus = status;
+    MoveFromStart(start);
+    rlframe::Verdict v = rlframe::Expand(*this, buffer, count);
+    if (!v.frame) {
+        // Raw bytes that merely begin like a frame: they are delivered as they
+        // stand (the attempt may have written over them).
+        long again = RawRead(buffer, (unsigned long)got);
+        status = readStatus;
+        return again;
+    }
+    lastCompressed = 1;
+    // The raw read may have run into the end of the stream behind the frame;
+    // that is no failure. A failure reported before this read still stands.
+    status = v.delivered < count ? vSTREAM_SHORTREAD : before;
+    return (long)v.delivered;
 }
 
 // ---------------------------------------------------------------- the engine
@@ -124,22 +219,10 @@ unsigned int vSTREAM::Read(char* buffer, unsigned int* size, void*)
         want = transfer.left;
     if (want == 0)
         return 0;
-    if (transfer.input) {
-        memcpy(buffer, transfer.input, want);
-        transfer.input += want;
-        transfer.left -= want;
-        return (unsigned int)want;
-    }
-    if (!transfer.source)
-        return 0;
-    long got = ReadRaw(*transfer.source, (unsigned char*)buffer, want);
-    if (got <= 0) {
-        transfer.left = 0;
-        return 0;
-    }
-    // A short read means the source has ended: nothing more will come.
-    transfer.left = (unsigned long)got < want ? 0 : transfer.left - (unsigned long)got;
-    return (unsigned int)got;
+    memcpy(buffer, transfer.input, want);
+    transfer.input += want;
+    transfer.left -= want;
+    return (unsigned int)want;
 }
 
 void vSTREAM::WriteOut(char* buffer, unsigned int* size, void*)
@@ -159,7 +242,6 @@ void vSTREAM::SetTransfer(const unsigned char* input, unsigned long count, vSTRE
     transfer.input = input;
     transfer.left = input ? count : 0;
     transfer.target = target;
-    transfer.source = nullptr;
     transfer.written = 0;
 }
 
@@ -189,145 +271,6 @@ int vSTREAM::ExplodeTo(vSTREAM& target, const unsigned char* data, unsigned long
     return r;
 }
 
-// ---------------------------------------------------------------- the frame
-
-unsigned long vSTREAM::WriteFramed(const unsigned char* data, unsigned long count,
-                                   unsigned long* attemptEnd, int inMemory)
-{
-    unsigned long start = CurrentPos();
-    *attemptEnd = start;
-    if (count == 0)
-        return 0;
-    if (inMemory)
-        return WriteFramedFromMemory(data, count);
-    // The seeks below reset the status; what the caller had, or what failed
-    // while writing, is put back at the end.
-    vSTREAMSTATUS before = status;
-    status = vSTREAM_OK;
-
-    // A stream that refuses the magic (read only, not open) takes nothing: the
-    // attempt must not move the position on as if a frame had been written.
-    if (!WriteULong(vSTREAM_BLOCKMAGIC))
-        return 0;
-    WriteULong(0);  // the length, patched once the compressed size is known
-    unsigned long packed = ImplodeTo(*this, data, count);
-    compress = 1;
-    *attemptEnd = CurrentPos();
-    vSTREAMSTATUS failed = status;
-
-    unsigned long occupied;
-    if (packed != 0 && packed < count) {
-        MoveFromStart(start + 4);
-        WriteULong(packed);
-        if (status != vSTREAM_OK && failed == vSTREAM_OK)
-            failed = status;
-        MoveFromStart(start + vSTREAM_BLOCKHEADER + packed);
-        occupied = vSTREAM_BLOCKHEADER + packed;
-    } else {
-        // Not smaller: the bytes go in raw where the magic began.
-        MoveFromStart(start);
-        compress = 0;
-        occupied = WriteBlock(data, count);
-        compress = 1;
-        failed = status;
-    }
-    status = failed != vSTREAM_OK ? failed : before;
-    return occupied;
-}
-
-// Over existing bytes a compressed attempt that turns out no smaller would have
-// overwritten bytes beyond the raw run. So the block is compressed into memory
-// first (never more than count bytes are kept: beyond that it cannot win) and
-// only the winner is written.
-unsigned long vSTREAM::WriteFramedFromMemory(const unsigned char* data, unsigned long count)
-{
-    unsigned char* packedData = (unsigned char*)vMemAlloc(count);
-    unsigned long packed = 0;
-    if (packedData) {
-        unsigned char* out = packedData;
-        vMEMSTREAM sink(&out, count, vSTRING(), 0, 0);
-        packed = ImplodeTo(sink, data, count);
-    }
-    compress = 0;
-    unsigned long occupied;
-    if (packed != 0 && packed < count) {
-        if (WriteULong(vSTREAM_BLOCKMAGIC)) {
-            WriteULong(packed);
-            occupied = vSTREAM_BLOCKHEADER + WriteBlock(packedData, packed);
-        } else {
-            occupied = 0;
-        }
-    } else {
-        occupied = WriteBlock(data, count);
-    }
-    compress = 1;
-    vMemFree(packedData);
-    return occupied;
-}
-
-long vSTREAM::ExpandFrame(unsigned char* buffer, unsigned long count, unsigned long got,
-                          unsigned long start, vSTREAMSTATUS before)
-{
-    vSTREAMSTATUS readStatus = status;
-    unsigned char header[vSTREAM_BLOCKHEADER];
-    memcpy(header, buffer, got < vSTREAM_BLOCKHEADER ? got : vSTREAM_BLOCKHEADER);
-    if (got < vSTREAM_BLOCKHEADER) {
-        // The caller asked for fewer bytes than the frame's header: fetch the
-        // rest of it. Without it this is not a frame, and the bytes stand raw.
-        unsigned long missing = vSTREAM_BLOCKHEADER - got;
-        if ((unsigned long)ReadRaw(*this, header + got, missing) != missing) {
-            MoveFromStart(start + got);
-            status = readStatus;
-            return (long)got;
-        }
-    }
-    unsigned long length = FrameLength(header + 4);
-    unsigned long size = Size();
-    unsigned long dataStart = start + vSTREAM_BLOCKHEADER;
-    unsigned long available = size > dataStart ? size - dataStart : 0;
-    bool truncated = length > available;
-    unsigned long take = truncated ? available : length;
-
-    char* work = (char*)vMemAlloc(EXP_BUFFER_SIZE);
-    if (!work) {
-        MoveFromStart(start + got);
-        status = readStatus;
-        return (long)got;
-    }
-    unsigned long delivered;
-    unsigned int result;
-    {
-        // The expansion writes into the caller's buffer, never beyond count.
-        unsigned char* out = buffer;
-        vMEMSTREAM sink(&out, count, vSTRING(), 0, 0);
-        TransferScope scope;
-        MoveFromStart(dataStart);
-        SetTransfer(nullptr, 0, &sink);
-        transfer.source = this;
-        transfer.left = take;
-        result = explode(Read, WriteOut, work, nullptr);
-        delivered = sink.CurrentPos();
-    }
-    vMemFree(work);
-
-    if ((result == CMP_INVALID_DICTSIZE || result == CMP_INVALID_MODE || result == CMP_BAD_DATA) &&
-        delivered == 0 && !truncated) {
-        // The magic was a coincidence in raw data: what follows it is no
-        // implode stream (no valid header, or too short to hold one). Deliver
-        // the bytes as they are.
-        MoveFromStart(start);
-        long again = ReadRaw(*this, buffer, got);
-        status = readStatus;
-        return again;
-    }
-    MoveFromStart(dataStart + take);
-    lastCompressed = 1;
-    // The raw read may have run into the end of the stream behind the frame;
-    // that is no failure. A failure reported before this read still stands.
-    status = (truncated || delivered < count) ? vSTREAM_SHORTREAD : before;
-    return (long)delivered;
-}
-
 // ---------------------------------------------------------------- the copy
 
 vSTREAM& vSTREAM::operator=(vSTREAM& source)
@@ -337,7 +280,7 @@ vSTREAM& vSTREAM::operator=(vSTREAM& source)
     // A zero-byte read makes a file source write out its cache, so that its
     // size and position below are those of the data.
     unsigned char none;
-    ReadRaw(source, &none, 0);
+    source.RawRead(&none, 0);
     unsigned long pos = source.CurrentPos();
     unsigned long size = source.Size();
     if (size <= pos)
@@ -352,34 +295,15 @@ vSTREAM& vSTREAM::operator=(vSTREAM& source)
     }
     while (!source.AtEnd()) {
         unsigned long at = source.CurrentPos();
-        long got = ReadRaw(source, buffer, piece);
+        long got = source.RawRead(buffer, piece);
         if (got <= 0)
             break;
-        if (!compress && (unsigned long)got >= vSTREAM_BLOCKHEADER && StartsWithMagic(buffer)) {
+        if (!compress && got >= 4 && rlframe::StartsWithMagic(buffer)) {
             // A frame: expand it straight from the source, then go on after it.
-            unsigned long length = FrameLength(buffer + 4);
-            unsigned long dataStart = at + vSTREAM_BLOCKHEADER;
-            unsigned long end = source.Size();
-            unsigned long available = end > dataStart ? end - dataStart : 0;
-            unsigned long take = length < available ? length : available;
-            char* work = (char*)vMemAlloc(EXP_BUFFER_SIZE);
-            if (!work) {
-                status = vSTREAM_WRITEERROR;
-                break;
-            }
-            {
-                TransferScope scope;
-                source.MoveFromStart(dataStart);
-                SetTransfer(nullptr, 0, this);
-                transfer.source = &source;
-                transfer.left = take;
-                explode(Read, WriteOut, work, nullptr);
-            }
-            vMemFree(work);
-            source.MoveFromStart(dataStart + take);
-            if (take == 0 && dataStart >= end)
-                break;
-            continue;
+            source.MoveFromStart(at);
+            if (rlframe::ExpandTo(source, *this).frame)
+                continue;
+            source.MoveFromStart(at + (unsigned long)got);
         }
         unsigned long written = WriteBlock(buffer, (unsigned long)got);
         // A compressing destination stores the piece in fewer bytes; only a

@@ -30,13 +30,14 @@ LINEPARAMS Params(int lineType, std::int32_t width, int corner = 2, int dash = 1
     return p;
 }
 
-// The floor of the root of a 64-bit value, by bisection on 128-bit squares.
+// The floor of the root of a 64-bit value, by bisection. mid stays below 2^32,
+// so mid * mid fits 64 bits and no wider type is needed (a 32-bit build has none).
 std::uint64_t FloorRoot(std::uint64_t n)
 {
     std::uint64_t lo = 0, hi = 1ull << 32;
     while (hi - lo > 1) {
         std::uint64_t mid = (lo + hi) / 2;
-        ((unsigned __int128)mid * mid <= n ? lo : hi) = mid;
+        (mid * mid <= n ? lo : hi) = mid;
     }
     return lo;
 }
