@@ -14,6 +14,7 @@
 #include <windows.h>
 #include "rl132/streams/vfile.h"
 #include "rl132/core/vstring.h"
+#include "streams/frame.h"
 #include "rl132/core/vmem.h"
 #include <cstring>
 
@@ -297,7 +298,7 @@ unsigned long vFILE::WriteBlock(const unsigned char* data, unsigned long count)
         return Write(data, count);
     unsigned long endBefore = LogicalEnd();
     unsigned long attemptEnd;
-    unsigned long occupied = WriteFramed(data, count, &attemptEnd, CurrentPos() < endBefore);
+    unsigned long occupied = rlframe::Write(*this, data, count, CurrentPos() >= endBefore, &attemptEnd);
     unsigned long pos = CurrentPos();
     unsigned long end = pos > endBefore ? pos : endBefore;
     if (attemptEnd > end)

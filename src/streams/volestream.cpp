@@ -3,6 +3,7 @@
 #include <objidl.h>
 #include "rl132/streams/volestream.h"
 #include "rl132/core/vstring.h"
+#include "streams/frame.h"
 #include <cstring>
 
 namespace {
@@ -106,7 +107,7 @@ unsigned long vOLESTREAM::WriteBlock(const unsigned char* data, unsigned long co
         return Update(data, count);
     unsigned long endBefore = length;
     unsigned long attemptEnd;
-    unsigned long occupied = WriteFramed(data, count, &attemptEnd, CurrentPos() < endBefore);
+    unsigned long occupied = rlframe::Write(*this, data, count, CurrentPos() >= endBefore, &attemptEnd);
     unsigned long end = position > endBefore ? position : endBefore;
     if (attemptEnd > end && stream) {
         // The raw bytes were shorter than the compressed attempt: drop its tail.

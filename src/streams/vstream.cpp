@@ -2,7 +2,7 @@
 // copy and the compression engine's callbacks.
 #include "rl132/streams/vstream.h"
 #include "rl132/streams/vimplode.h"
-#include "rl132/streams/vmemstream.h"
+#include "streams/frame.h"
 #include "rl132/core/vstring.h"
 #include "rl132/core/vmem.h"
 #include <cstring>
@@ -12,15 +12,12 @@ vARCHIVE::~vARCHIVE() {}
 int vARCHIVE::IsStream() const { return 0; }
 
 // The engine's callbacks reach their input and output only through this one
-// process-wide record (the engine's opaque parameter is always 0). Input comes
-// from a memory region, or, when `input` is null, straight from `source` with
-// frame detection off, so that a frame can be expanded without first reading
-// all of it into memory.
+// process-wide record (the engine's opaque parameter is always 0): input from
+// a memory region, output to a target stream.
 struct vSTREAMTRANSFER {
     const unsigned char* input;
     unsigned long left;
     vSTREAM* target;
-    vSTREAM* source;
     unsigned long written;  // bytes passed to the target since SetTransfer
 };
 
@@ -35,13 +32,7 @@ struct TransferScope {
     ~TransferScope() { transfer = saved; }
 };
 
-bool StartsWithMagic(const unsigned char* b)
-{
-    return b[0] == 0xB1 && b[1] == 0xAA && b[2] == 0x12 && b[3] == 0x00;
-}
-
-// The frame's length is written by WriteULong, which never swaps.
-unsigned long FrameLength(const unsigned char* b)
+unsigned long LE32(const unsigned char* b)
 {
     return (unsigned long)b[0] | ((unsigned long)b[1] << 8) | ((unsigned long)b[2] << 16) |
            ((unsigned long)b[3] << 24);
@@ -105,7 +96,7 @@ unsigned long vSTREAM::DecodeULong(const unsigned char* b) const
     if (swapOrder)
         return ((unsigned long)b[0] << 24) | ((unsigned long)b[1] << 16) |
                ((unsigned long)b[2] << 8) | (unsigned long)b[3];
-    return FrameLength(b);
+    return LE32(b);
 }
 
 unsigned short vSTREAM::DecodeUWord(const unsigned char* b) const
@@ -124,22 +115,10 @@ unsigned int vSTREAM::Read(char* buffer, unsigned int* size, void*)
         want = transfer.left;
     if (want == 0)
         return 0;
-    if (transfer.input) {
-        memcpy(buffer, transfer.input, want);
-        transfer.input += want;
-        transfer.left -= want;
-        return (unsigned int)want;
-    }
-    if (!transfer.source)
-        return 0;
-    long got = ReadRaw(*transfer.source, (unsigned char*)buffer, want);
-    if (got <= 0) {
-        transfer.left = 0;
-        return 0;
-    }
-    // A short read means the source has ended: nothing more will come.
-    transfer.left = (unsigned long)got < want ? 0 : transfer.left - (unsigned long)got;
-    return (unsigned int)got;
+    memcpy(buffer, transfer.input, want);
+    transfer.input += want;
+    transfer.left -= want;
+    return (unsigned int)want;
 }
 
 void vSTREAM::WriteOut(char* buffer, unsigned int* size, void*)
@@ -159,7 +138,6 @@ void vSTREAM::SetTransfer(const unsigned char* input, unsigned long count, vSTRE
     transfer.input = input;
     transfer.left = input ? count : 0;
     transfer.target = target;
-    transfer.source = nullptr;
     transfer.written = 0;
 }
 
@@ -191,141 +169,24 @@ int vSTREAM::ExplodeTo(vSTREAM& target, const unsigned char* data, unsigned long
 
 // ---------------------------------------------------------------- the frame
 
-unsigned long vSTREAM::WriteFramed(const unsigned char* data, unsigned long count,
-                                   unsigned long* attemptEnd, int inMemory)
-{
-    unsigned long start = CurrentPos();
-    *attemptEnd = start;
-    if (count == 0)
-        return 0;
-    if (inMemory)
-        return WriteFramedFromMemory(data, count);
-    // The seeks below reset the status; what the caller had, or what failed
-    // while writing, is put back at the end.
-    vSTREAMSTATUS before = status;
-    status = vSTREAM_OK;
-
-    // A stream that refuses the magic (read only, not open) takes nothing: the
-    // attempt must not move the position on as if a frame had been written.
-    if (!WriteULong(vSTREAM_BLOCKMAGIC))
-        return 0;
-    WriteULong(0);  // the length, patched once the compressed size is known
-    unsigned long packed = ImplodeTo(*this, data, count);
-    compress = 1;
-    *attemptEnd = CurrentPos();
-    vSTREAMSTATUS failed = status;
-
-    unsigned long occupied;
-    if (packed != 0 && packed < count) {
-        MoveFromStart(start + 4);
-        WriteULong(packed);
-        if (status != vSTREAM_OK && failed == vSTREAM_OK)
-            failed = status;
-        MoveFromStart(start + vSTREAM_BLOCKHEADER + packed);
-        occupied = vSTREAM_BLOCKHEADER + packed;
-    } else {
-        // Not smaller: the bytes go in raw where the magic began.
-        MoveFromStart(start);
-        compress = 0;
-        occupied = WriteBlock(data, count);
-        compress = 1;
-        failed = status;
-    }
-    status = failed != vSTREAM_OK ? failed : before;
-    return occupied;
-}
-
-// Over existing bytes a compressed attempt that turns out no smaller would have
-// overwritten bytes beyond the raw run. So the block is compressed into memory
-// first (never more than count bytes are kept: beyond that it cannot win) and
-// only the winner is written.
-unsigned long vSTREAM::WriteFramedFromMemory(const unsigned char* data, unsigned long count)
-{
-    unsigned char* packedData = (unsigned char*)vMemAlloc(count);
-    unsigned long packed = 0;
-    if (packedData) {
-        unsigned char* out = packedData;
-        vMEMSTREAM sink(&out, count, vSTRING(), 0, 0);
-        packed = ImplodeTo(sink, data, count);
-    }
-    compress = 0;
-    unsigned long occupied;
-    if (packed != 0 && packed < count) {
-        if (WriteULong(vSTREAM_BLOCKMAGIC)) {
-            WriteULong(packed);
-            occupied = vSTREAM_BLOCKHEADER + WriteBlock(packedData, packed);
-        } else {
-            occupied = 0;
-        }
-    } else {
-        occupied = WriteBlock(data, count);
-    }
-    compress = 1;
-    vMemFree(packedData);
-    return occupied;
-}
-
 long vSTREAM::ExpandFrame(unsigned char* buffer, unsigned long count, unsigned long got,
                           unsigned long start, vSTREAMSTATUS before)
 {
     vSTREAMSTATUS readStatus = status;
-    unsigned char header[vSTREAM_BLOCKHEADER];
-    memcpy(header, buffer, got < vSTREAM_BLOCKHEADER ? got : vSTREAM_BLOCKHEADER);
-    if (got < vSTREAM_BLOCKHEADER) {
-        // The caller asked for fewer bytes than the frame's header: fetch the
-        // rest of it. Without it this is not a frame, and the bytes stand raw.
-        unsigned long missing = vSTREAM_BLOCKHEADER - got;
-        if ((unsigned long)ReadRaw(*this, header + got, missing) != missing) {
-            MoveFromStart(start + got);
-            status = readStatus;
-            return (long)got;
-        }
-    }
-    unsigned long length = FrameLength(header + 4);
-    unsigned long size = Size();
-    unsigned long dataStart = start + vSTREAM_BLOCKHEADER;
-    unsigned long available = size > dataStart ? size - dataStart : 0;
-    bool truncated = length > available;
-    unsigned long take = truncated ? available : length;
-
-    char* work = (char*)vMemAlloc(EXP_BUFFER_SIZE);
-    if (!work) {
-        MoveFromStart(start + got);
-        status = readStatus;
-        return (long)got;
-    }
-    unsigned long delivered;
-    unsigned int result;
-    {
-        // The expansion writes into the caller's buffer, never beyond count.
-        unsigned char* out = buffer;
-        vMEMSTREAM sink(&out, count, vSTRING(), 0, 0);
-        TransferScope scope;
-        MoveFromStart(dataStart);
-        SetTransfer(nullptr, 0, &sink);
-        transfer.source = this;
-        transfer.left = take;
-        result = explode(Read, WriteOut, work, nullptr);
-        delivered = sink.CurrentPos();
-    }
-    vMemFree(work);
-
-    if ((result == CMP_INVALID_DICTSIZE || result == CMP_INVALID_MODE || result == CMP_BAD_DATA) &&
-        delivered == 0 && !truncated) {
-        // The magic was a coincidence in raw data: what follows it is no
-        // implode stream (no valid header, or too short to hold one). Deliver
-        // the bytes as they are.
-        MoveFromStart(start);
+    MoveFromStart(start);
+    rlframe::Verdict v = rlframe::Expand(*this, buffer, count);
+    if (!v.frame) {
+        // Raw bytes that merely begin like a frame: they are delivered as they
+        // stand (the attempt may have written over them).
         long again = ReadRaw(*this, buffer, got);
         status = readStatus;
         return again;
     }
-    MoveFromStart(dataStart + take);
     lastCompressed = 1;
     // The raw read may have run into the end of the stream behind the frame;
     // that is no failure. A failure reported before this read still stands.
-    status = (truncated || delivered < count) ? vSTREAM_SHORTREAD : before;
-    return (long)delivered;
+    status = v.delivered < count ? vSTREAM_SHORTREAD : before;
+    return (long)v.delivered;
 }
 
 // ---------------------------------------------------------------- the copy
@@ -355,31 +216,12 @@ vSTREAM& vSTREAM::operator=(vSTREAM& source)
         long got = ReadRaw(source, buffer, piece);
         if (got <= 0)
             break;
-        if (!compress && (unsigned long)got >= vSTREAM_BLOCKHEADER && StartsWithMagic(buffer)) {
+        if (!compress && got >= 4 && rlframe::StartsWithMagic(buffer)) {
             // A frame: expand it straight from the source, then go on after it.
-            unsigned long length = FrameLength(buffer + 4);
-            unsigned long dataStart = at + vSTREAM_BLOCKHEADER;
-            unsigned long end = source.Size();
-            unsigned long available = end > dataStart ? end - dataStart : 0;
-            unsigned long take = length < available ? length : available;
-            char* work = (char*)vMemAlloc(EXP_BUFFER_SIZE);
-            if (!work) {
-                status = vSTREAM_WRITEERROR;
-                break;
-            }
-            {
-                TransferScope scope;
-                source.MoveFromStart(dataStart);
-                SetTransfer(nullptr, 0, this);
-                transfer.source = &source;
-                transfer.left = take;
-                explode(Read, WriteOut, work, nullptr);
-            }
-            vMemFree(work);
-            source.MoveFromStart(dataStart + take);
-            if (take == 0 && dataStart >= end)
-                break;
-            continue;
+            source.MoveFromStart(at);
+            if (rlframe::ExpandTo(source, *this).frame)
+                continue;
+            source.MoveFromStart(at + (unsigned long)got);
         }
         unsigned long written = WriteBlock(buffer, (unsigned long)got);
         // A compressing destination stores the piece in fewer bytes; only a

@@ -12,6 +12,7 @@
 #include "rl132/core/vobject.h"
 
 class vSTRING;
+namespace rlframe { struct StreamAccess; }
 
 // The status a stream keeps after a failing operation. It stays until the next
 // operation that resets it (a successful open, a seek, the end of a copy).
@@ -147,21 +148,10 @@ protected:
     // expansion leaves it as it was.
     long ExpandFrame(unsigned char* buffer, unsigned long count, unsigned long got,
                      unsigned long start, vSTREAMSTATUS before);
-    // The compressing WriteBlock shared by the streams that compress: the frame,
-    // or the raw bytes when the frame would not be smaller. Raw bytes go through
-    // WriteBlock with compression off. When appending, the frame is written as
-    // it is compressed and *attemptEnd receives the position the attempt
-    // reached, so the caller can drop what lies beyond a raw fallback; with
-    // inMemory (over existing bytes) the block is compressed into memory first
-    // and only the winner is written. Returns the bytes the block occupies.
-    unsigned long WriteFramed(const unsigned char* data, unsigned long count,
-                              unsigned long* attemptEnd, int inMemory);
-
     friend struct vSTREAMTRANSFER;
+    friend struct rlframe::StreamAccess;
 
 private:
-    unsigned long WriteFramedFromMemory(const unsigned char* data, unsigned long count);
-
     vSTREAMSTATUS status;
     vSTRING* name;
     short refCount;
