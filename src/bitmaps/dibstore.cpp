@@ -4,12 +4,12 @@
 #include "rl132/core/vmem.h"
 #include "rl132/streams/vmemstream.h"
 #include "rl132/streams/vstream.h"
+#include "streams/frame.h"
 
 namespace rldib {
 
 namespace {
-const unsigned long kFrameMagic = 0x0012AAB1UL;
-const unsigned long kFrameHeader = 8;
+const unsigned long kFrameHeader = rlframe::kHeaderBytes;
 // Raw rows are read in pieces of about this many bytes.
 const unsigned long kRawPiece = 262144;
 
@@ -44,7 +44,7 @@ StoredSource::StoredSource(vSTREAM& stream)
 }
 
 StoredSource::StoredSource(const unsigned char* bytes, unsigned long size)
-    : s_(nullptr), bytes_(bytes), size_(bytes ? size : 0), pos_(0), frames_(false)
+    : s_(nullptr), bytes_(bytes), size_(bytes ? size : 0), pos_(0), frames_(true)
 {
 }
 
@@ -84,17 +84,22 @@ bool StoredSource::ReadRaw(unsigned char* out, unsigned long n)
 
 bool StoredSource::FrameAhead(unsigned long* length)
 {
+    // Only the header is looked at: whether a frame really stands here is
+    // rlframe's verdict, which costs an expansion.
     if (!frames_)
         return false;
-    unsigned long at = Position(), left = Remaining();
+    const unsigned long at = Position(), left = Remaining();
     if (left < kFrameHeader)
         return false;
     unsigned char h[kFrameHeader];
-    bool read = ReadRaw(h, kFrameHeader);
+    const bool read = ReadRaw(h, kFrameHeader);
     Seek(at);
-    if (!read || Get32(h) != kFrameMagic || Get32(h + 4) > left - kFrameHeader)
+    if (!read || !rlframe::StartsWithMagic(h))
         return false;
-    *length = Get32(h + 4);
+    const unsigned long n = Get32(h + 4);
+    if (n > left - kFrameHeader)
+        return false;
+    *length = n;
     return true;
 }
 
@@ -102,20 +107,18 @@ bool StoredSource::ReadBlock(unsigned char* out, unsigned long n, bool* framed)
 {
     if (framed)
         *framed = false;
-    unsigned long length = 0;
-    if (n && FrameAhead(&length)) {
-        // A frame parses when the stream expands it, consuming exactly its
-        // length, into exactly the block: anything else was raw bytes that
-        // began like one.
-        unsigned long at = Position();
-        long got = s_->ReadByteString(out, n);
-        if (got >= 0 && (unsigned long)got == n && s_->UnCompressed() &&
-            Position() == at + kFrameHeader + length) {
+    if (n && frames_) {
+        // A frame only when it expands cleanly to exactly the block; anything
+        // else is raw bytes that began like one.
+        rlframe::Verdict v = s_ ? rlframe::Expand(*s_, out, n, n)
+                                : rlframe::Expand(bytes_ + pos_, size_ - pos_, out, n, n);
+        if (v.frame) {
+            if (!s_)
+                pos_ += v.stored;
             if (framed)
                 *framed = true;
             return true;
         }
-        Seek(at);
     }
     return ReadRaw(out, n);
 }

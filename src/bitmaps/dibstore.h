@@ -34,9 +34,9 @@ namespace rldib {
 
 // ---------------------------------------------------------------- sources
 
-// Where stored bytes come from: a stream, whose blocks may be compressed
-// frames (as far as the stream detects them), or a byte range in memory,
-// which holds plain bytes only.
+// Where stored bytes come from: a stream (whose frame detection, when off,
+// means plain bytes) or a byte range in memory. Either may hold compressed
+// frames; rlframe (streams/frame.h) gives the verdict on each.
 class StoredSource {
 public:
     explicit StoredSource(vSTREAM& stream);
@@ -52,8 +52,9 @@ public:
     // compressed frame when one starts here and parses, n raw bytes otherwise;
     // *framed (when given) says which. False when neither is there.
     bool ReadBlock(unsigned char* out, unsigned long n, bool* framed = nullptr);
-    // True, with the frame's length, when a would-be frame starts at the
-    // position and its length fits in what remains. Nothing is moved.
+    // True, with the frame's length, when a frame's header starts at the
+    // position and its length fits in what remains: a frame could stand here,
+    // judged by sizes alone, without expanding it. Nothing is moved.
     bool FrameAhead(unsigned long* length);
     // From here on no bytes are taken for a frame (a plain bitmap file).
     void Plain() { frames_ = false; }
