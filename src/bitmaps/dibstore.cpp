@@ -19,6 +19,15 @@ unsigned long Get32(const unsigned char* p)
            ((unsigned long)p[3] << 24);
 }
 
+// A row for converted pixels: its padding stays 0.
+unsigned char* NewRow(std::uint32_t stride)
+{
+    unsigned char* row = (unsigned char*)vMemAlloc(stride);
+    if (row)
+        std::memset(row, 0, stride);
+    return row;
+}
+
 // Turns rows stored top row first into bottom row first, in place.
 void TurnOver(unsigned char* rows, std::uint32_t height, std::uint32_t stride)
 {
@@ -241,7 +250,7 @@ bool RowReader::Init()
         return true;
     }
     // Whole rows per chunk, so that each chunk is one seek and one read.
-    row_ = (unsigned char*)vMemAlloc(plan_.keptStride);
+    row_ = NewRow(plan_.keptStride);
     std::uint64_t rows = kRawPiece / plan_.storedStride;
     rows = rows ? rows : 1;
     cap_ = (unsigned long)(rows * plan_.storedStride < plan_.storedSize ? rows * plan_.storedStride
@@ -255,7 +264,7 @@ bool RowReader::InitForward()
 {
     if (plan_.height == 0 || plan_.storedStride == 0)
         return false;
-    row_ = (unsigned char*)vMemAlloc(plan_.keptStride);
+    row_ = NewRow(plan_.keptStride);
     stored_ = (unsigned char*)vMemAlloc(plan_.storedStride);
     unsigned long length = 0;
     if (src_.MayHoldFrames() && plan_.storedBits == 24) {

@@ -46,10 +46,10 @@ void AverageRow(const unsigned char* s, unsigned char* d, const std::uint32_t* m
 }
 
 // Blocks freed on every way out.
-struct Held {
+struct Owned {
     void* p[3] = {nullptr, nullptr, nullptr};
     oDIBPALETTE* palette = nullptr;
-    ~Held()
+    ~Owned()
     {
         for (void* q : p)
             vMemFree(q);
@@ -90,7 +90,7 @@ int Resample(const ResampleJob& job)
     // display has one) in place of the cube for 8 bits; the dithers then map
     // onto those entries.
     const DitherTarget& dither = DitherFor(change ? targetBits : 0);
-    Held held;
+    Owned held;
     if (dither.bits) {
         Quad quads[kMaxPalette];
         if (dither.bits == 8 && job.cube)

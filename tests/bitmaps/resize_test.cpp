@@ -210,6 +210,14 @@ TEST(Resize, TopDownSourcesKeepTheirWayUp)
             for (const auto& sz : sizes) {
                 std::vector<unsigned char> want = ScaledBytes(fa, sz[0], sz[1], (unsigned char)sz[2]);
                 ASSERT_FALSE(want.empty()) << bits;
+                if ((bits == 16 || bits == 32) && !sz[2]) {
+                    // Rows converted to 24 bits keep their padding 0.
+                    const unsigned long tw = sz[0] ? sz[0] : w, th = sz[1] ? sz[1] : h, ts = oDIBHEADER::Stride(24, tw);
+                    ASSERT_EQ(want.size(), 40 + ts * th);
+                    for (unsigned long y = 0; y < th; ++y)
+                        for (unsigned long i = 3 * tw; i < ts; ++i)
+                            ASSERT_EQ(want[40 + y * ts + i], 0) << bits << " row " << y;
+                }
                 EXPECT_EQ(ScaledBytes(fb, sz[0], sz[1], (unsigned char)sz[2]), want) << bits << " bits, file " << sz[0];
                 EXPECT_EQ(ScaledBytes(mb, sz[0], sz[1], (unsigned char)sz[2]), want) << bits << " bits, memory " << sz[0];
             }
