@@ -364,6 +364,17 @@ const unsigned char* RowReader::Next(bool skip)
     return skip ? stored_ : Kept(stored_);
 }
 
+bool RowReader::Read(unsigned char* rows, std::uint32_t count)
+{
+    for (std::uint32_t y = 0; y < count; ++y) {
+        const unsigned char* r = Next();
+        if (!r)
+            return false;
+        std::memcpy(rows + (std::size_t)y * plan_.keptStride, r, plan_.keptStride);
+    }
+    return true;
+}
+
 unsigned long RowReader::Progress() const
 {
     if (mode_ == kForward)
@@ -402,14 +413,8 @@ bool RowReader::ReadAll(unsigned char* rows)
     } else {
         // 16 and 32 bits: stored order row by row, then turned over below.
         RowReader forward(src_, plan_);
-        if (!forward.InitForward())
+        if (!forward.InitForward() || !forward.Read(rows, plan_.height))
             return false;
-        for (std::uint32_t y = 0; y < plan_.height; ++y) {
-            const unsigned char* r = forward.Next();
-            if (!r)
-                return false;
-            std::memcpy(rows + (std::size_t)y * plan_.keptStride, r, plan_.keptStride);
-        }
     }
     if (plan_.topDown)
         TurnOver(rows, plan_.height, plan_.keptStride);

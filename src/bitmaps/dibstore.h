@@ -111,6 +111,9 @@ public:
     // With skip the row is consumed without being assembled (the result only
     // says whether it was there).
     const unsigned char* Next(bool skip = false);
+    // The next count rows into `rows`, keptStride bytes apart (a strip of a
+    // larger picture); false when the source ran short.
+    bool Read(unsigned char* rows, std::uint32_t count);
     // How far the rows have come, as a source position: for progress reports.
     unsigned long Progress() const;
 
