@@ -14,8 +14,8 @@ add_library(rl132_testsupport STATIC ${RL132_TEST_SUPPORT})
 target_link_libraries(rl132_testsupport PUBLIC RL132 GTest::gtest PRIVATE rl132_image_kernels)
 target_include_directories(rl132_testsupport PUBLIC ${CMAKE_SOURCE_DIR}/tests/support ${CMAKE_SOURCE_DIR}/src)
 target_compile_options(rl132_testsupport PRIVATE ${RL132_WARNINGS})
-get_filename_component(RL132_SHARED_DIR ${CMAKE_SOURCE_DIR}/../shared ABSOLUTE)
-target_compile_definitions(rl132_testsupport PUBLIC RL132_SHARED_DIR="Z:${RL132_SHARED_DIR}")
+# The test data kept in the repository, as Wine sees it (the Unix root is Z:).
+target_compile_definitions(rl132_testsupport PUBLIC RL132_DATA_DIR="Z:${CMAKE_SOURCE_DIR}/tests/data")
 
 # One test program per subsystem folder; tests/<sub>/display8/ holds the ones that
 # need a 256-colour screen and run under Xvfb at depth 8.

@@ -37,12 +37,10 @@ run implode "$(win "$DEMO/sample.txt")" "$(win "$DEMO/sample.imp")"
 run explode "$(win "$DEMO/sample.imp")" "$(win "$DEMO/sample.out")"
 cmp -s "$DEMO/sample.txt" "$DEMO/sample.out" && echo "(expanded file is identical to the original)" && echo
 
-# Images: a bitmap from the shared BMP suite, when it is beside the checkout.
-BMP="$ROOT/../shared/corpus/bmp/good/rgb24.bmp"
-if [ -f "$BMP" ]; then
-  run info "$(win "$BMP")"
-  run resize "$(win "$BMP")" "$(win "$DEMO/small8.bmp")" --width 64 --keep-aspect --bits 8
-  run info "$(win "$DEMO/small8.bmp")"
-fi
+# Images: a bitmap from the public BMP suite kept with the tests.
+BMP="$ROOT/tests/data/corpus/bmp/good/rgb24.bmp"
+run info "$(win "$BMP")"
+run resize "$(win "$BMP")" "$(win "$DEMO/small8.bmp")" --width 64 --keep-aspect --bits 8
+run info "$(win "$DEMO/small8.bmp")"
 # Damaged or foreign input is refused with a message and exit code 1.
 run explode "$(win "$DEMO/sample.txt")" "$(win "$DEMO/never.out")"

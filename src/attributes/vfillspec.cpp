@@ -1,14 +1,9 @@
 // Fill styles (see vfillspec.h).
 #include "rl132/attributes/vfillspec.h"
-#include "rl132/bitmaps/odib.h"
 #include "rl132/streams/vstream.h"
+#include "attributes/fillbitmap.h"
 
-namespace {
-oDIB* CopyOf(const oDIB* dib)
-{
-    return dib ? new oSTREAMDIB(*dib, 0) : nullptr;
-}
-} // namespace
+using fillbitmap::Copy;
 
 vFILLSPEC::vFILLSPEC(vFILLTYPE t, const vCOLOUR& f, const vCOLOUR& c, const vANGLE& a, vFILLMODE m)
     : from(f), to(c), angle(a), type(t), mode(m), bitmap(nullptr)
@@ -16,7 +11,7 @@ vFILLSPEC::vFILLSPEC(vFILLTYPE t, const vCOLOUR& f, const vCOLOUR& c, const vANG
 }
 
 vFILLSPEC::vFILLSPEC(const oDIB& dib)
-    : from(), to(), angle(), type(vFT_BITMAP), mode(vFM_ALTERNATE), bitmap(CopyOf(&dib))
+    : from(), to(), angle(), type(vFT_BITMAP), mode(vFM_ALTERNATE), bitmap(Copy(&dib))
 {
 }
 
@@ -28,11 +23,11 @@ vFILLSPEC::vFILLSPEC(vSTREAM& stream)
 
 vFILLSPEC::vFILLSPEC(const vFILLSPEC& o)
     : vOBJECT(), from(o.from), to(o.to), angle(o.angle), type(o.type), mode(o.mode),
-      bitmap(CopyOf(o.bitmap))
+      bitmap(Copy(o.bitmap))
 {
 }
 
-vFILLSPEC::~vFILLSPEC() { delete bitmap; }
+vFILLSPEC::~vFILLSPEC() { fillbitmap::Free(bitmap); }
 
 vFILLSPEC& vFILLSPEC::operator=(const vFILLSPEC& o)
 {
@@ -43,8 +38,8 @@ vFILLSPEC& vFILLSPEC::operator=(const vFILLSPEC& o)
     type = o.type;
     angle = o.angle;
     mode = o.mode;
-    delete bitmap;
-    bitmap = CopyOf(o.bitmap);
+    fillbitmap::Free(bitmap);
+    bitmap = Copy(o.bitmap);
     return *this;
 }
 
@@ -79,7 +74,7 @@ vSTREAM& vFILLSPEC::operator>>(vSTREAM& s) const
     s.WriteSLong(angle());
     s.WriteUWord((unsigned short)mode);
     if (bitmap)
-        *bitmap >> s;   // begins with its 40-byte header: first word 40
+        fillbitmap::Write(*bitmap, s);   // begins with its 40-byte header: first word 40
     else
         s.WriteUWord(0);
     return s;
@@ -92,11 +87,11 @@ vSTREAM& vFILLSPEC::operator<<(vSTREAM& s)
     to << s;
     angle = vANGLE::FromRaw(s.ReadSLong());
     mode = (vFILLMODE)(unsigned int)s.ReadUWord();
-    delete bitmap;
+    fillbitmap::Free(bitmap);
     bitmap = nullptr;
     if (s.ReadUWord() == 40) {
         s.MoveFromCur(-2);
-        bitmap = new oSTREAMDIB(s, 0);
+        bitmap = fillbitmap::Read(s);
     }
     return s;
 }

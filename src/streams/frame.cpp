@@ -26,17 +26,12 @@ namespace rlframe {
 struct StreamAccess {
     static long ReadRaw(vSTREAM& s, unsigned char* buffer, unsigned long count)
     {
-        int detect = s.detect, last = s.lastCompressed;
-        s.detect = 0;
-        long got = s.ReadByteString(buffer, count);
-        s.detect = detect;
-        s.lastCompressed = last;
+        long got = s.RawRead(buffer, count);
         return got < 0 ? 0 : got;
     }
     static unsigned long WriteRaw(vSTREAM& s, const unsigned char* data, unsigned long count)
     {
-        s.compress = 0;
-        unsigned long n = s.WriteBlock(data, count);
+        unsigned long n = s.RawWrite(data, count);
         s.compress = 1;
         return n;
     }

@@ -3,7 +3,7 @@
 // The cache holds the file bytes [base, base + cacheFill), none of them on disk
 // yet; the stream's position is base + cacheOffset, with cacheOffset <= cacheFill.
 // While a cache exists the system's file pointer stays at base, so writing the
-// cache out is one WriteFile at the pointer, and a move to any position inside
+// cache out is one write at the pointer, and a move to any position inside
 // the cached bytes is just a new offset.
 //
 // Between writes the same memory reads ahead: it then holds the readLen bytes
@@ -11,39 +11,35 @@
 // the stream's position is base - readLen + readPos. Every operation other
 // than a read first gives the unread bytes back (DropReadAhead), so the write
 // cache and the read-ahead never hold bytes at the same time.
-#include <windows.h>
 #include "rl132/streams/vfile.h"
 #include "rl132/core/vstring.h"
 #include "streams/frame.h"
+#include "platform/sys_file.h"
 #include "rl132/core/vmem.h"
 #include <cstring>
 
 namespace {
 const long kTemporaryMode = (long)vFILE_TEMPORARY;
-
-void PutLE(unsigned char* b, unsigned long v, unsigned long n)
-{
-    for (unsigned long i = 0; i < n; ++i)
-        b[i] = (unsigned char)(v >> (8 * i));
-}
+// Room for a temporary file's path (the system's paths are shorter).
+const unsigned long kPathRoom = 512;
 } // namespace
 
 vFILE::vFILE()
-    : vSTREAM(), handle(INVALID_HANDLE_VALUE), cacheOffset(0), cacheFill(0), base(0),
+    : vSTREAM(), handle(rlsys::kNoFile), cacheOffset(0), cacheFill(0), base(0),
       cache(nullptr), mode(kTemporaryMode), readLen(0), readPos(0)
 {
     Constructor();
 }
 
 vFILE::vFILE(const vSTRING& name, unsigned long m, int cached)
-    : vSTREAM(name, 0), handle(INVALID_HANDLE_VALUE), cacheOffset(0), cacheFill(0), base(0),
+    : vSTREAM(name, 0), handle(rlsys::kNoFile), cacheOffset(0), cacheFill(0), base(0),
       cache(nullptr), mode((long)m), readLen(0), readPos(0)
 {
     OpenFile(name, m, cached);
 }
 
 vFILE::vFILE(const vFILE& other)
-    : vSTREAM(), handle(INVALID_HANDLE_VALUE), cacheOffset(0), cacheFill(0), base(0),
+    : vSTREAM(), handle(rlsys::kNoFile), cacheOffset(0), cacheFill(0), base(0),
       cache(nullptr), mode(kTemporaryMode), readLen(0), readPos(0)
 {
     Constructor();
@@ -64,9 +60,9 @@ vFILE::~vFILE()
         cache = nullptr;
     }
     if (NoRef()) {
-        if (handle != INVALID_HANDLE_VALUE)
-            CloseHandle(handle);
-        handle = INVALID_HANDLE_VALUE;
+        if (handle != rlsys::kNoFile)
+            rlsys::FileClose(handle);
+        handle = rlsys::kNoFile;
         if (mode == kTemporaryMode)
             Delete();
     }
@@ -80,28 +76,25 @@ vFILE& vFILE::operator=(vFILE& source)
 
 vSTRING& vFILE::ID() const { return Name(); }
 
-int vFILE::Delete() { return DeleteFileA(Name()()) ? 1 : 0; }
+int vFILE::Delete() { return rlsys::FileDelete(Name()()) ? 1 : 0; }
 
 // ---------------------------------------------------------------- opening
 
 void vFILE::Constructor()
 {
-    char dir[501];
-    char path[MAX_PATH + 1];
+    char path[kPathRoom];
     mode = kTemporaryMode;
     cacheOffset = cacheFill = 0;
     readLen = readPos = 0;
     base = 0;
-    handle = INVALID_HANDLE_VALUE;
-    DWORD n = GetTempPathA(500, dir);
-    if (n == 0 || n > 500 || !GetTempFileNameA(dir, "rl", 0, path)) {
+    handle = rlsys::kNoFile;
+    if (!rlsys::TempFileName("rl", path, sizeof path)) {
         SetStatus(vSTREAM_OPENFAILED);
         return;
     }
     Name() = path;
-    handle = CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, nullptr,
-                         CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    SetStatus(handle == INVALID_HANDLE_VALUE ? vSTREAM_OPENFAILED : vSTREAM_OK);
+    handle = rlsys::FileOpen(path, rlsys::kFileReadWrite, rlsys::kFileCreateAlways);
+    SetStatus(handle == rlsys::kNoFile ? vSTREAM_OPENFAILED : vSTREAM_OK);
 }
 
 void vFILE::OpenFile(const vSTRING& name, unsigned long m, int cached)
@@ -117,49 +110,41 @@ void vFILE::OpenFile(const vSTRING& name, unsigned long m, int cached)
         vMemFree(cache);
         cache = nullptr;
     }
-    handle = INVALID_HANDLE_VALUE;
+    handle = rlsys::kNoFile;
 
     const char* path = name();
-    // The probe: does the file exist? A file someone holds open exists too,
-    // even though this unshared open is refused.
-    HANDLE probe = CreateFileA(path, GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    bool exists = probe != INVALID_HANDLE_VALUE || GetLastError() == ERROR_SHARING_VIOLATION;
-    if (probe != INVALID_HANDLE_VALUE)
-        CloseHandle(probe);
-
-    DWORD access = m == vFILE_READONLY ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
+    // A file someone holds open exists too.
+    bool exists = rlsys::FileExists(path);
+    rlsys::FileAccess access = m == vFILE_READONLY ? rlsys::kFileRead : rlsys::kFileReadWrite;
     if (mode < 0) {
         if (!exists) {
             SetStatus(vSTREAM_NOTFOUND);
             return;
         }
-        handle = CreateFileA(path, access, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                             FILE_ATTRIBUTE_NORMAL, nullptr);
+        handle = rlsys::FileOpen(path, access, rlsys::kFileOpenExisting);
     } else {
         if (!exists) {
-            HANDLE created = CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ,
-                                         nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-            if (created != INVALID_HANDLE_VALUE)
-                CloseHandle(created);
+            rlsys::FileHandle created = rlsys::FileOpen(path, rlsys::kFileReadWrite, rlsys::kFileCreateNew);
+            if (created != rlsys::kNoFile)
+                rlsys::FileClose(created);
         }
-        handle = CreateFileA(path, access, FILE_SHARE_READ, nullptr,
-                             m == vFILE_WRITENEW ? TRUNCATE_EXISTING : OPEN_EXISTING,
-                             FILE_ATTRIBUTE_NORMAL, nullptr);
+        handle = rlsys::FileOpen(path, access,
+                                 m == vFILE_WRITENEW ? rlsys::kFileTruncateExisting : rlsys::kFileOpenExisting);
     }
-    if (handle == INVALID_HANDLE_VALUE)
+    if (handle == rlsys::kNoFile)
         SetStatus(vSTREAM_OPENFAILED);
 }
 
 int vFILE::Close()
 {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (handle == rlsys::kNoFile)
         return 0;
     // What waits in the cache belongs to the file.
     DropReadAhead();
     if (cache && cacheFill)
         Flush();
-    BOOL ok = CloseHandle(handle);
-    handle = INVALID_HANDLE_VALUE;
+    bool ok = rlsys::FileClose(handle);
+    handle = rlsys::kNoFile;
     cacheOffset = cacheFill = 0;
     base = 0;
     return ok ? 1 : 0;
@@ -167,20 +152,20 @@ int vFILE::Close()
 
 int vFILE::ReOpen()
 {
-    if (handle != INVALID_HANDLE_VALUE)
+    if (handle != rlsys::kNoFile)
         Close();
     if (Name()()[0])
         OpenFile(Name(), (unsigned long)mode, 0);
     else
         Constructor();
-    return handle != INVALID_HANDLE_VALUE ? 1 : 0;
+    return handle != rlsys::kNoFile ? 1 : 0;
 }
 
 // ---------------------------------------------------------------- writing
 
 unsigned long vFILE::Write(const void* data, unsigned long count)
 {
-    if (handle == INVALID_HANDLE_VALUE) {
+    if (handle == rlsys::kNoFile) {
         SetStatus(vSTREAM_WRITEERROR);
         return 0;
     }
@@ -192,9 +177,7 @@ unsigned long vFILE::Write(const void* data, unsigned long count)
         DropReadAhead();
         return WriteCache(data, count);
     }
-    DWORD written = 0;
-    if (count && !WriteFile(handle, data, count, &written, nullptr))
-        written = 0;
+    unsigned long written = count ? rlsys::FileWrite(handle, data, count) : 0;
     base += written;
     if (written < count)
         SetStatus(vSTREAM_WRITEERROR);
@@ -203,6 +186,9 @@ unsigned long vFILE::Write(const void* data, unsigned long count)
 
 unsigned long vFILE::WriteCache(const void* data, unsigned long count)
 {
+    // Nothing to write may come with no data at all (WriteBlock(nullptr, 0)).
+    if (count == 0)
+        return 0;
     if (cacheOffset + count <= vFILE_CACHESIZE) {
         memcpy(cache + cacheOffset, data, count);
         cacheOffset += count;
@@ -218,9 +204,7 @@ unsigned long vFILE::WriteCache(const void* data, unsigned long count)
         cacheOffset = cacheFill = (unsigned short)count;
         return count;
     }
-    DWORD written = 0;
-    if (!WriteFile(handle, data, count, &written, nullptr))
-        written = 0;
+    unsigned long written = rlsys::FileWrite(handle, data, count);
     base += written;
     if (written < count)
         SetStatus(vSTREAM_WRITEERROR);
@@ -231,57 +215,20 @@ void vFILE::Flush()
 {
     if (!cache || (!cacheFill && !cacheOffset))
         return;
-    if (cacheFill) {
-        DWORD written = 0;
-        if (!WriteFile(handle, cache, cacheFill, &written, nullptr) || written != cacheFill)
-            SetStatus(vSTREAM_WRITEERROR);
-    }
-    // The position may lie inside the bytes just written (after a move back).
-    if (cacheOffset != cacheFill) {
-        LONG high = 0;
-        SetFilePointer(handle, (LONG)(base + cacheOffset), &high, FILE_BEGIN);
-    }
+    unsigned long written = cacheFill ? rlsys::FileWrite(handle, cache, cacheFill) : 0;
+    if (written != cacheFill)
+        SetStatus(vSTREAM_WRITEERROR);
+    // The position may lie inside the bytes just written (after a move back),
+    // or beyond what a full disk took: the system's pointer follows the stream.
+    if (written != cacheOffset)
+        rlsys::FileSeek(handle, (long long)(base + cacheOffset), rlsys::kFromStart, nullptr);
     base += cacheOffset;
     cacheOffset = cacheFill = 0;
 }
 
-unsigned long vFILE::WriteTypedBytes(const unsigned char* bytes, unsigned long count)
+unsigned long vFILE::RawWrite(const unsigned char* data, unsigned long count)
 {
-    return Write(bytes, count) == count ? 1 : 0;
-}
-
-unsigned short vFILE::WriteULong(unsigned long v)
-{
-    unsigned char b[4];
-    PutLE(b, v, 4);
-    return (unsigned short)WriteTypedBytes(b, 4);
-}
-
-unsigned short vFILE::WriteUWord(unsigned short v)
-{
-    unsigned char b[2];
-    PutLE(b, v, 2);
-    return (unsigned short)WriteTypedBytes(b, 2);
-}
-
-unsigned short vFILE::WriteUByte(unsigned char v) { return (unsigned short)WriteTypedBytes(&v, 1); }
-unsigned short vFILE::WriteSLong(long v) { return WriteULong((unsigned long)v); }
-unsigned short vFILE::WriteSWord(short v) { return WriteUWord((unsigned short)v); }
-unsigned short vFILE::WriteSByte(signed char v) { return WriteUByte((unsigned char)v); }
-
-unsigned short vFILE::WritePointer(const vOBJECT* object)
-{
-    // The address's bytes as they stand in memory.
-    unsigned char b[sizeof object];
-    memcpy(b, &object, sizeof object);
-    return (unsigned short)WriteTypedBytes(b, sizeof object);
-}
-
-unsigned long vFILE::WriteByteString(const unsigned char* text)
-{
-    if (!text)
-        return 0;
-    return Write(text, (unsigned long)strlen((const char*)text));
+    return Write(data, count);
 }
 
 unsigned long vFILE::LogicalEnd() const
@@ -313,11 +260,9 @@ void vFILE::TrimTo(unsigned long end)
         cacheFill = (unsigned short)(end > base + cacheOffset ? end - base : cacheOffset);
     if (Size() > end) {
         Flush();
-        LONG high = 0;
-        SetFilePointer(handle, (LONG)end, &high, FILE_BEGIN);
-        SetEndOfFile(handle);
-        high = 0;
-        SetFilePointer(handle, (LONG)pos, &high, FILE_BEGIN);
+        rlsys::FileSeek(handle, (long long)end, rlsys::kFromStart, nullptr);
+        rlsys::FileTruncate(handle);
+        rlsys::FileSeek(handle, (long long)pos, rlsys::kFromStart, nullptr);
         base = pos;
     }
 }
@@ -338,8 +283,7 @@ void vFILE::DropReadAhead()
         return;
     unsigned long back = (unsigned long)(readLen - readPos);
     if (back) {
-        LONG high = -1;
-        SetFilePointer(handle, -(LONG)back, &high, FILE_CURRENT);
+        rlsys::FileSeek(handle, -(long long)back, rlsys::kFromCurrent, nullptr);
         base -= back;
     }
     readLen = readPos = 0;
@@ -362,104 +306,44 @@ long vFILE::ReadBuffered(unsigned char* out, unsigned long count)
         // position. Large reads go straight into the caller's buffer.
         readLen = readPos = 0;
         unsigned long left = count - done;
-        DWORD got = 0;
-        BOOL ok;
         if (!cache || left >= vFILE_CACHESIZE) {
-            ok = ReadFile(handle, out + done, left, &got, nullptr);
-            base += got;
-            done += got;
-            if (!ok)
+            long got = rlsys::FileRead(handle, out + done, left);
+            if (got < 0)
                 return done ? (long)done : -1;
+            base += (unsigned long)got;
+            done += (unsigned long)got;
             break;
         }
-        ok = ReadFile(handle, cache, vFILE_CACHESIZE, &got, nullptr);
-        base += got;
-        readLen = (unsigned short)got;
-        if (!ok)
+        long got = rlsys::FileRead(handle, cache, vFILE_CACHESIZE);
+        if (got < 0)
             return done ? (long)done : -1;
+        base += (unsigned long)got;
+        readLen = (unsigned short)got;
         if (got == 0)
             break;
     }
     return (long)done;
 }
 
-void vFILE::ReadRawBytes(unsigned char* bytes, unsigned long count)
+long vFILE::RawRead(unsigned char* buffer, unsigned long count)
 {
-    memset(bytes, 0, count);
-    if (handle == INVALID_HANDLE_VALUE) {
-        SetStatus(vSTREAM_READERROR);
-        return;
-    }
-    Flush();
-    SetReadStatus((long)count, ReadBuffered(bytes, count));
-}
-
-unsigned long vFILE::ReadULong()
-{
-    unsigned char b[4];
-    ReadRawBytes(b, 4);
-    return DecodeULong(b);
-}
-
-unsigned short vFILE::ReadUWord()
-{
-    unsigned char b[2];
-    ReadRawBytes(b, 2);
-    return DecodeUWord(b);
-}
-
-unsigned char vFILE::ReadUByte()
-{
-    unsigned char b;
-    ReadRawBytes(&b, 1);
-    return b;
-}
-
-long vFILE::ReadSLong() { return (long)ReadULong(); }
-short vFILE::ReadSWord() { return (short)ReadUWord(); }
-signed char vFILE::ReadSByte() { return (signed char)ReadUByte(); }
-
-vOBJECT* vFILE::ReadPointer()
-{
-    vOBJECT* object;
-    unsigned char b[sizeof object];
-    ReadRawBytes(b, sizeof object);
-    memcpy(&object, b, sizeof object);
-    return object;
-}
-
-long vFILE::ReadByteString(unsigned char* buffer, unsigned long count)
-{
-    ClearLastCompressed();
-    if (handle == INVALID_HANDLE_VALUE) {
+    if (handle == rlsys::kNoFile) {
         SetStatus(vSTREAM_READERROR);
         return 0;
     }
     Flush();
-    vSTREAMSTATUS before = Status();
-    unsigned long start = CurrentPos();
     long got = ReadBuffered(buffer, count);
     SetReadStatus((long)count, got);
-    if (got < 0)
-        return 0;
-    if (DetectingCompressed() && got >= 4 && buffer[0] == 0xB1 && buffer[1] == 0xAA &&
-        buffer[2] == 0x12 && buffer[3] == 0x00)
-        return ExpandFrame(buffer, count, (unsigned long)got, start, before);
-    return got;
+    return got < 0 ? 0 : got;
 }
 
 // ---------------------------------------------------------------- positioning
 
-int vFILE::SeekTo(unsigned long offset, long high, unsigned long method, unsigned long* result)
+int vFILE::SeekTo(long long offset, int origin, unsigned long* result)
 {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (handle == rlsys::kNoFile)
         return 0;
-    LONG h = high;
-    DWORD low = SetFilePointer(handle, (LONG)offset, &h, method);
-    if (low == INVALID_SET_FILE_POINTER && GetLastError() != NO_ERROR)
-        return 0;
-    *result = low;
-    return 1;
+    return rlsys::FileSeek(handle, offset, (rlsys::FileOrigin)origin, result) ? 1 : 0;
 }
 
 unsigned long vFILE::MoveFromStart(unsigned long position)
@@ -473,7 +357,7 @@ unsigned long vFILE::MoveFromStart(unsigned long position)
     }
     Flush();
     unsigned long now;
-    if (!SeekTo(position, 0, FILE_BEGIN, &now)) {
+    if (!SeekTo((long long)position, rlsys::kFromStart, &now)) {
         SetStatus(vSTREAM_SHORTREAD);
         return 0;
     }
@@ -492,7 +376,7 @@ unsigned long vFILE::MoveFromCur(long delta)
     }
     Flush();
     unsigned long now;
-    if (!SeekTo((unsigned long)delta, delta < 0 ? -1 : 0, FILE_CURRENT, &now)) {
+    if (!SeekTo(delta, rlsys::kFromCurrent, &now)) {
         SetStatus(vSTREAM_SHORTREAD);
         return 0;
     }
@@ -506,7 +390,7 @@ unsigned long vFILE::MoveFromEnd(long delta)
     Flush();
     SetStatus(vSTREAM_OK);
     unsigned long now;
-    if (!SeekTo((unsigned long)delta, delta < 0 ? -1 : 0, FILE_END, &now)) {
+    if (!SeekTo(delta, rlsys::kFromEnd, &now)) {
         SetStatus(vSTREAM_SHORTREAD);
         return 0;
     }
@@ -520,30 +404,27 @@ unsigned long vFILE::CurrentPos() const
         return base - (unsigned long)(readLen - readPos);
     if (cache && (cacheOffset || cacheFill))
         return base + cacheOffset;
-    if (handle == INVALID_HANDLE_VALUE)
+    if (handle == rlsys::kNoFile)
         return 0;
-    LONG high = 0;
-    DWORD low = SetFilePointer(handle, 0, &high, FILE_CURRENT);
-    if (low == INVALID_SET_FILE_POINTER && GetLastError() != NO_ERROR)
-        return 0;
-    return low;
+    unsigned long pos;
+    return rlsys::FileSeek(handle, 0, rlsys::kFromCurrent, &pos) ? pos : 0;
 }
 
 unsigned long vFILE::Size() const
 {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (handle == rlsys::kNoFile)
         return 0;
-    DWORD size = GetFileSize(handle, nullptr);
-    return size == INVALID_FILE_SIZE ? 0 : size;
+    return rlsys::FileSize(handle);
 }
 
 int vFILE::AtEnd() const
 {
-    if (handle == INVALID_HANDLE_VALUE)
+    if (handle == rlsys::kNoFile)
         return 1;
     if (readLen)
         return CurrentPos() >= Size() ? 1 : 0;
-    LONG high = 0;
-    DWORD pos = SetFilePointer(handle, 0, &high, FILE_CURRENT);
+    unsigned long pos;
+    if (!rlsys::FileSeek(handle, 0, rlsys::kFromCurrent, &pos))
+        return 1;
     return pos >= Size() ? 1 : 0;
 }

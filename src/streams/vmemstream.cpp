@@ -15,12 +15,6 @@ const unsigned long kInitialSize = 10;
 const unsigned long kGrowthSlack = 1024;
 // Spill-file reads in the copy constructor go through pieces of this size.
 const unsigned long kCopyPiece = 65536;
-
-void PutLE(unsigned char* b, unsigned long v, unsigned long n)
-{
-    for (unsigned long i = 0; i < n; ++i)
-        b[i] = (unsigned char)(v >> (8 * i));
-}
 } // namespace
 
 void vMEMSTREAM::Init(unsigned long initial)
@@ -182,37 +176,9 @@ unsigned long vMEMSTREAM::Update(const unsigned char* data, unsigned long count)
     return take;
 }
 
-unsigned short vMEMSTREAM::WriteULong(unsigned long v)
+unsigned long vMEMSTREAM::RawWrite(const unsigned char* data, unsigned long count)
 {
-    unsigned char b[4];
-    PutLE(b, v, 4);
-    return Update(b, 4) == 4 ? 1 : 0;
-}
-
-unsigned short vMEMSTREAM::WriteUWord(unsigned short v)
-{
-    unsigned char b[2];
-    PutLE(b, v, 2);
-    return Update(b, 2) == 2 ? 1 : 0;
-}
-
-unsigned short vMEMSTREAM::WriteUByte(unsigned char v) { return Update(&v, 1) == 1 ? 1 : 0; }
-unsigned short vMEMSTREAM::WriteSLong(long v) { return WriteULong((unsigned long)v); }
-unsigned short vMEMSTREAM::WriteSWord(short v) { return WriteUWord((unsigned short)v); }
-unsigned short vMEMSTREAM::WriteSByte(signed char v) { return WriteUByte((unsigned char)v); }
-
-unsigned short vMEMSTREAM::WritePointer(const vOBJECT* object)
-{
-    unsigned char b[sizeof object];
-    memcpy(b, &object, sizeof object);
-    return Update(b, sizeof object) == sizeof object ? 1 : 0;
-}
-
-unsigned long vMEMSTREAM::WriteByteString(const unsigned char* text)
-{
-    if (!text)
-        return 0;
-    return Update(text, (unsigned long)strlen((const char*)text));
+    return Update(data, count);
 }
 
 unsigned long vMEMSTREAM::WriteBlock(const unsigned char* data, unsigned long count)
@@ -222,9 +188,15 @@ unsigned long vMEMSTREAM::WriteBlock(const unsigned char* data, unsigned long co
 
 // ---------------------------------------------------------------- reading
 
+// A memory stream does not look for frames: its bytes come back as stored.
 long vMEMSTREAM::ReadByteString(unsigned char* out, unsigned long count)
 {
     ClearLastCompressed();
+    return RawRead(out, count);
+}
+
+long vMEMSTREAM::RawRead(unsigned char* out, unsigned long count)
+{
     if (spill) {
         long got = spill->ReadByteString(out, count);
         TakeSpillStatus();
@@ -240,46 +212,6 @@ long vMEMSTREAM::ReadByteString(unsigned char* out, unsigned long count)
         memcpy(out, buffer + position, take);
     position += take;
     return (long)take;
-}
-
-void vMEMSTREAM::ReadRawBytes(unsigned char* bytes, unsigned long count)
-{
-    memset(bytes, 0, count);
-    ReadByteString(bytes, count);
-}
-
-unsigned long vMEMSTREAM::ReadULong()
-{
-    unsigned char b[4];
-    ReadRawBytes(b, 4);
-    return DecodeULong(b);
-}
-
-unsigned short vMEMSTREAM::ReadUWord()
-{
-    unsigned char b[2];
-    ReadRawBytes(b, 2);
-    return DecodeUWord(b);
-}
-
-unsigned char vMEMSTREAM::ReadUByte()
-{
-    unsigned char b;
-    ReadRawBytes(&b, 1);
-    return b;
-}
-
-long vMEMSTREAM::ReadSLong() { return (long)ReadULong(); }
-short vMEMSTREAM::ReadSWord() { return (short)ReadUWord(); }
-signed char vMEMSTREAM::ReadSByte() { return (signed char)ReadUByte(); }
-
-vOBJECT* vMEMSTREAM::ReadPointer()
-{
-    vOBJECT* object;
-    unsigned char b[sizeof object];
-    ReadRawBytes(b, sizeof object);
-    memcpy(&object, b, sizeof object);
-    return object;
 }
 
 // ---------------------------------------------------------------- positioning

@@ -6,14 +6,6 @@
 #include "streams/frame.h"
 #include <cstring>
 
-namespace {
-void PutLE(unsigned char* b, unsigned long v, unsigned long n)
-{
-    for (unsigned long i = 0; i < n; ++i)
-        b[i] = (unsigned char)(v >> (8 * i));
-}
-} // namespace
-
 vOLESTREAM::vOLESTREAM(IStream* const* s, const vSTRING& name, unsigned long reserved)
     : vSTREAM(name, reserved), stream(s ? *s : nullptr), position(0), length(0), capacity(0)
 {
@@ -68,37 +60,9 @@ unsigned long vOLESTREAM::Update(const unsigned char* data, unsigned long count)
     return written;
 }
 
-unsigned short vOLESTREAM::WriteULong(unsigned long v)
+unsigned long vOLESTREAM::RawWrite(const unsigned char* data, unsigned long count)
 {
-    unsigned char b[4];
-    PutLE(b, v, 4);
-    return Update(b, 4) == 4 ? 1 : 0;
-}
-
-unsigned short vOLESTREAM::WriteUWord(unsigned short v)
-{
-    unsigned char b[2];
-    PutLE(b, v, 2);
-    return Update(b, 2) == 2 ? 1 : 0;
-}
-
-unsigned short vOLESTREAM::WriteUByte(unsigned char v) { return Update(&v, 1) == 1 ? 1 : 0; }
-unsigned short vOLESTREAM::WriteSLong(long v) { return WriteULong((unsigned long)v); }
-unsigned short vOLESTREAM::WriteSWord(short v) { return WriteUWord((unsigned short)v); }
-unsigned short vOLESTREAM::WriteSByte(signed char v) { return WriteUByte((unsigned char)v); }
-
-unsigned short vOLESTREAM::WritePointer(const vOBJECT* object)
-{
-    unsigned char b[sizeof object];
-    memcpy(b, &object, sizeof object);
-    return Update(b, sizeof object) == sizeof object ? 1 : 0;
-}
-
-unsigned long vOLESTREAM::WriteByteString(const unsigned char* text)
-{
-    if (!text)
-        return 0;
-    return Update(text, (unsigned long)strlen((const char*)text));
+    return Update(data, count);
 }
 
 unsigned long vOLESTREAM::WriteBlock(const unsigned char* data, unsigned long count)
@@ -121,79 +85,24 @@ unsigned long vOLESTREAM::WriteBlock(const unsigned char* data, unsigned long co
 
 // ---------------------------------------------------------------- reading
 
-long vOLESTREAM::ReadByteString(unsigned char* buffer, unsigned long count)
+long vOLESTREAM::RawRead(unsigned char* buffer, unsigned long count)
 {
-    ClearLastCompressed();
     if (!stream) {
         SetStatus(vSTREAM_READERROR);
         return 0;
     }
-    vSTREAMSTATUS before = Status();
-    unsigned long start = position;
+    if (count == 0)
+        return 0;
     ULONG got = 0;
-    if (count && FAILED(stream->Read(buffer, count, &got))) {
-        SetStatus(vSTREAM_READERROR);
-        position += got;
-        return (long)got;
-    }
-    position += got;
-    if (got < count)
-        SetStatus(vSTREAM_SHORTREAD);
-    if (DetectingCompressed() && got >= 4 && buffer[0] == 0xB1 && buffer[1] == 0xAA &&
-        buffer[2] == 0x12 && buffer[3] == 0x00)
-        return ExpandFrame(buffer, count, got, start, before);
-    return (long)got;
-}
-
-void vOLESTREAM::ReadRawBytes(unsigned char* bytes, unsigned long count)
-{
-    memset(bytes, 0, count);
-    if (!stream) {
-        SetStatus(vSTREAM_READERROR);
-        return;
-    }
-    ULONG got = 0;
-    if (FAILED(stream->Read(bytes, count, &got))) {
-        SetStatus(vSTREAM_READERROR);
+    HRESULT hr = stream->Read(buffer, count, &got);
+    if (got > count)
         got = 0;
-    } else if (got < count) {
-        SetStatus(vSTREAM_SHORTREAD);
-    }
     position += got;
-}
-
-unsigned long vOLESTREAM::ReadULong()
-{
-    unsigned char b[4];
-    ReadRawBytes(b, 4);
-    return DecodeULong(b);
-}
-
-unsigned short vOLESTREAM::ReadUWord()
-{
-    unsigned char b[2];
-    ReadRawBytes(b, 2);
-    return DecodeUWord(b);
-}
-
-unsigned char vOLESTREAM::ReadUByte()
-{
-    unsigned char b;
-    ReadRawBytes(&b, 1);
-    return b;
-}
-
-long vOLESTREAM::ReadSLong() { return (long)ReadULong(); }
-short vOLESTREAM::ReadSWord() { return (short)ReadUWord(); }
-signed char vOLESTREAM::ReadSByte() { return (signed char)ReadUByte(); }
-
-vOBJECT* vOLESTREAM::ReadPointer()
-{
-    vOBJECT* object;
-    unsigned char b[sizeof object];
-    ReadRawBytes(b, sizeof object);
-    memcpy(&object, b, sizeof object);
-    return object;
+    if (FAILED(hr))
+        SetStatus(vSTREAM_READERROR);
+    else if (got < count)
+        SetStatus(vSTREAM_SHORTREAD);
+    return (long)got;
 }
 
 // ---------------------------------------------------------------- positioning

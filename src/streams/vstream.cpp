@@ -32,21 +32,6 @@ struct TransferScope {
     ~TransferScope() { transfer = saved; }
 };
 
-unsigned long LE32(const unsigned char* b)
-{
-    return (unsigned long)b[0] | ((unsigned long)b[1] << 8) | ((unsigned long)b[2] << 16) |
-           ((unsigned long)b[3] << 24);
-}
-
-// Reads raw bytes from a stream with frame detection off.
-long ReadRaw(vSTREAM& s, unsigned char* buffer, unsigned long count)
-{
-    int detect = s.DetectingCompressed();
-    s.DetectCompressed(0);
-    long got = s.ReadByteString(buffer, count);
-    s.DetectCompressed(detect);
-    return got;
-}
 } // namespace
 
 vSTREAM::vSTREAM()
@@ -91,19 +76,138 @@ vSTRING& vSTREAM::Name() const
 int vSTREAM::Close() { return 0; }
 int vSTREAM::ReOpen() { return 0; }
 
-unsigned long vSTREAM::DecodeULong(const unsigned char* b) const
+// ---------------------------------------------------------------- raw access
+
+long vSTREAM::RawRead(unsigned char* buffer, unsigned long count)
 {
-    if (swapOrder)
-        return ((unsigned long)b[0] << 24) | ((unsigned long)b[1] << 16) |
-               ((unsigned long)b[2] << 8) | (unsigned long)b[3];
-    return LE32(b);
+    int keepDetect = detect, keepLast = lastCompressed;
+    detect = 0;
+    long got = ReadByteString(buffer, count);
+    detect = keepDetect;
+    lastCompressed = keepLast;
+    return got < 0 ? 0 : got;
 }
 
-unsigned short vSTREAM::DecodeUWord(const unsigned char* b) const
+unsigned long vSTREAM::RawWrite(const unsigned char* data, unsigned long count)
 {
+    int keep = compress;
+    compress = 0;
+    unsigned long n = WriteBlock(data, count);
+    compress = keep;
+    return n;
+}
+
+// ---------------------------------------------------------------- typed values
+
+namespace {
+void PutLE(unsigned char* b, unsigned long v, unsigned n)
+{
+    for (unsigned i = 0; i < n; ++i)
+        b[i] = (unsigned char)(v >> (8 * i));
+}
+} // namespace
+
+unsigned long vSTREAM::ReadULong()
+{
+    unsigned char b[4] = {0, 0, 0, 0};  // what the stream does not have reads as 0
+    RawRead(b, 4);
     if (swapOrder)
-        return (unsigned short)((b[0] << 8) | b[1]);
-    return (unsigned short)(b[0] | (b[1] << 8));
+        return ((unsigned long)b[0] << 24) | ((unsigned long)b[1] << 16) | ((unsigned long)b[2] << 8) |
+               (unsigned long)b[3];
+    return (unsigned long)b[0] | ((unsigned long)b[1] << 8) | ((unsigned long)b[2] << 16) |
+           ((unsigned long)b[3] << 24);
+}
+
+unsigned short vSTREAM::ReadUWord()
+{
+    unsigned char b[2] = {0, 0};
+    RawRead(b, 2);
+    return swapOrder ? (unsigned short)((b[0] << 8) | b[1]) : (unsigned short)(b[0] | (b[1] << 8));
+}
+
+unsigned char vSTREAM::ReadUByte()
+{
+    unsigned char b = 0;
+    RawRead(&b, 1);
+    return b;
+}
+
+// The signed forms are the same bytes.
+long vSTREAM::ReadSLong() { return (long)ReadULong(); }
+short vSTREAM::ReadSWord() { return (short)ReadUWord(); }
+signed char vSTREAM::ReadSByte() { return (signed char)ReadUByte(); }
+
+vOBJECT* vSTREAM::ReadPointer()
+{
+    vOBJECT* object;
+    unsigned char b[sizeof object] = {};
+    RawRead(b, sizeof object);
+    memcpy(&object, b, sizeof object);
+    return object;
+}
+
+unsigned short vSTREAM::WriteULong(unsigned long v)
+{
+    unsigned char b[4];
+    PutLE(b, v, 4);
+    return RawWrite(b, 4) == 4 ? 1 : 0;
+}
+
+unsigned short vSTREAM::WriteUWord(unsigned short v)
+{
+    unsigned char b[2];
+    PutLE(b, v, 2);
+    return RawWrite(b, 2) == 2 ? 1 : 0;
+}
+
+unsigned short vSTREAM::WriteUByte(unsigned char v) { return RawWrite(&v, 1) == 1 ? 1 : 0; }
+unsigned short vSTREAM::WriteSLong(long v) { return WriteULong((unsigned long)v); }
+unsigned short vSTREAM::WriteSWord(short v) { return WriteUWord((unsigned short)v); }
+unsigned short vSTREAM::WriteSByte(signed char v) { return WriteUByte((unsigned char)v); }
+
+unsigned short vSTREAM::WritePointer(const vOBJECT* object)
+{
+    // The address's bytes as they stand in memory.
+    unsigned char b[sizeof object];
+    memcpy(b, &object, sizeof object);
+    return RawWrite(b, sizeof object) == sizeof object ? 1 : 0;
+}
+
+unsigned long vSTREAM::WriteByteString(const unsigned char* text)
+{
+    if (!text)
+        return 0;
+    return RawWrite(text, (unsigned long)strlen((const char*)text));
+}
+
+// ---------------------------------------------------------------- byte strings
+
+long vSTREAM::ReadByteString(unsigned char* buffer, unsigned long count)
+{
+    lastCompressed = 0;
+    // What a settling read reports (a cache that could not be written out)
+    // happened before this read, and stands after a good frame.
+    RawRead(buffer, 0);
+    vSTREAMSTATUS before = status;
+    unsigned long start = CurrentPos();
+    long got = RawRead(buffer, count);
+    if (!detect || count < 4 || got < 4 || !rlframe::StartsWithMagic(buffer))
+        return got;
+    vSTREAMSTATUS readStatus = status;
+    MoveFromStart(start);
+    rlframe::Verdict v = rlframe::Expand(*this, buffer, count);
+    if (!v.frame) {
+        // Raw bytes that merely begin like a frame: they are delivered as they
+        // stand (the attempt may have written over them).
+        long again = RawRead(buffer, (unsigned long)got);
+        status = readStatus;
+        return again;
+    }
+    lastCompressed = 1;
+    // The raw read may have run into the end of the stream behind the frame;
+    // that is no failure. A failure reported before this read still stands.
+    status = v.delivered < count ? vSTREAM_SHORTREAD : before;
+    return (long)v.delivered;
 }
 
 // ---------------------------------------------------------------- the engine
@@ -167,28 +271,6 @@ int vSTREAM::ExplodeTo(vSTREAM& target, const unsigned char* data, unsigned long
     return r;
 }
 
-// ---------------------------------------------------------------- the frame
-
-long vSTREAM::ExpandFrame(unsigned char* buffer, unsigned long count, unsigned long got,
-                          unsigned long start, vSTREAMSTATUS before)
-{
-    vSTREAMSTATUS readStatus = status;
-    MoveFromStart(start);
-    rlframe::Verdict v = rlframe::Expand(*this, buffer, count);
-    if (!v.frame) {
-        // Raw bytes that merely begin like a frame: they are delivered as they
-        // stand (the attempt may have written over them).
-        long again = ReadRaw(*this, buffer, got);
-        status = readStatus;
-        return again;
-    }
-    lastCompressed = 1;
-    // The raw read may have run into the end of the stream behind the frame;
-    // that is no failure. A failure reported before this read still stands.
-    status = v.delivered < count ? vSTREAM_SHORTREAD : before;
-    return (long)v.delivered;
-}
-
 // ---------------------------------------------------------------- the copy
 
 vSTREAM& vSTREAM::operator=(vSTREAM& source)
@@ -198,7 +280,7 @@ vSTREAM& vSTREAM::operator=(vSTREAM& source)
     // A zero-byte read makes a file source write out its cache, so that its
     // size and position below are those of the data.
     unsigned char none;
-    ReadRaw(source, &none, 0);
+    source.RawRead(&none, 0);
     unsigned long pos = source.CurrentPos();
     unsigned long size = source.Size();
     if (size <= pos)
@@ -213,7 +295,7 @@ vSTREAM& vSTREAM::operator=(vSTREAM& source)
     }
     while (!source.AtEnd()) {
         unsigned long at = source.CurrentPos();
-        long got = ReadRaw(source, buffer, piece);
+        long got = source.RawRead(buffer, piece);
         if (got <= 0)
             break;
         if (!compress && got >= 4 && rlframe::StartsWithMagic(buffer)) {

@@ -53,7 +53,7 @@ void FilePixel(const std::vector<unsigned char>& f, long x, long y, unsigned cha
     }
 }
 
-std::string Corpus(const std::string& name) { return rltest::SharedDir() + "/corpus/bmp/" + name; }
+std::string Corpus(const std::string& name) { return rltest::DataDir() + "/corpus/bmp/" + name; }
 
 } // namespace
 

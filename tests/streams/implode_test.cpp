@@ -72,7 +72,7 @@ unsigned Explode(const Bytes& in, Bytes& out, unsigned piece = ~0u, size_t* used
 
 Bytes Shared(const std::string& rel)
 {
-    Bytes b = FileBytes(rltest::SharedDir() + "/vectors/dcl/" + rel);
+    Bytes b = FileBytes(rltest::DataDir() + "/vectors/dcl/" + rel);
     EXPECT_FALSE(b.empty()) << rel;
     return b;
 }

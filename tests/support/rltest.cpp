@@ -61,14 +61,13 @@ std::string DebugOutput::Text() const
     return all;
 }
 
-std::string SharedDir()
+std::string DataDir()
 {
-    // Wine maps the Unix root to Z:; the checkout's parent holds shared/.
     char path[MAX_PATH];
-    DWORD n = GetEnvironmentVariableA("RL132_SHARED", path, sizeof path);
+    DWORD n = GetEnvironmentVariableA("RL132_DATA", path, sizeof path);
     if (n > 0 && n < sizeof path)
         return path;
-    return RL132_SHARED_DIR;
+    return RL132_DATA_DIR;
 }
 
 std::string TempPath(const char* stem)

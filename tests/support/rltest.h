@@ -46,9 +46,9 @@ private:
     std::vector<std::string> writes_;
 };
 
-// The folder of shared test data (../shared beside the checkout), as a Windows
-// path; empty when it cannot be found.
-std::string SharedDir();
+// The repository's test data folder (tests/data) as a Windows path; the
+// environment variable RL132_DATA names another one.
+std::string DataDir();
 // A fresh temporary file name in the build's temporary folder.
 std::string TempPath(const char* stem);
 

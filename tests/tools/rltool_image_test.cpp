@@ -4,7 +4,7 @@
 #include "tool_run.h"
 
 namespace {
-std::string Corpus(const char* name) { return rltest::SharedDir() + "/corpus/bmp/" + name; }
+std::string Corpus(const char* name) { return rltest::DataDir() + "/corpus/bmp/" + name; }
 } // namespace
 
 TEST(RltoolImage, ResizeAndInfo)

@@ -3,6 +3,7 @@
 set -uo pipefail
 export LC_ALL=C
 RUN="$1"; TOOL="$2"
+ROOT_BMP="$(cd "$(dirname "$0")/../data/corpus/bmp/good" && pwd)/rgb24.bmp"
 fail=0
 expect() { # expect CODE PATTERN ARGS...
   local code="$1" pattern="$2"; shift 2
@@ -25,4 +26,32 @@ expect 0 'language 1033 uses the French block' strings --language 1033
 expect 0 '31013 +Fatal Error' strings --language 2057
 expect 0 '31425 +Neues Ansicht' strings --language 0x407
 expect 2 'language identifier' strings --language sv
+
+# A full disk part-way through: the command fails, an earlier result stays as
+# it was and no temporary file is left beside it. A file-size limit makes the
+# writes fail the way a full disk does.
+DIR=$(mktemp -d); trap 'rm -rf "$DIR"' EXIT
+head -c 3000000 /dev/zero > "$DIR/zeros"
+head -c 1500000 /dev/urandom > "$DIR/noise"
+cp "$ROOT_BMP" "$DIR/picture.bmp"
+expect 0 'zeros.imp: 3000000 bytes' implode "Z:$DIR/zeros" "Z:$DIR/zeros.imp"
+full() { # full LIMIT-KB NAME ARGS...: the command must fail and leave NAME as it was
+  local limit="$1" name="$2"; shift 2
+  echo "earlier result" > "$DIR/$name"
+  local out rc
+  out=$( (trap '' XFSZ; ulimit -f "$limit"; "$RUN" "$TOOL" "$@") 2>&1); rc=$?
+  local left want
+  left=$(cd "$DIR" && ls | tr '\n' ' ')
+  want=$(printf '%s\n' "$name" noise picture.bmp zeros zeros.imp | sort | tr '\n' ' ')
+  if [ "$rc" != 1 ] || ! grep -Eq "error writing|could not write" <<< "$out" \
+     || [ "$(cat "$DIR/$name")" != "earlier result" ] || [ "$left" != "$want" ]; then
+    echo "FAIL: with a full disk, rltool $*: exit $rc, left: $left"; echo "$out"; fail=1
+  else
+    echo "ok: with a full disk, rltool $*"
+  fi
+  rm -f "$DIR/$name"
+}
+full 1024 out.bin explode "Z:$DIR/zeros.imp" "Z:$DIR/out.bin"
+full 1024 out.imp implode "Z:$DIR/noise" "Z:$DIR/out.imp"
+full 8 out.bmp resize "Z:$DIR/picture.bmp" "Z:$DIR/out.bmp" --width 300
 exit $fail

@@ -7,18 +7,34 @@
 #include <string>
 #include "rltest.h"
 
-// Returns the exit code (-1 when it could not be started or did not finish)
-// and puts standard output and error together into *text.
-inline int RunTool(const std::string& args, std::string* text = nullptr)
+inline std::string ReadLog(const std::string& name)
 {
-    std::string log = rltest::TempPath("toollog");
+    std::string s;
+    if (FILE* f = fopen(name.c_str(), "rb")) {
+        for (int ch; (ch = fgetc(f)) != EOF;)
+            s.push_back((char)ch);
+        fclose(f);
+    }
+    DeleteFileA(name.c_str());
+    return s;
+}
+
+// Returns the exit code (-1 when it could not be started or did not finish).
+// Standard output goes to *text, together with standard error unless *err is
+// given to take that apart.
+inline int RunTool(const std::string& args, std::string* text = nullptr, std::string* err = nullptr)
+{
+    std::string log = rltest::TempPath("toollog"), errLog = rltest::TempPath("toolerr");
     SECURITY_ATTRIBUTES sa = {sizeof sa, nullptr, TRUE};
     HANDLE out = CreateFileA(log.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &sa, CREATE_ALWAYS, 0, nullptr);
+    HANDLE errOut = err ? CreateFileA(errLog.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &sa, CREATE_ALWAYS, 0, nullptr)
+                        : out;
     STARTUPINFOA si = {};
     si.cb = sizeof si;
     si.dwFlags = STARTF_USESTDHANDLES;
     si.hStdInput = INVALID_HANDLE_VALUE;
-    si.hStdOutput = si.hStdError = out;
+    si.hStdOutput = out;
+    si.hStdError = errOut;
     PROCESS_INFORMATION pi = {};
     std::string cmd = "rltool.exe " + args;
     int code = -1;
@@ -32,17 +48,28 @@ inline int RunTool(const std::string& args, std::string* text = nullptr)
         CloseHandle(pi.hThread);
     }
     CloseHandle(out);
-    if (text) {
-        text->clear();
-        if (FILE* f = fopen(log.c_str(), "rb")) {
-            for (int ch; (ch = fgetc(f)) != EOF;)
-                text->push_back((char)ch);
-            fclose(f);
-        }
-    }
-    DeleteFileA(log.c_str());
+    if (err)
+        CloseHandle(errOut);
+    std::string o = ReadLog(log), e = err ? ReadLog(errLog) : std::string();
+    if (text)
+        *text = o;
+    if (err)
+        *err = e;
     return code;
 }
+
+// Sets an environment variable for the tool runs of one scope.
+class ToolEnv {
+public:
+    ToolEnv(const char* name, const char* value) : name_(name) { SetEnvironmentVariableA(name, value); }
+    ~ToolEnv() { SetEnvironmentVariableA(name_, nullptr); }
+
+private:
+    const char* name_;
+};
+
+// True when a file or folder of that name exists.
+inline bool Exists(const std::string& name) { return GetFileAttributesA(name.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 inline std::string Slurp(const std::string& name)
 {

@@ -8,25 +8,21 @@
 namespace {
 const char* kModelNames[] = {"RGB", "HLS", "CMYK", "Pantone"};
 
-// Reads "a,b,c[,d]" into exactly `count` integers within 0..max[i].
+// Reads "a,b,c[,d]" into exactly `count` numbers within 0..max[i].
 bool ParseList(const char* text, int count, const long* max, long* out)
 {
     const char* p = text;
     for (int i = 0; i < count; ++i) {
-        char* end = nullptr;
-        if (*p < '0' || *p > '9')
+        const char* comma = strchr(p, ',');
+        bool last = i + 1 == count;
+        if (last != !comma)
             return false;
-        long v = strtol(p, &end, 10);
-        if (v < 0 || v > max[i])
+        size_t n = comma ? size_t(comma - p) : strlen(p);
+        long long v;
+        if (!rltool_number_n(p, n, 0, max[i], &v))
             return false;
-        out[i] = v;
-        if (i + 1 < count) {
-            if (*end != ',')
-                return false;
-            p = end + 1;
-        } else if (*end) {
-            return false;
-        }
+        out[i] = (long)v;
+        p += n + 1;
     }
     return true;
 }

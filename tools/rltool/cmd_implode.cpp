@@ -15,43 +15,40 @@ const long long kProgressFrom = 4ll << 20;
 struct Transfer {
     FILE* in;
     FILE* out;
+    RlProgressLine* progress;
     const char* verb;
     long long inSize;      // -1 when unknown
     long long readTotal;
     long long written;
-    long long nextReport;
-    bool progress;
     bool readError;
+    bool shortRead;        // the input ended before the size it had when opened
     bool writeError;
 };
 
-void Report(Transfer& t, bool last)
+void Report(Transfer& t)
 {
-    if (!t.progress)
+    if (!t.progress->Shown())
         return;
-    if (last) {
-        fprintf(stderr, "\r%*s\r", 60, "");
-        return;
-    }
-    if (t.readTotal < t.nextReport)
-        return;
-    t.nextReport = t.readTotal + (1 << 20);
     if (t.inSize > 0)
-        fprintf(stderr, "\r%s: %3d%% (%.1f of %.1f MB)", t.verb, int(t.readTotal * 100 / t.inSize),
-                t.readTotal / 1048576.0, t.inSize / 1048576.0);
+        t.progress->Update("%s: %3d%% (%.1f of %.1f MB)", t.verb, int(t.readTotal * 100 / t.inSize),
+                           t.readTotal / 1048576.0, t.inSize / 1048576.0);
     else
-        fprintf(stderr, "\r%s: %.1f MB", t.verb, t.readTotal / 1048576.0);
-    fflush(stderr);
+        t.progress->Update("%s: %.1f MB", t.verb, t.readTotal / 1048576.0);
 }
 
 unsigned ReadPiece(char* buf, unsigned* size, void* param)
 {
     Transfer& t = *static_cast<Transfer*>(param);
     size_t n = fread(buf, 1, *size, t.in);
-    if (n < *size && ferror(t.in))
-        t.readError = true;
+    if (n < *size) {
+        if (ferror(t.in))
+            t.readError = true;
+        // A file cut short while it is read must not pass for a shorter file.
+        else if (t.inSize >= 0 && t.readTotal + (long long)n < t.inSize)
+            t.shortRead = true;
+    }
     t.readTotal += (long long)n;
-    Report(t, false);
+    Report(t);
     return unsigned(n);
 }
 
@@ -75,52 +72,39 @@ long long SizeOf(FILE* f)
     return n;
 }
 
-// Opens both files; on failure prints why and returns false.
-bool Open(Transfer& t, const char* inName, const char* outName, const char* verb)
+// Refuses an output that is the input, then opens both; on failure prints why.
+int Open(Transfer& t, RlOutput& output, RlProgressLine& progress, const char* inName, const char* outName)
 {
-    memset(&t, 0, sizeof t);
-    t.verb = verb;
+    if (rltool_same_file(inName, outName))
+        return rltool_fail(RLTOOL_USAGE, "'%s' is the same file as the input '%s'; give another name for the output", outName, inName);
     t.in = fopen(inName, "rb");
-    if (!t.in) {
-        rltool_fail(RLTOOL_FAILED, "cannot open '%s' for reading", inName);
-        return false;
-    }
+    if (!t.in)
+        return rltool_fail(RLTOOL_FAILED, "cannot open '%s' for reading", inName);
     t.inSize = SizeOf(t.in);
-    t.progress = rltool_interactive() && t.inSize >= kProgressFrom;
-    t.out = fopen(outName, "wb");
-    if (!t.out) {
+    progress = RlProgressLine(t.inSize, kProgressFrom);
+    t.progress = &progress;
+    if (!output.Create(outName)) {
         fclose(t.in);
-        rltool_fail(RLTOOL_FAILED, "cannot create '%s'", outName);
-        return false;
+        return RLTOOL_FAILED;
     }
-    return true;
+    t.out = output.File();
+    return RLTOOL_OK;
 }
 
-// Closes both files; false (with a message) when reading or writing failed.
+// Closes the input and ends the progress line; false (with a message) when
+// reading or writing failed. The output is kept only by Commit.
 bool Close(Transfer& t, const char* inName, const char* outName)
 {
-    Report(t, true);
-    bool ok = true;
-    if (t.readError) {
-        rltool_fail(RLTOOL_FAILED, "error reading '%s'", inName);
-        ok = false;
-    }
-    if (fclose(t.out) != 0 || t.writeError) {
-        rltool_fail(RLTOOL_FAILED, "error writing '%s'", outName);
-        ok = false;
-    }
+    t.progress->End();
     fclose(t.in);
-    return ok;
-}
-
-bool ParseUnsigned(const char* text, unsigned& value)
-{
-    char* end = nullptr;
-    unsigned long v = strtoul(text, &end, 10);
-    if (!*text || *end || v > 0xFFFFFFFFul)
-        return false;
-    value = unsigned(v);
-    return true;
+    if (t.readError)
+        rltool_fail(RLTOOL_FAILED, "error reading '%s'", inName);
+    else if (t.shortRead)
+        rltool_fail(RLTOOL_FAILED, "'%s' ended after %lld of its %lld bytes (did it change while it was read?)",
+                    inName, t.readTotal, t.inSize);
+    else if (t.writeError)
+        rltool_fail(RLTOOL_FAILED, "error writing '%s'", outName);
+    return !t.readError && !t.shortRead && !t.writeError;
 }
 
 } // namespace
@@ -131,15 +115,18 @@ static int RunImplode(int argc, char** argv)
     int count = 0;
     unsigned type = CMP_BINARY, dict = 4096, level = CMP_LEVEL_DEFAULT;
     for (int i = 1; i < argc; ++i) {
+        long long v;
         if (strcmp(argv[i], "--ascii") == 0) {
             type = CMP_ASCII;
         } else if (strcmp(argv[i], "--dict") == 0 && i + 1 < argc) {
-            if (!ParseUnsigned(argv[++i], dict) || (dict != 1024 && dict != 2048 && dict != 4096))
+            if (!rltool_number(argv[++i], 1024, 4096, &v) || (v != 1024 && v != 2048 && v != 4096))
                 return rltool_fail(RLTOOL_USAGE, "--dict takes 1024, 2048 or 4096, not '%s'", argv[i]);
+            dict = unsigned(v);
         } else if (strcmp(argv[i], "--level") == 0 && i + 1 < argc) {
-            if (!ParseUnsigned(argv[++i], level) || level < CMP_LEVEL_FASTEST || level > CMP_LEVEL_BEST)
+            if (!rltool_number(argv[++i], CMP_LEVEL_FASTEST, CMP_LEVEL_BEST, &v))
                 return rltool_fail(RLTOOL_USAGE, "--level takes %d to %d, not '%s'", CMP_LEVEL_FASTEST,
                                    CMP_LEVEL_BEST, argv[i]);
+            level = unsigned(v);
         } else if (argv[i][0] == '-' && argv[i][1]) {
             return rltool_usage("implode");
         } else if (count < 2) {
@@ -152,15 +139,20 @@ static int RunImplode(int argc, char** argv)
         return rltool_usage("implode");
 
     std::vector<char> work(implode_work_size(level));
-    Transfer t;
-    if (!Open(t, names[0], names[1], "implode"))
-        return RLTOOL_FAILED;
+    Transfer t = {};
+    t.verb = "implode";
+    RlOutput output;
+    RlProgressLine progress(0, 1);
+    if (int rc = Open(t, output, progress, names[0], names[1]))
+        return rc;
     unsigned rc = implode_level(ReadPiece, WritePiece, work.data(), unsigned(work.size()), &t, &type,
                                 &dict, level);
     if (!Close(t, names[0], names[1]))
         return RLTOOL_FAILED;
     if (rc != CMP_NO_ERROR)
         return rltool_fail(RLTOOL_FAILED, "compression failed (code %u)", rc);
+    if (!output.Commit())
+        return RLTOOL_FAILED;
     printf("%s: %lld bytes -> %lld bytes (%.1f%%)\n", names[1], t.readTotal, t.written,
            t.readTotal ? 100.0 * double(t.written) / double(t.readTotal) : 0.0);
     return RLTOOL_OK;
@@ -171,13 +163,18 @@ static int RunExplode(int argc, char** argv)
     if (argc != 3 || argv[1][0] == '-' || argv[2][0] == '-')
         return rltool_usage("explode");
     std::vector<char> work(EXP_BUFFER_SIZE);
-    Transfer t;
-    if (!Open(t, argv[1], argv[2], "explode"))
-        return RLTOOL_FAILED;
+    Transfer t = {};
+    t.verb = "explode";
+    RlOutput output;
+    RlProgressLine progress(0, 1);
+    if (int rc = Open(t, output, progress, argv[1], argv[2]))
+        return rc;
     unsigned rc = explode(ReadPiece, WritePiece, work.data(), &t);
     unsigned long long used = explode_used(work.data());
     if (!Close(t, argv[1], argv[2]))
         return RLTOOL_FAILED;
+    // Whatever was expanded before a fault goes with the temporary file: a
+    // failed command leaves nothing that could pass for its result.
     switch (rc) {
     case CMP_NO_ERROR:
         break;
@@ -188,9 +185,11 @@ static int RunExplode(int argc, char** argv)
     case CMP_BAD_DATA:
         return rltool_fail(RLTOOL_FAILED, "'%s' is too short to be implode data", argv[1]);
     default:
-        return rltool_fail(RLTOOL_FAILED, "'%s' is corrupt or truncated; %lld bytes expanded before the fault",
+        return rltool_fail(RLTOOL_FAILED, "'%s' is corrupt or truncated; the fault comes after %lld expanded bytes",
                            argv[1], t.written);
     }
+    if (!output.Commit())
+        return RLTOOL_FAILED;
     printf("%s: %llu bytes -> %lld bytes\n", argv[2], used, t.written);
     long long after = t.inSize >= 0 ? t.inSize - (long long)used : -1;
     if (after > 0)

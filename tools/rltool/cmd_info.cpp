@@ -122,8 +122,9 @@ static int RunInfo(int argc, char** argv)
         return rltool_fail(RLTOOL_FAILED, "%s: cannot open the file", path);
     oMEMDIB dib(f, 0);
     if (dib.Height() == 0 || dib.Width() == 0) {
-        printf("library        not readable: %s\n", rltool_bmp_refusal(s));
-        return RLTOOL_FAILED;
+        printf("library        not readable\n");
+        fflush(stdout);
+        return rltool_fail(RLTOOL_FAILED, "%s: the library cannot read this bitmap: %s", path, rltool_bmp_refusal(s));
     }
     oDIBHEADER h;
     dib.GetHeader(h);

@@ -13,36 +13,27 @@ const unsigned long kProgressFrom = 4ul << 20;
 
 class Bar : public oPROGRESS {
 public:
+    explicit Bar(RlProgressLine& line) : line_(line) {}
     void Update(unsigned long done) override
     {
         oPROGRESS::Update(done);
         unsigned p = Percent();
-        if (p == shown)
+        if (p == shown_)
             return;
-        shown = p;
+        shown_ = p;
         char bar[41];
         unsigned fill = p * 40 / 100;
         for (unsigned i = 0; i < 40; ++i)
             bar[i] = i < fill ? '#' : '.';
         bar[40] = 0;
-        fprintf(stderr, "\rresizing [%s] %3u%%", bar, p);
-        fflush(stderr);
+        line_.Update("resizing [%s] %3u%%", bar, p);
     }
-    void End() override { fprintf(stderr, "\r%*s\r", 60, ""); }
+    void End() override { line_.End(); }
 
 private:
-    unsigned shown = 101;
+    RlProgressLine& line_;
+    unsigned shown_ = 101;
 };
-
-bool Number(const char* text, unsigned long max, unsigned long* out)
-{
-    char* end = nullptr;
-    unsigned long v = strtoul(text, &end, 10);
-    if (!*text || *end || v == 0 || v > max)
-        return false;
-    *out = v;
-    return true;
-}
 
 unsigned long U32(const unsigned char* p)
 {
@@ -63,15 +54,19 @@ static int RunResize(int argc, char** argv)
     bool keep = false;
     for (int i = 1; i < argc; ++i) {
         const char* a = argv[i];
+        long long v;
         if (strcmp(a, "--width") == 0 && i + 1 < argc) {
-            if (!Number(argv[++i], 65535, &width))
+            if (!rltool_number(argv[++i], 1, 65535, &v))
                 return rltool_fail(RLTOOL_USAGE, "--width takes a number from 1 to 65535, not '%s'", argv[i]);
+            width = (unsigned long)v;
         } else if (strcmp(a, "--height") == 0 && i + 1 < argc) {
-            if (!Number(argv[++i], 65535, &height))
+            if (!rltool_number(argv[++i], 1, 65535, &v))
                 return rltool_fail(RLTOOL_USAGE, "--height takes a number from 1 to 65535, not '%s'", argv[i]);
+            height = (unsigned long)v;
         } else if (strcmp(a, "--bits") == 0 && i + 1 < argc) {
-            if (!Number(argv[++i], 24, &bits) || (bits != 8 && bits != 4 && bits != 1 && bits != 24))
+            if (!rltool_number(argv[++i], 1, 24, &v) || (v != 8 && v != 4 && v != 1 && v != 24))
                 return rltool_fail(RLTOOL_USAGE, "--bits takes 8, 4, 1 or 24, not '%s'", argv[i]);
+            bits = (unsigned long)v;
         } else if (strcmp(a, "--keep-aspect") == 0) {
             keep = true;
         } else if (a[0] == '-' && a[1]) {
@@ -86,6 +81,8 @@ static int RunResize(int argc, char** argv)
     }
     if (!in || !out)
         return rltool_usage("resize");
+    if (rltool_same_file(in, out))
+        return rltool_fail(RLTOOL_USAGE, "'%s' is the same file as the input '%s'; give another name for the output", out, in);
 
     RlBmpSummary s;
     if (!rltool_bmp_summary(in, &s))
@@ -106,14 +103,16 @@ static int RunResize(int argc, char** argv)
     if (source.Status() != vSTREAM_OK)
         return rltool_fail(RLTOOL_FAILED, "%s: cannot open the file", in);
     vMEMSTREAM scaled;
-    Bar bar;
-    bool progress = rltool_interactive() && source.Size() >= kProgressFrom;
+    RlProgressLine line((long long)source.Size(), kProgressFrom);
+    Bar bar(line);
+    bool progress = line.Shown();
     if (progress)
         vBMRESIZE::SetProgressInd(bar);
     vBMRESIZE r;
     int ok = r.Scale(source, scaled, (unsigned short)width, (unsigned short)height, (unsigned char)bits, 0);
     if (progress)
         vBMRESIZE::RemoveProgressInd();
+    line.End();
     if (!ok || scaled.Size() < 40)
         return rltool_fail(RLTOOL_FAILED, "%s: the library cannot read this bitmap: %s", in, rltool_bmp_refusal(s));
 
@@ -130,9 +129,10 @@ static int RunResize(int argc, char** argv)
     unsigned char fileHeader[14] = {'B', 'M'};
     Put32(fileHeader + 2, total);
     Put32(fileHeader + 10, offBits);
-    FILE* f = fopen(out, "wb");
-    if (!f)
-        return rltool_fail(RLTOOL_FAILED, "%s: cannot create the file", out);
+    RlOutput output;
+    if (!output.Create(out))
+        return RLTOOL_FAILED;
+    FILE* f = output.File();
     bool written = fwrite(fileHeader, 1, 14, f) == 14 && fwrite(info, 1, 40, f) == 40;
     static unsigned char piece[65536];
     for (unsigned long left = scaled.Size() - 40; written && left;) {
@@ -140,9 +140,10 @@ static int RunResize(int argc, char** argv)
         written = scaled.ReadByteString(piece, n) == (long)n && fwrite(piece, 1, n, f) == n;
         left -= n;
     }
-    written = fclose(f) == 0 && written;
     if (!written)
         return rltool_fail(RLTOOL_FAILED, "%s: could not write the file", out);
+    if (!output.Commit())
+        return RLTOOL_FAILED;
     printf("%s: %ld x %ld, %u bits -> %s: %lu x %lu, %u bits\n", in, sw, sh, s.bits, out,
            U32(info + 4), U32(info + 8), info[14]);
     return RLTOOL_OK;

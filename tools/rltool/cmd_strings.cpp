@@ -59,9 +59,9 @@ static int RunStrings(int argc, char** argv)
     unsigned short language = 0;
     for (int i = 1; i < argc; ++i) {
         if (strcmp(argv[i], "--language") == 0 && i + 1 < argc) {
-            char* end = nullptr;
-            long v = strtol(argv[++i], &end, 0);
-            if (!*argv[i] || *end || v < 0 || v > 0xFFFF)
+            // Language identifiers are usually written in hexadecimal (0x407).
+            long long v;
+            if (!rltool_number(argv[++i], 0, 0xFFFF, &v, true))
                 return rltool_fail(RLTOOL_USAGE, "--language takes a language identifier such as 1036, not '%s'", argv[i]);
             language = (unsigned short)v;
             all = false;

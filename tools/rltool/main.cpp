@@ -2,7 +2,9 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <io.h>
+#include <new>
 #include "rltool.h"
 
 namespace {
@@ -92,7 +94,19 @@ int main(int argc, char** argv)
             return RLTOOL_OK;
         }
     }
-    int rc = c->run(argc - 1, argv + 1);
+    // The commands report their own failures; an exception reaching this far
+    // (memory ran out in a container) still ends as a failure with a reason,
+    // never as an abort. Output files clean themselves up while it unwinds.
+    int rc;
+    try {
+        rc = c->run(argc - 1, argv + 1);
+    } catch (const std::bad_alloc&) {
+        rc = rltool_fail(RLTOOL_FAILED, "%s: out of memory", c->name);
+    } catch (const std::exception& e) {
+        rc = rltool_fail(RLTOOL_FAILED, "%s: %s", c->name, e.what());
+    } catch (...) {
+        rc = rltool_fail(RLTOOL_FAILED, "%s: unexpected failure", c->name);
+    }
     fflush(stdout);
     return rc;
 }

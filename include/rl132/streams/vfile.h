@@ -36,22 +36,6 @@ public:
 
     virtual int Close();
     virtual int ReOpen();
-    virtual unsigned long ReadULong();
-    virtual unsigned short ReadUWord();
-    virtual unsigned char ReadUByte();
-    virtual long ReadSLong();
-    virtual short ReadSWord();
-    virtual signed char ReadSByte();
-    virtual vOBJECT* ReadPointer();
-    virtual long ReadByteString(unsigned char* buffer, unsigned long count);
-    virtual unsigned short WriteULong(unsigned long value);
-    virtual unsigned short WriteUWord(unsigned short value);
-    virtual unsigned short WriteUByte(unsigned char value);
-    virtual unsigned short WriteSLong(long value);
-    virtual unsigned short WriteSWord(short value);
-    virtual unsigned short WriteSByte(signed char value);
-    virtual unsigned short WritePointer(const vOBJECT* object);
-    virtual unsigned long WriteByteString(const unsigned char* text);
     virtual unsigned long WriteBlock(const unsigned char* data, unsigned long count);
     virtual unsigned long MoveFromCur(long delta);
     virtual unsigned long MoveFromStart(unsigned long position);
@@ -64,6 +48,10 @@ public:
     void* Handle() const { return handle; }
     long Mode() const { return mode; }
 
+protected:
+    virtual long RawRead(unsigned char* buffer, unsigned long count);
+    virtual unsigned long RawWrite(const unsigned char* data, unsigned long count);
+
 private:
     friend class vMEMSTREAM;
     void Constructor();
@@ -74,13 +62,10 @@ private:
     void SetReadStatus(long wanted, long got);
     int Delete();
     vSTRING& ID() const;
-    // Reads exactly count bytes for the typed readers (missing bytes read as 0).
-    void ReadRawBytes(unsigned char* bytes, unsigned long count);
-    unsigned long WriteTypedBytes(const unsigned char* bytes, unsigned long count);
     // Drops bytes between end and the end of a longer compressed attempt.
     void TrimTo(unsigned long end);
     unsigned long LogicalEnd() const;
-    int SeekTo(unsigned long offset, long high, unsigned long method, unsigned long* result);
+    int SeekTo(long long offset, int origin, unsigned long* result);
     // Reads through the read-ahead; returns the bytes delivered, -1 on an error
     // before anything was delivered.
     long ReadBuffered(unsigned char* out, unsigned long count);

@@ -30,22 +30,7 @@ public:
     vMEMSTREAM& operator=(vMEMSTREAM& source);
     using vSTREAM::operator=;
 
-    virtual unsigned long ReadULong();
-    virtual unsigned short ReadUWord();
-    virtual unsigned char ReadUByte();
-    virtual long ReadSLong();
-    virtual short ReadSWord();
-    virtual signed char ReadSByte();
-    virtual vOBJECT* ReadPointer();
     virtual long ReadByteString(unsigned char* buffer, unsigned long count);
-    virtual unsigned short WriteULong(unsigned long value);
-    virtual unsigned short WriteUWord(unsigned short value);
-    virtual unsigned short WriteUByte(unsigned char value);
-    virtual unsigned short WriteSLong(long value);
-    virtual unsigned short WriteSWord(short value);
-    virtual unsigned short WriteSByte(signed char value);
-    virtual unsigned short WritePointer(const vOBJECT* object);
-    virtual unsigned long WriteByteString(const unsigned char* text);
     virtual unsigned long WriteBlock(const unsigned char* data, unsigned long count);
     virtual unsigned long MoveFromCur(long delta);
     virtual unsigned long MoveFromStart(unsigned long position);
@@ -59,12 +44,15 @@ public:
     unsigned long Capacity() const { return capacity; }
     int Spilled() const { return spill != nullptr; }
 
+protected:
+    virtual long RawRead(unsigned char* buffer, unsigned long count);
+    virtual unsigned long RawWrite(const unsigned char* data, unsigned long count);
+
 private:
     unsigned long Update(const unsigned char* data, unsigned long count);
     void Delete();
     vSTRING& ID() const;
     void Init(unsigned long initial);
-    void ReadRawBytes(unsigned char* bytes, unsigned long count);
     unsigned long MoveTo(long long target);
     void TakeSpillStatus();
     int Reserve(unsigned long bytes);

@@ -48,30 +48,36 @@ public:
     vSTREAM(const vSTREAM& other);
     virtual ~vSTREAM();
 
-    // The virtual slots, in their fixed order.
+    // The virtual slots, in their fixed order. The typed reads and writes and
+    // the byte-string reader are implemented here, once, over the raw access
+    // below; the concrete streams supply the raw access, WriteBlock and the
+    // positioning.
     virtual int IsStream() const;
     virtual int Close();
     virtual int ReOpen();
-    virtual unsigned long ReadULong() = 0;
-    virtual unsigned short ReadUWord() = 0;
-    virtual unsigned char ReadUByte() = 0;
-    virtual long ReadSLong() = 0;
-    virtual short ReadSWord() = 0;
-    virtual signed char ReadSByte() = 0;
-    virtual vOBJECT* ReadPointer() = 0;
+    // Integers least significant byte first (most significant first while the
+    // swap flag is set); bytes the stream does not have read as 0.
+    virtual unsigned long ReadULong();
+    virtual unsigned short ReadUWord();
+    virtual unsigned char ReadUByte();
+    virtual long ReadSLong();
+    virtual short ReadSWord();
+    virtual signed char ReadSByte();
+    virtual vOBJECT* ReadPointer();
     // Reads count bytes; returns the bytes delivered. A compressed frame at the
-    // start is expanded (on streams that detect frames) and the stream is left
-    // just after the frame.
-    virtual long ReadByteString(unsigned char* buffer, unsigned long count) = 0;
-    virtual unsigned short WriteULong(unsigned long value) = 0;
-    virtual unsigned short WriteUWord(unsigned short value) = 0;
-    virtual unsigned short WriteUByte(unsigned char value) = 0;
-    virtual unsigned short WriteSLong(long value) = 0;
-    virtual unsigned short WriteSWord(short value) = 0;
-    virtual unsigned short WriteSByte(signed char value) = 0;
-    virtual unsigned short WritePointer(const vOBJECT* object) = 0;
+    // start is expanded (while frames are detected) and the stream is left just
+    // after it; raw bytes come back as stored.
+    virtual long ReadByteString(unsigned char* buffer, unsigned long count);
+    // Writers never swap; each returns 1 when all the value's bytes were taken.
+    virtual unsigned short WriteULong(unsigned long value);
+    virtual unsigned short WriteUWord(unsigned short value);
+    virtual unsigned short WriteUByte(unsigned char value);
+    virtual unsigned short WriteSLong(long value);
+    virtual unsigned short WriteSWord(short value);
+    virtual unsigned short WriteSByte(signed char value);
+    virtual unsigned short WritePointer(const vOBJECT* object);
     // The characters of a zero-terminated text, without length or terminator.
-    virtual unsigned long WriteByteString(const unsigned char* text) = 0;
+    virtual unsigned long WriteByteString(const unsigned char* text);
     // Writes a run of bytes, as a compressed frame when compression is on and
     // the frame is smaller; returns the bytes the run occupies on the stream.
     virtual unsigned long WriteBlock(const unsigned char* data, unsigned long count) = 0;
@@ -135,19 +141,23 @@ public:
     static int ExplodeTo(vSTREAM& target, const unsigned char* data, unsigned long count);
 
 protected:
+    // The raw access, after the public slots so that their order stays. Bytes
+    // as stored, never expanded, compressed or swapped.
+    // RawRead reads up to count bytes at the position and returns how many came
+    // (0 or more); it sets the status on failure: 2 fewer than asked, 3 not
+    // readable. A zero count lets a stream settle what it holds back (a cached
+    // file writes out its cache).
+    // RawWrite writes count bytes at the position and returns how many the
+    // stream took, setting the status when it refused some.
+    // The defaults go through ReadByteString with detection off and WriteBlock
+    // with compression off, for streams that implement only those: a stream
+    // must override one of each pair.
+    virtual long RawRead(unsigned char* buffer, unsigned long count);
+    virtual unsigned long RawWrite(const unsigned char* data, unsigned long count);
+
     int SwappedByteOrder() const { return swapOrder; }
     void SetStatus(vSTREAMSTATUS s) { status = s; }
     void ClearLastCompressed() { lastCompressed = 0; }
-    // Helpers for the concrete streams.
-    unsigned long DecodeULong(const unsigned char* b) const;
-    unsigned short DecodeUWord(const unsigned char* b) const;
-    // Called by a detecting ReadByteString after it read `got` bytes starting at
-    // `start` into buffer and found the magic: expands the frame into buffer,
-    // leaves the stream just after the frame and returns the bytes delivered.
-    // `before` is the status the stream had before the read: a complete
-    // expansion leaves it as it was.
-    long ExpandFrame(unsigned char* buffer, unsigned long count, unsigned long got,
-                     unsigned long start, vSTREAMSTATUS before);
     friend struct vSTREAMTRANSFER;
     friend struct rlframe::StreamAccess;
 
