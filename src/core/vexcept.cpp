@@ -1,27 +1,23 @@
 // The exception root and the default exception: what happens when memory runs short.
-#include <windows.h>
 #include "rl132/core/vexcept.h"
 #include "rl132/core/vmem.h"
 #include "rl132/core/vtrace.h"
 #include "rl132/core/vpageout.h"
-#include "rl132/platform/vsystem.h"
+#include "core/rlframe.h"
+#include "core/rlstate.h"
+#include "platform/sys_heap.h"
+#include "platform/sys_ui.h"
 
 vEXCEPTION::vEXCEPTION() { vTrace(1, "vEXCEPTION::vEXCEPTION(...)"); }
 vEXCEPTION::vEXCEPTION(const vEXCEPTION& e) : vOBJECT(e) { vTrace(1, "vEXCEPTION::vEXCEPTION(...)"); }
 vEXCEPTION::~vEXCEPTION() { vTrace(1, "vEXCEPTION::~vEXCEPTION(...)"); }
 
-void* vEXCEPTION::operator new(unsigned int size)
+void* vEXCEPTION::operator new(std::size_t size)
 {
-    HGLOBAL h = GlobalAlloc(GMEM_ZEROINIT | GMEM_NODISCARD, size);
-    if (!h)
-        return nullptr;
-    void* p = GlobalLock(h);
-    if (!p)
-        GlobalFree(h);
-    return p;
+    return rlsys::BlockAllocZeroed(size);
 }
 
-// The block is a locked global handle, exactly what the memory layer frees.
+// The block comes from the same heap as the memory layer's, which frees it.
 void vEXCEPTION::operator delete(void* p)
 {
     vMemFree(p);
@@ -72,7 +68,7 @@ int DEFEXCEP::NewFailureException(unsigned int /*size*/)
         freed = 1;
     }
     vTrace(0, "After PageOut");
-    vSYSTEM::SetExceptionFlag(1);
+    rlstate::exceptionFlag = 1;
     // The reserve goes so that the message boxes that follow have room to run;
     // the failed allocation is still not retried.
     if (!freed && pReserve) {
@@ -84,13 +80,8 @@ int DEFEXCEP::NewFailureException(unsigned int /*size*/)
 
 int DEFEXCEP::HandleException(HWND window)
 {
-    HWND top = window;
-    for (HWND parent = top ? GetParent(top) : nullptr; parent; parent = GetParent(top))
-        top = parent;
-    char* title = (char*)vSYSTEM::GetBuffer();
-    title[0] = 0;
-    if (top)
-        GetWindowTextA(top, title, 1000);
+    char* title = (char*)rlstate::scratch;
+    rlsys::TopLevelTitle(window, title, 1000);
 
     const char* text;
     char* release = nullptr;
@@ -100,14 +91,15 @@ int DEFEXCEP::HandleException(HWND window)
     } else {
         text = pSevere ? pSevere : "";
     }
-    int answer = vSYSTEM::ShowMessage(window, text, title, MB_OK | MB_ICONHAND | MB_SYSTEMMODAL);
+    int answer = rlframe::ShowMessage(window, text, title,
+                                      rlsys::kBoxOk | rlsys::kBoxIconHand | rlsys::kBoxSystemModal);
     // The warning is shown once per process; every later report is the severe one.
     if (release) {
         vMemFree(release);
         pWarning = nullptr;
     }
-    if (answer == IDOK) {
-        vSYSTEM::SetExceptionFlag(0);
+    if (answer == rlsys::kAnswerOk) {
+        rlstate::exceptionFlag = 0;
         return 1;
     }
     return 0;

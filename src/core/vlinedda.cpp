@@ -2,26 +2,24 @@
 // solid lines: one square pen dot per point.
 #include "core/vlinedda.h"
 #include "rl132/core/vnumber.h"
-
-namespace {
-HDC g_lineDC = 0;
-}
+#include "core/rlstate.h"
+#include "platform/sys_paint.h"
 
 HDC vLineDDASetDC(HDC dc)
 {
-    HDC old = g_lineDC;
-    g_lineDC = dc;
+    HDC old = rlstate::lineDDAContext;
+    rlstate::lineDDAContext = dc;
     return old;
 }
 
 void RL132_CALLBACK fnLineDDA(short x, short y, long width)
 {
-    if (!g_lineDC)
+    if (!rlstate::lineDDAContext)
         return;
     // The width travels in the low 16 bits of the callback's data word. The
     // square's corner is offset by half the width (arithmetic shift), so odd
     // widths put the extra pixel on the right and bottom.
     int w = (int)((unsigned long)width & 0xFFFFu);
     int half = w >> 1;
-    PatBlt(g_lineDC, x - half, y - half, w, w, PATCOPY);
+    rlsys::PaintSquare(rlstate::lineDDAContext, x - half, y - half, w);
 }

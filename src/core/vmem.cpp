@@ -1,30 +1,12 @@
-// The memory layer over the system's global heap.
-#include <windows.h>
+// The memory layer over the system heap.
 #include <new>
 #include "rl132/core/vmem.h"
-#include "rl132/platform/vsystem.h"
+#include "core/rlframe.h"
+#include "platform/sys_heap.h"
 
-// The resize loop's way to the system object's private new-failure handler.
-struct vMEMLAYER {
-    static int NewFailure(unsigned long size) { return vSYSTEM::NewFailureException((unsigned int)size); }
-};
+void* vMemAlloc(unsigned long size) { return rlsys::BlockAlloc(size); }
 
-void* vMemAlloc(unsigned long size)
-{
-    // GMEM_FIXED: the handle is the address, so no lock count is involved.
-    return (void*)GlobalAlloc(GMEM_FIXED, size);
-}
-
-void vMemFree(void* p)
-{
-    if (!p)
-        return;
-    HGLOBAL h = GlobalHandle(p);
-    if (!h)
-        return;
-    GlobalUnlock(h);
-    GlobalFree(h);
-}
+void vMemFree(void* p) { rlsys::BlockFree(p); }
 
 void* vMemRealloc(void* p, unsigned long size)
 {
@@ -33,19 +15,14 @@ void* vMemRealloc(void* p, unsigned long size)
     // A zero size would discard the block instead of resizing it.
     if (size == 0)
         size = 1;
-    HGLOBAL old = GlobalHandle(p);
-    if (!old)
-        return nullptr;
-    GlobalUnlock(old);
     for (;;) {
-        HGLOBAL h = GlobalReAlloc(old, size, GMEM_MOVEABLE | GMEM_DDESHARE);
-        if (h)
-            return GlobalLock(h);
-        if (!vMEMLAYER::NewFailure(size))
+        void* q = rlsys::BlockResize(p, size);
+        if (q)
+            return q;
+        if (!rlframe::NewFailure((unsigned int)size))
             break;
     }
-    // The old block was never touched: lock it again and report the failure.
-    GlobalLock(old);
+    // The old block is still where it was, contents and all.
     return nullptr;
 }
 

@@ -1,5 +1,4 @@
 // vSTRING: the library's owned, zero-terminated ANSI string.
-#include <windows.h>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -9,21 +8,20 @@
 #include "rl132/core/vmem.h"
 #include "rl132/core/vtrace.h"
 #include "rl132/platform/vresid.h"
-#include "rl132/platform/vsystem.h"
+#include "core/rlstate.h"
+#include "platform/sys_text.h"
 
 namespace {
 
 const unsigned long kMaxLength = 0xFFFF;   // lengths are 16-bit
-const int kScratch = 1024;                 // the shared local scratch buffer
+const int kScratch = rlstate::kScratchSize;
+static_assert(kScratch == rlsys::kFormatBuffer, "formatting fills the local scratch buffer");
 
 // Handed out by operator() when an allocation left a string without a buffer.
 char gEmptyText[1] = {0};
 
-// The argument block behind text that is formatted with no arguments of its
-// own. wsprintf consumes at most 8 bytes per directive and a directive takes
-// at least 2 characters, so 1,023 characters of format can never read past it;
-// every directive sees zeros ("%d" gives 0, "%s" a null string).
-const unsigned long kNoArguments[kScratch] = {0};
+// The shared local scratch buffer, directly after the general one.
+char* LocalBuffer() { return (char*)rlstate::scratch + kScratch; }
 
 unsigned long CappedLength(const char* text)
 {
@@ -42,14 +40,6 @@ char* NewText(const char* text, unsigned long length)
         memcpy(p, text, length);
     p[length] = 0;
     return p;
-}
-
-// wvsprintfA stops at 1,024 bytes; the terminator is set here in any case so the
-// copy that follows never runs past the buffer.
-void FormatInto(char* out, const char* format, va_list args)
-{
-    wvsprintfA(out, format, args);
-    out[kScratch - 1] = 0;
 }
 
 } // namespace
@@ -73,7 +63,7 @@ int vCHAR::Symbol(char& c) const
     unsigned char u = (unsigned char)cChar;
     if (u <= ' ' || u == 0x7F)
         return 0;
-    return ::IsCharAlphaNumericA(cChar) ? 0 : 1;
+    return rlsys::CharIsAlphaNumeric(cChar) ? 0 : 1;
 }
 
 int vCHAR::operator==(const vCHAR& c) const { return cChar == c.cChar; }
@@ -83,10 +73,10 @@ int vCHAR::operator>(const vCHAR& c) const { return (unsigned char)cChar > (unsi
 int vCHAR::operator<=(const vCHAR& c) const { return (unsigned char)cChar <= (unsigned char)c.cChar; }
 int vCHAR::operator>=(const vCHAR& c) const { return (unsigned char)cChar >= (unsigned char)c.cChar; }
 
-int vCHAR::IsCharAlphaA() const { return ::IsCharAlphaA(cChar) ? 1 : 0; }
-int vCHAR::IsCharNumeric() const { return (::IsCharAlphaNumericA(cChar) && !::IsCharAlphaA(cChar)) ? 1 : 0; }
-int vCHAR::IsCharUpperA() const { return ::IsCharUpperA(cChar) ? 1 : 0; }
-int vCHAR::IsCharLowerA() const { return ::IsCharLowerA(cChar) ? 1 : 0; }
+int vCHAR::IsCharAlphaA() const { return rlsys::CharIsAlpha(cChar); }
+int vCHAR::IsCharNumeric() const { return (rlsys::CharIsAlphaNumeric(cChar) && !rlsys::CharIsAlpha(cChar)) ? 1 : 0; }
+int vCHAR::IsCharUpperA() const { return rlsys::CharIsUpper(cChar); }
+int vCHAR::IsCharLowerA() const { return rlsys::CharIsLower(cChar); }
 
 // ---------------------------------------------------------------- construction
 
@@ -110,21 +100,21 @@ vSTRING::vSTRING(const char* format, ...) : pText(nullptr)
     }
     va_list args;
     va_start(args, format);
-    FormatInto((char*)vSYSTEM::GetLocalBuffer(), format, args);
+    rlsys::FormatV(LocalBuffer(), format, args);
     va_end(args);
     AssignLocalBuffer();
 }
 
 void vSTRING::FormatInt(const vINT& i)
 {
-    wsprintfA((char*)vSYSTEM::GetLocalBuffer(), "%ld", i());
+    snprintf(LocalBuffer(), kScratch, "%ld", (long)i());
 }
 
 void vSTRING::FormatReal(const vREAL& r)
 {
     // wsprintf has no floating conversions; the runtime's does, and a 16.16
     // value needs at most a dozen characters.
-    snprintf((char*)vSYSTEM::GetLocalBuffer(), kScratch, "%.4g", (double)r() / 65536.0);
+    snprintf(LocalBuffer(), kScratch, "%.4g", (double)r() / 65536.0);
 }
 
 vSTRING::vSTRING(const vINT& i) : pText(nullptr)
@@ -144,8 +134,7 @@ vSTRING::vSTRING(const vREAL& r) : pText(nullptr)
 vSTRING::vSTRING(const vRESID& id) : pText(nullptr)
 {
     vTrace(9, "vSTRING::vSTRING(vRESID)");
-    char* local = (char*)vSYSTEM::GetLocalBuffer();
-    id.Load(local, 256);
+    id.Load(LocalBuffer(), 256);
     AssignLocalBuffer();
 }
 
@@ -187,7 +176,7 @@ int vSTRING::Assign(const char* text, unsigned long length)
 
 int vSTRING::AssignLocalBuffer()
 {
-    const char* local = (const char*)vSYSTEM::GetLocalBuffer();
+    const char* local = LocalBuffer();
     return Assign(local, strlen(local));
 }
 
@@ -202,7 +191,7 @@ vSTRING vSTRING::Format(const char* text, unsigned long length)
         length = kScratch - 1;
     memcpy(format, text, length);
     format[length] = 0;
-    FormatInto(out, format, (va_list)kNoArguments);
+    rlsys::FormatBare(out, format);
     return vSTRING("%s", out);
 }
 
@@ -242,8 +231,7 @@ vSTRING& vSTRING::operator=(const vREAL& r)
 vSTRING& vSTRING::operator=(const vRESID& id)
 {
     vTrace(9, "vSTRING::=");
-    char* local = (char*)vSYSTEM::GetLocalBuffer();
-    id.Load(local, 256);
+    id.Load(LocalBuffer(), 256);
     AssignLocalBuffer();
     return *this;
 }
@@ -262,8 +250,7 @@ char* vSTRING::operator()() const { return pText ? pText : gEmptyText; }
 
 unsigned short vSTRING::Length() const
 {
-    int n = pText ? lstrlenA(pText) : 0;
-    return n > (int)kMaxLength ? (unsigned short)kMaxLength : (unsigned short)n;
+    return (unsigned short)CappedLength(pText);
 }
 
 int vSTRING::Null() const { return (!pText || !pText[0]) ? 1 : 0; }
@@ -330,7 +317,7 @@ namespace {
 // The comparison's result is kept as the 16-bit value the operators were built on.
 short Compare(const vSTRING& other, const vSTRING& self)
 {
-    return (short)lstrcmpA(other(), self());
+    return (short)rlsys::CompareText(other(), self());
 }
 } // namespace
 

@@ -1,28 +1,21 @@
 // Resource identifiers and modules.
-#include <windows.h>
 #include "rl132/platform/vresid.h"
-#include "rl132/platform/vsystem.h"
 #include "rl132/core/vtrace.h"
+#include "core/rlstate.h"
+#include "platform/sys_ui.h"
 
 vRESID::vRESID() : uId(0), hModule(nullptr) {}
 vRESID::vRESID(unsigned short id, HINSTANCE module) : uId(id), hModule(module) {}
 
-HINSTANCE vRESID::Module() const { return hModule ? hModule : vSYSTEM::GetInstance(); }
+HINSTANCE vRESID::Module() const { return hModule ? hModule : rlstate::instance; }
 
 int vRESID::Load(char* buffer, int size) const
 {
-    if (!buffer || size <= 0)
-        return 0;
-    int n = LoadStringA(Module(), uId, buffer, size);
-    if (n <= 0) {
-        buffer[0] = 0;
-        return 0;
-    }
-    return n;
+    return rlsys::LoadText(Module(), uId, buffer, size);
 }
 
-vMODULE::vMODULE() : hModule(vSYSTEM::GetInstance()) { vTrace(1, "vMODULE::vMODULE()"); }
-vMODULE::vMODULE(HINSTANCE module) : hModule(module ? module : vSYSTEM::GetInstance())
+vMODULE::vMODULE() : hModule(rlstate::instance) { vTrace(1, "vMODULE::vMODULE()"); }
+vMODULE::vMODULE(HINSTANCE module) : hModule(module ? module : rlstate::instance)
 {
     vTrace(1, "vMODULE::vMODULE(...)");
 }

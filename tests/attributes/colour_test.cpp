@@ -7,7 +7,7 @@
 #include <vector>
 #include "rl132.h"
 #include "rltest.h"
-#include "attributes/vpantone.h"
+#include "platform/outlib.h"
 
 namespace {
 const vCOLOURTYPE kUnknown = (vCOLOURTYPE)7;
@@ -30,12 +30,15 @@ long Counter(const char* name)
     return (n > 0 && n < sizeof v) ? atol(v) : 0;
 }
 // Which colour library to use and which failure its stand-in plays; counters start at 0.
+const char* gLibrary = nullptr;
+const char* ColourLibrary(const char*) { return gLibrary; }
 void StandIn(const char* library, const char* mode)
 {
     for (const char* name : {"POCE_STANDIN", "POCE_STANDIN_LOADS", "POCE_STANDIN_UNLOADS", "POCE_STANDIN_CALLS"})
         SetEnvironmentVariableA(name, nullptr);
     SetEnvironmentVariableA("POCE_STANDIN", mode);
-    vPantoneLibraryName(library);
+    gLibrary = library;
+    OUTLIB::SetFileMap(library ? ColourLibrary : nullptr);
 }
 } // namespace
 

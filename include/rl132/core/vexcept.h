@@ -1,6 +1,7 @@
 // Memory-shortage handling: the exception root and the one default exception.
 #ifndef RL132_CORE_VEXCEPT_H
 #define RL132_CORE_VEXCEPT_H
+#include <cstddef>
 #include "rl132/core/vobject.h"
 
 #include "rl132/core/rlwin.h"
@@ -15,7 +16,8 @@ public:
 
     // Exception objects must be constructible while the heap is short, so they
     // come straight from the global heap and never reach the new-failure handler.
-    static void* operator new(unsigned int size);
+    // (The size is the unsigned int of the library's 32-bit target.)
+    static void* operator new(std::size_t size);
     static void operator delete(void* p);
 };
 
@@ -34,7 +36,6 @@ public:
 
 private:
     friend class vSYSTEM;
-    friend struct vSYSTEMENTRY; // the entry point fills the message buffers
     friend class vAPPFRAME; // the application framework on top of the library
     int HandleException(HWND window);
 

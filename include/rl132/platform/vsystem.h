@@ -44,8 +44,7 @@ public:
     RL132_INLINE static unsigned int CloseMessage() { return uCloseMessage; }
 
 private:
-    friend struct vMEMLAYER; // vMemRealloc and its aliases
-    friend struct vSYSTEMENTRY;
+    friend struct vSYSTEMENTRY; // the entry point records the module handle
     // Called after a failed system allocation; non-zero means "retry".
     static int NewFailureException(unsigned int size);
 

@@ -1,0 +1,103 @@
+// The library's process-wide state, all of it in one place.
+//
+// The library has no threads of its own and callers use it from one thread, so
+// nothing here is locked. Everything is defined in rlstate.cpp, in the order
+// below, which is also the order of construction. Each entry says who owns it
+// (the only code that writes it) and when it is set.
+//
+// Kept elsewhere, because the exported interface needs them where they are:
+//   - the system object (the static vSYSTEM in src/platform/vsystem.cpp, with
+//     its instance field, which vSYSTEM::Instance() reads inline) and its
+//     registered message numbers (vSYSTEM::uAppMessage, uPaletteMessage,
+//     uCloseMessage, read by inline accessors; set when it is constructed);
+//   - the resampler's shared 256-colour tables and progress indicator
+//     (vBMRESIZE::pPalette, pLevelTable, pResidueTable, progress: class statics
+//     of an exported class).
+// Kept beside their code until that code settles:
+//   - the compression engine's transfer record (`transfer` in
+//     src/streams/vstream.cpp: the input, target and count of the block being
+//     packed or unpacked; set around each engine call);
+//   - the error-diffusion lookup table (gCube in src/bitmaps/dither.cpp: built
+//     once on first use and never changed, so it is a constant, not state).
+#ifndef RL132_SRC_CORE_RLSTATE_H
+#define RL132_SRC_CORE_RLSTATE_H
+#include "rl132/core/rlwin.h"
+#include "rl132/core/vexcept.h"
+#include "rl132/core/vpageout.h"
+#include "platform/outlib.h"
+
+namespace rlstate {
+
+// ---------------------------------------------------------------- the frame
+// Owner: the core frame (src/core/vframe.cpp); vSYSTEM's accessors forward here.
+
+// The trace level: every trace site writes when its level is at most this.
+// Set by the entry point from the profile at every notification, and by
+// vSYSTEM::SetTraceLevel.
+extern unsigned short traceLevel;
+// The heap-check flag, kept for applications (vSYSTEM::CheckHeap); the library
+// itself never consults it. Set like the trace level.
+extern int heapCheck;
+// The library's module (string tables, resources). Set by the entry point.
+extern HINSTANCE instance;
+// The two shared scratch buffers, the general one (vSYSTEM::GetBuffer) and the
+// local one directly after it (vSYSTEM::GetLocalBuffer). Any function may
+// format into them; their contents last until the next library call that uses
+// them.
+const int kScratchSize = 1024;
+extern unsigned char scratch[2 * kScratchSize];
+// Who answers the library's message boxes instead of the user (null: the real
+// box). Same type as vMESSAGEBOXPROC. Set by vSYSTEM::SetMessageBoxProc.
+typedef int (*BOXPROC)(HWND owner, const char* text, const char* caption, unsigned int type);
+extern BOXPROC boxProc;
+// Set before the first assertion box is shown: later assertions only break
+// into the debugger. Owner: vAssertFailed.
+extern int assertShown;
+
+// ---------------------------------------------------------------- memory shortage
+// Owner: the default exception and the new-failure handler (src/core/vexcept.cpp,
+// src/core/vframe.cpp).
+
+// 1 while a shortage has happened and has not been reported to the user. Set
+// by every handled shortage, cleared by a report acknowledged with OK
+// (vSYSTEM::GetExceptionFlag / SetExceptionFlag).
+extern int exceptionFlag;
+// The one default exception: its reserve and message texts. Constructed before
+// the entry point runs, which fills the texts.
+extern DEFEXCEP defaultException;
+// The page-out request the handler makes, and the resident limit it lowers.
+// Installed by the bitmap manager (vPAGEOUT::SetProc, SetResidentLimit); while
+// the request is null nothing can be paged out.
+extern vPAGEOUTPROC pageOutProc;
+extern unsigned short residentLimit;
+
+// ---------------------------------------------------------------- outside libraries
+// Owner: OUTLIB (src/platform/outlib.cpp) and each library's one user.
+
+// Where a library name is loaded from (the test seam, OUTLIB::SetFileMap);
+// null loads names as they are.
+extern OUTLIBFILEMAP outlibFileMap;
+// The Pantone colour library, held only for the length of one lookup
+// (vCOLOUR::PantToRgb).
+extern OUTLIB pantoneLibrary;
+// To come with their features: the Photo CD access library and its entry
+// table (held from the first volume to the last), the imaging library (from
+// first need to the bridge's release).
+
+// ---------------------------------------------------------------- drawing
+// Owner: the line renderer. The context fnLineDDA paints its dots on, set
+// around each LineDDA walk (vLineDDASetDC); null draws nothing.
+extern HDC lineDDAContext;
+
+// ================================================================= reserved
+// The drawing half's state joins here, one entry each with its owner and when
+// it is set:
+//   - the active device and its device context (one active device at a time);
+//   - the renderers' shared line and point work objects;
+//   - the bitmap manager, and its shared re-read file;
+//   - the fixed temporary metafile name of native-metafile conversion.
+// ================================================================= end reserved
+
+} // namespace rlstate
+
+#endif

@@ -1,0 +1,16 @@
+// The library's entry and exit points.
+#include <windows.h>
+#include "rl132/core/rldefs.h"
+#include "platform/vsystementry.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD /*reason*/, LPVOID /*reserved*/)
+{
+    vSYSTEMENTRY::Run(instance);
+    return TRUE;
+}
+
+// The exit procedure of 16-bit libraries, kept for applications that call it.
+extern "C" RL132_API int WINAPI WEP(int /*param*/)
+{
+    return 1;
+}
