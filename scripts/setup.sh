@@ -10,6 +10,8 @@ for c in "${need_cmds[@]}"; do command -v "$c" >/dev/null 2>&1 || missing=1; don
 [ -f /usr/src/googletest/CMakeLists.txt ] || missing=1
 # wine32 is what actually runs 32-bit programs; the wine launcher alone is not enough.
 dpkg -s wine32:i386 >/dev/null 2>&1 || missing=1
+# The native sanitizer build is 32-bit (gcc -m32): the i386 C and C++ runtimes.
+dpkg -s g++-multilib >/dev/null 2>&1 || missing=1
 [ "$missing" = 0 ] && exit 0
 
 SUDO=""
@@ -21,7 +23,7 @@ if ! dpkg --print-foreign-architectures | grep -x i386 >/dev/null; then
 fi
 
 pkgs=(g++-mingw-w64-i686-posix mingw-w64-tools binutils-mingw-w64-i686 cmake ninja-build
-      make wine wine32:i386 xvfb xauth googletest g++)
+      make wine wine32:i386 xvfb xauth googletest g++ g++-multilib)
 
 apt_q() { $SUDO apt-get -y -q "$@"; }
 

@@ -1,8 +1,8 @@
 // The 16.16 arithmetic, angles, table functions and geometry values under
 // UndefinedBehaviorSanitizer, over raw values that gather at the edges of
 // 32-bit arithmetic. The types wrap by design, so any signed overflow, shift out
-// of range or bad float conversion inside them is a fault; and on this host,
-// where long has 64 bits, results must still wrap at 32.
+// of range or bad float conversion inside them is a fault; and where long has
+// 64 bits (a 64-bit host), results must still wrap at 32.
 #include <gtest/gtest.h>
 #include <cmath>
 #include <cstdint>
@@ -14,6 +14,14 @@
 using namespace rlnative;
 
 namespace {
+
+// Adds every value to the sink in unsigned arithmetic: the test's own sums
+// must not overflow where long has 32 bits.
+template <class... T>
+void Mix(unsigned long& sink, T... v)
+{
+    ((sink += (unsigned long)v), ...);
+}
 
 TEST(NativeNumber, EveryOperationAtTheEdges)
 {
@@ -30,23 +38,23 @@ TEST(NativeNumber, EveryOperationAtTheEdges)
         vANGLE g = vANGLE::FromRaw(edgy()), gd(d);
         unsigned short sh = (unsigned short)rng.U32();
         long wide = (long)rng.Next();
-        sink += (a + b)() + (a - b)() + (a * b)() + (a / b)() + (-a)() + (a << sh)() + (a >> sh)() + a.Sqrt()();
-        sink += (a + r)() + (a - r)() + (a * r)() + (a / r)() + vREAL(a)() + vINT(r)() + vANGLE((int)edgy())();
-        sink += (r + s)() + (r - s)() + (-r)() + (r * s)() + (r * a)() + (r / s)() + (r / a)() + r.Sqrt()();
-        sink += r.Round()() + r.Ceil()() + r.Floor()() + r.aSin()() + r.aCos()() + r.aTan()() + vREAL(d)();
-        sink += g.Sin()() + g.Cos()() + g.Tan()() + gd.Sin()() + gd.Cos()() + gd.Tan()() + vANGLE::FromRaw(wide)();
-        sink += Sqrt(wide) + Sqrt(edgy()) + Sin((short)iter) + Cos((short)iter) + Log((short)iter);
-        ASSERT_EQ((long)(std::int32_t)(std::uint32_t)(a() + b()), (a + b)());
+        Mix(sink, (a + b)(), (a - b)(), (a * b)(), (a / b)(), (-a)(), (a << sh)(), (a >> sh)(), a.Sqrt()());
+        Mix(sink, (a + r)(), (a - r)(), (a * r)(), (a / r)(), vREAL(a)(), vINT(r)(), vANGLE((int)edgy())());
+        Mix(sink, (r + s)(), (r - s)(), (-r)(), (r * s)(), (r * a)(), (r / s)(), (r / a)(), r.Sqrt()());
+        Mix(sink, r.Round()(), r.Ceil()(), r.Floor()(), r.aSin()(), r.aCos()(), r.aTan()(), vREAL(d)());
+        Mix(sink, g.Sin()(), g.Cos()(), g.Tan()(), gd.Sin()(), gd.Cos()(), gd.Tan()(), vANGLE::FromRaw(wide)());
+        Mix(sink, Sqrt(wide), Sqrt(edgy()), Sin((short)iter), Cos((short)iter), Log((short)iter));
+        ASSERT_EQ((long)(std::int32_t)((std::uint32_t)a() + (std::uint32_t)b()), (a + b)());
         ASSERT_EQ((long)(std::int32_t)(std::uint32_t)wide, vINT(wide)());
         ASSERT_EQ((long)(std::int32_t)(std::uint32_t)wide, vREAL::FromRaw(wide)());
 
         vPOINT p(a, b), q{vINT(edgy()), vINT(edgy())};
         vRECT e{vINT(edgy()), vINT(edgy()), vINT(edgy()), vINT(edgy())}, f(p, q);
         vRANGE n(r, s);
-        sink += (p + q).X()() + (p - q).Y()() + (p * r).X()() + (p / r).Y()() + p.ManDist()() + p.DiagDist()();
-        sink += (p ^ e) + (e ^ p) + e.Intersect(q) + (e & f) + (e + p).Width()() + (e - p).Height()();
-        sink += (e + f).Width()() + (e ^ f).Height()() + e.DistFrom(p)() + (n * r).Low()() + (n / r).High()();
-        sink += (n + n).Low()() + e.Expand(a, b).Width()();
+        Mix(sink, (p + q).X()(), (p - q).Y()(), (p * r).X()(), (p / r).Y()(), p.ManDist()(), p.DiagDist()());
+        Mix(sink, (p ^ e), (e ^ p), e.Intersect(q), (e & f), (e + p).Width()(), (e - p).Height()());
+        Mix(sink, (e + f).Width()(), (e ^ f).Height()(), e.DistFrom(p)(), (n * r).Low()(), (n / r).High()());
+        Mix(sink, (n + n).Low()(), e.Expand(a, b).Width()());
     }
     EXPECT_NE(0u, sink | 1);
 }
