@@ -40,6 +40,20 @@ foreach(sub ${RL132_SUBSYSTEMS} tools)
   endif()
 endforeach()
 
+# Every exported class, listed from the headers at each build for the check
+# that all of them derive from vOBJECT (tests/core/root_test.cpp).
+if(TARGET test_core)
+  file(GLOB_RECURSE _headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/include/*.h ${CMAKE_SOURCE_DIR}/src/*.h)
+  set(_classes ${CMAKE_BINARY_DIR}/generated/exported_classes.inc)
+  add_custom_command(OUTPUT ${_classes}
+    COMMAND ${CMAKE_COMMAND} -DROOT=${CMAKE_SOURCE_DIR} -DOUT=${_classes}
+      -P ${CMAKE_SOURCE_DIR}/cmake/RL132ExportedClasses.cmake
+    DEPENDS ${_headers} ${CMAKE_SOURCE_DIR}/cmake/RL132ExportedClasses.cmake
+    COMMENT "Listing the exported classes")
+  target_sources(test_core PRIVATE ${_classes})
+  target_include_directories(test_core PRIVATE ${CMAKE_BINARY_DIR}/generated)
+endif()
+
 # Test-only helper DLLs (stand-ins for outside libraries): tests/dlls/<name>/*.cpp
 file(GLOB _dlls LIST_DIRECTORIES true ${CMAKE_SOURCE_DIR}/tests/dlls/*)
 foreach(dir ${_dlls})

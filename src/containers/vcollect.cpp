@@ -92,9 +92,10 @@ int vCOLLECTION::AddPoint(const vPOINT& p)
 {
     if (!Update() || type != vARRAY_POINT)
         return 0;
-    // Our own block must hold the two new values, whatever the count says; a
-    // caller's buffer is the caller's to size.
-    if (owns && (unsigned long)(count + 2) * 2 > capacity)
+    // The block must hold the two new values, whatever the count says: the
+    // growth rule alone would let a caller's buffer take twice its declared
+    // bytes, and our own block is bounded the same way.
+    if ((unsigned long)(count + 2) * 2 > capacity)
         return 0;
     current[count] = (short)(unsigned short)((unsigned long)p.x() & 0xFFFFu);
     current[count + 1] = (short)(unsigned short)((unsigned long)p.y() & 0xFFFFu);
@@ -108,8 +109,8 @@ vPOINT vCOLLECTION::GetPoint(unsigned short n) const
         return vPOINT(0L, 0L);
     if (!current)
         return vPOINT(0L, 0L);
-    // Past the end of our own block there is nothing of ours to read.
-    if (owns && ((unsigned long)n * 2 + 2) * 2 > capacity)
+    // Past the declared bytes of the block there is nothing to read.
+    if (((unsigned long)n * 2 + 2) * 2 > capacity)
         return vPOINT(0L, 0L);
     unsigned long i = (unsigned long)n * 2;
     return vPOINT((long)current[i], (long)current[i + 1]);

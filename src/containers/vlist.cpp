@@ -27,7 +27,7 @@ fLINK* fLINK::Next() const { return pNext; }
 
 fLIST::fLIST() : pHead(nullptr), pTail(nullptr), uItems(0) {}
 
-fLIST::fLIST(const fLIST& list) : pHead(nullptr), pTail(nullptr), uItems(0)
+fLIST::fLIST(const fLIST& list) : vOBJECT(), pHead(nullptr), pTail(nullptr), uItems(0)
 {
     for (fLINK* l = list.pHead; l; l = l->pNext)
         if (!Append(*l->pObject))
@@ -200,7 +200,7 @@ fLINK* fSTACK::Next(const fLINK* link) const { return fLIST::Next(link); }
 // ---------------------------------------------------------------- ITERATOR
 
 ITERATOR::ITERATOR() : uIndex(0), pLink(nullptr) {}
-ITERATOR::ITERATOR(const ITERATOR& it) : uIndex(it.uIndex), pLink(it.pLink) {}
+ITERATOR::ITERATOR(const ITERATOR& it) : vOBJECT(), uIndex(it.uIndex), pLink(it.pLink) {}
 void ITERATOR::SetLink(fLINK* link) { pLink = link; }
 fLINK* ITERATOR::GetLink() const { return pLink; }
 

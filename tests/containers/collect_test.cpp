@@ -43,10 +43,11 @@ TEST(Collection, GrowsEvery16PointsAndCutsTo16Bits)
     EXPECT_EQ(c.GetPoint(65535) == vPOINT(0L, 0L), 1);   // past the block: nothing read
 }
 
-TEST(Collection, CallerBuffersAreNeitherGrownNorFreed)
+TEST(Collection, CallerBuffersAreNeitherGrownNorFreedNorOverrun)
 {
-    // Appends go on while the capacity in bytes exceeds the count of values:
-    // 16 bytes accept 8 points (32 bytes). The caller sizes the buffer.
+    // Regression: the growth rule alone (capacity in bytes > count of values)
+    // let a 16-byte buffer take 8 points, 32 bytes. An append that would write
+    // past the declared bytes now fails and leaves the buffer as it was.
     unsigned char buffer[64];
     memset(buffer, 0xEE, sizeof buffer);
     {
@@ -54,12 +55,29 @@ TEST(Collection, CallerBuffersAreNeitherGrownNorFreed)
         int added = 0;
         while (added < 100 && c.AddPoint(vPOINT((long)added, (long)(100 + added))))
             ++added;
-        EXPECT_EQ(added, 8);
+        EXPECT_EQ(added, 4);
+        EXPECT_EQ(c.NoValues(), 8);
         EXPECT_EQ(Peek(c).base, buffer);
+        EXPECT_EQ(c.GetPoint(3) == vPOINT(3L, 103L), 1);
+        EXPECT_EQ(c.GetPoint(4) == vPOINT(0L, 0L), 1);   // past the declared bytes
     }
     EXPECT_EQ(buffer[2], 100);
-    EXPECT_EQ(buffer[32], 0xEE);
+    EXPECT_EQ(buffer[16], 0xEE);
     EXPECT_EQ(buffer[63], 0xEE);
+    // Capacities that end inside a point, and counts the caller gave beyond
+    // the capacity, take nothing more.
+    const struct { unsigned short capacity, count; int accepted; } bounds[] = {
+        {0, 0, 0}, {3, 0, 0}, {4, 0, 1}, {7, 0, 1}, {18, 2, 3}, {16, 8, 0}, {16, 30, 0},
+    };
+    for (const auto& b : bounds) {
+        memset(buffer, 0xEE, sizeof buffer);
+        vCOLLECTION c(buffer, vARRAY_POINT, b.capacity, b.count);
+        int added = 0;
+        while (added < 100 && c.AddPoint(vPOINT(1L, 1L)))
+            ++added;
+        EXPECT_EQ(added, b.accepted) << b.capacity << "/" << b.count;
+        EXPECT_EQ(buffer[b.capacity], 0xEE) << b.capacity << "/" << b.count;
+    }
     // Words read as 16-bit pairs but take no points.
     short words[6] = { 1, -2, 300, -32768, 32767, 0 };
     vCOLLECTION w((unsigned char*)words, vARRAY_UWORD, sizeof words, 6);

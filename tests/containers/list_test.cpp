@@ -96,3 +96,33 @@ TEST(List, QueueAndStackOrderAndNeverOwn)
     }
     EXPECT_FALSE(a.destroyed || b.destroyed || c.destroyed);
 }
+
+TEST(List, HoldsListsQueuesAndStacks)
+{
+    // Regression: the containers did not derive from vOBJECT, so none of them
+    // could be put in a list.
+    Item a;
+    fLIST inner;
+    fQUEUE queue;
+    fSTACK stack;
+    inner.Append(a);
+    queue.Push(a);
+    stack.Push(a);
+    fLIST outer;
+    ASSERT_EQ(outer.Append(inner), 1);
+    ASSERT_EQ(outer.Append(queue), 1);
+    ASSERT_EQ(outer.Append(stack), 1);
+    ASSERT_EQ(outer.Append(outer), 1);   // identity: a list may hold itself
+    EXPECT_EQ(outer.NoItems(), 4);
+    fLINK* l = outer.Next(nullptr);
+    EXPECT_EQ(static_cast<fLIST*>(l->Object())->First(), &a);
+    l = outer.Next(l);
+    EXPECT_EQ(static_cast<fQUEUE*>(l->Object())->Pull(), &a);
+    l = outer.Next(l);
+    EXPECT_EQ(static_cast<fSTACK*>(l->Object())->Top(), &a);
+    EXPECT_EQ(outer.Last(), static_cast<vOBJECT*>(&outer));
+    EXPECT_EQ(outer.Remove(queue), 1);
+    EXPECT_EQ(outer.Search(stack), 1);
+    EXPECT_EQ(queue.IsEmpty(), 1);
+    EXPECT_EQ(stack.NoItems(), 1);
+}

@@ -25,9 +25,9 @@ public:
     // Empty and owning; the first append allocates 256 bytes.
     vCOLLECTION(vARRAYTYPE type = vARRAY_UWORD);
     // Wraps the caller's buffer of `capacity` bytes holding `count` 16-bit
-    // values. The buffer is never grown or freed, and appends go on while the
-    // capacity in bytes exceeds the count of values: the caller sizes the buffer
-    // for what it appends.
+    // values. The buffer is never grown or freed; an append that would write
+    // past its `capacity` bytes fails (returns 0), and reads past them give
+    // (0, 0).
     vCOLLECTION(unsigned char* buffer, vARRAYTYPE type, unsigned short capacity,
                 unsigned short count);
     // Copying shares the block as it stands; an owning source makes both
@@ -45,8 +45,9 @@ public:
     // 1 when appended. Coordinates keep their low 16 bits.
     int AddPoint(const vPOINT& p);
     // The n-th point (from 0), sign-extended from 16 bits, for the point,
-    // word and integer kinds; (0, 0) for the others or when there is no block.
-    // n is not checked against the count.
+    // word and integer kinds; (0, 0) for the others, when there is no block or
+    // when the point lies past the block's bytes. n is not checked against
+    // the count.
     vPOINT GetPoint(unsigned short n) const;
 
     // These kinds are not stored: the appends return 0 and the reads 0.

@@ -2,7 +2,8 @@
 //
 // The containers hold library objects by address and never own them: removing
 // an entry or destroying a container frees only the link. Membership is decided
-// by identity (the object's address), never by value.
+// by identity (the object's address), never by value. Like every class of the
+// library they derive from vOBJECT, so a list can hold lists, queues and stacks.
 #ifndef RL132_CONTAINERS_VLIST_H
 #define RL132_CONTAINERS_VLIST_H
 #include "rl132/core/vobject.h"
@@ -10,7 +11,7 @@
 class fLIST;
 
 // One entry of a list: its neighbours and the object it refers to.
-class RL132_API fLINK {
+class RL132_API fLINK : public vOBJECT {
 public:
     fLINK(const vOBJECT* object, fLINK* previous = nullptr, fLINK* next = nullptr);
     // Unlinks: the neighbours are joined to each other and both of this link's
@@ -34,7 +35,7 @@ private:
 };
 
 // A doubly linked list of object references.
-class RL132_API fLIST {
+class RL132_API fLIST : public vOBJECT {
 public:
     fLIST();
     // Copies refer to the same objects through links of their own.
@@ -78,8 +79,10 @@ private:
     unsigned short uItems;
 };
 
-// First in, first out: Push adds at the head, Pull takes from the tail.
-class RL132_API fQUEUE : private fLIST {
+// First in, first out: Push adds at the head, Pull takes from the tail. A queue
+// is a list (so it is a vOBJECT a list can hold) whose general list operations
+// are hidden; only the queue's own are offered.
+class RL132_API fQUEUE : public fLIST {
 public:
     fQUEUE();
     fQUEUE(const fQUEUE& queue);
@@ -98,10 +101,19 @@ public:
     int Remove(const vOBJECT& object);
     // Walks from the newest entry (Next(null)) towards the oldest.
     fLINK* Next(const fLINK* link) const;
+
+private:
+    using fLIST::Append;
+    using fLIST::Prepend;
+    using fLIST::First;
+    using fLIST::Last;
+    using fLIST::Search;
+    using fLIST::Prev;
 };
 
-// Last in, first out: Push and Pop both work at the head.
-class RL132_API fSTACK : private fLIST {
+// Last in, first out: Push and Pop both work at the head. A list with the
+// general list operations hidden, like the queue.
+class RL132_API fSTACK : public fLIST {
 public:
     fSTACK();
     fSTACK(const fSTACK& stack);
@@ -117,10 +129,19 @@ public:
     unsigned short NoItems() const;
     // Walks from the top (Next(null)) downwards.
     fLINK* Next(const fLINK* link) const;
+
+private:
+    using fLIST::Append;
+    using fLIST::Prepend;
+    using fLIST::First;
+    using fLIST::Last;
+    using fLIST::Remove;
+    using fLIST::Search;
+    using fLIST::Prev;
 };
 
 // A cursor over links: a position index and the current link.
-class RL132_API ITERATOR {
+class RL132_API ITERATOR : public vOBJECT {
 public:
     ITERATOR();
     ITERATOR(const ITERATOR& it);

@@ -4,10 +4,11 @@
 #ifndef RL132_CORE_VPAGEOUT_H
 #define RL132_CORE_VPAGEOUT_H
 #include "rl132/core/rldefs.h"
+#include "rl132/core/vobject.h"
 
 typedef unsigned short (*vPAGEOUTPROC)(void);
 
-class RL132_API vPAGEOUT {
+class RL132_API vPAGEOUT : public vOBJECT {
 public:
     // Installs the page-out request; returns the previous one. Null restores the
     // built-in request, which finds nothing to page out.

@@ -8,7 +8,8 @@
 //   "refuse-load"  the library refuses to load
 //   "encode-fails" POCE_EncodeColor answers 2
 //   "rgb-fails"    POCE_GetColorRGB answers 2
-// Loads, unloads and calls are counted in POCE_STANDIN_LOADS, _UNLOADS, _CALLS.
+// Loads, unloads and calls are counted in POCE_STANDIN_LOADS, _UNLOADS, _CALLS,
+// and POCE_STANDIN_ERRORMODE receives the process's error mode at each load.
 #include <windows.h>
 #include <cstdio>
 #include <cstdlib>
@@ -26,6 +27,13 @@ bool Mode(const char* name)
     return n > 0 && n < sizeof v && strcmp(v, name) == 0;
 }
 
+void Record(const char* name, long value)
+{
+    char v[32];
+    snprintf(v, sizeof v, "%ld", value);
+    SetEnvironmentVariableA(name, v);
+}
+
 void Count(const char* name)
 {
     char v[32];
@@ -41,6 +49,11 @@ extern "C" {
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
 {
     if (reason == DLL_PROCESS_ATTACH) {
+        // Read back by setting it: the loader's caller chose whether failures
+        // may show a box.
+        UINT mode = SetErrorMode(0);
+        SetErrorMode(mode);
+        Record("POCE_STANDIN_ERRORMODE", (long)mode);
         if (Mode("refuse-load"))
             return FALSE;
         Count("POCE_STANDIN_LOADS");
