@@ -13,7 +13,8 @@
 // An input either is the stored form itself, or (first byte 0xFF, which no
 // stored form begins with) describes a picture that the harness writes in
 // compressed frames and then damages as the rest of the input says, so that
-// the frame and block code is reached with data that mostly parses.
+// the frame and block code is reached with data that mostly parses (rows
+// stored bottom-up, or top row first behind a raw header).
 #ifndef RL132_TESTS_NATIVE_DIB_HARNESS_H
 #define RL132_TESTS_NATIVE_DIB_HARNESS_H
 #include <cstdint>
@@ -156,8 +157,26 @@ inline Bytes Framed(const std::uint8_t* data, std::size_t size)
         pic.SetPalette(oDIBPALETTE(reinterpret_cast<const RGBQUAD*>(quads.data()), (unsigned short)quads.size()));
     }
     FramingStream out;
-    out.Compress(1);
-    pic >> out;
+    if (data[5] & 2) {
+        // Top row first: a raw header with a negative height, then the rows
+        // turned over, in the writer's blocks.
+        oDIBHEADER head(w, h, 72, 72, kModels[k]);
+        head.biHeight = -(LONG)h;
+        oDIBPALETTE* p = nullptr;
+        pic.GetPalette(&p);
+        head.Palette(p);
+        head >> out;
+        if (p)
+            *p >> out;
+        Bytes turned;
+        for (unsigned long y = h; y-- > 0;)
+            turned.insert(turned.end(), rows + y * pic.Stride(), rows + (y + 1) * pic.Stride());
+        out.Compress(1);
+        rldib::RowWriter::Write(out, kBits[k], turned.data(), (unsigned long)turned.size());
+    } else {
+        out.Compress(1);
+        pic >> out;
+    }
     Bytes b = Contents(out);
     // Edits: (offset, value) pairs from the rest of the input.
     for (std::size_t i = 6; i + 2 < size; i += 3) {
