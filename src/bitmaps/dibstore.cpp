@@ -53,7 +53,7 @@ StoredSource::StoredSource(vSTREAM& stream)
 }
 
 StoredSource::StoredSource(const unsigned char* bytes, unsigned long size)
-    : s_(nullptr), bytes_(bytes), size_(bytes ? size : 0), pos_(0), frames_(true)
+    : s_(nullptr), bytes_(bytes), size_(bytes ? size : 0), pos_(0), frames_(false)
 {
 }
 
@@ -94,7 +94,7 @@ bool StoredSource::ReadRaw(unsigned char* out, unsigned long n)
 bool StoredSource::FrameAhead(unsigned long* length)
 {
     // Only the header is looked at: whether a frame really stands here is
-    // rlframe's verdict, which costs an expansion.
+    // the verdict of a read (ReadBlock), which costs an expansion.
     if (!frames_)
         return false;
     const unsigned long at = Position(), left = Remaining();
@@ -117,17 +117,19 @@ bool StoredSource::ReadBlock(unsigned char* out, unsigned long n, bool* framed)
     if (framed)
         *framed = false;
     if (n && frames_) {
-        // A frame only when it expands cleanly to exactly the block; anything
-        // else is raw bytes that began like one.
-        rlframe::Verdict v = s_ ? rlframe::Expand(*s_, out, n, n)
-                                : rlframe::Expand(bytes_ + pos_, size_ - pos_, out, n, n);
-        if (v.frame) {
-            if (!s_)
-                pos_ += v.stored;
+        // The stream's own read decides whether a frame stands here (a memory
+        // stream never holds one; the others ask rlframe, whose verdict rests
+        // on the whole frame). It is a frame of this block only when it
+        // expands to the whole block; anything else is raw bytes that began
+        // like one.
+        const unsigned long at = Position();
+        const long got = s_->ReadByteString(out, n);
+        if (got >= 0 && (unsigned long)got == n) {
             if (framed)
-                *framed = true;
+                *framed = s_->UnCompressed() != 0;
             return true;
         }
+        Seek(at);
     }
     return ReadRaw(out, n);
 }

@@ -34,9 +34,10 @@ namespace rldib {
 
 // ---------------------------------------------------------------- sources
 
-// Where stored bytes come from: a stream (whose frame detection, when off,
-// means plain bytes) or a byte range in memory. Either may hold compressed
-// frames; rlframe (streams/frame.h) gives the verdict on each.
+// Where stored bytes come from: a stream, which may hold compressed frames as
+// far as its own reads expand them (a memory stream, or any stream whose frame
+// detection is off, holds plain bytes), or a byte range in memory, which, like
+// a memory stream, holds the bytes as stored.
 class StoredSource {
 public:
     explicit StoredSource(vSTREAM& stream);
@@ -54,7 +55,8 @@ public:
     bool ReadBlock(unsigned char* out, unsigned long n, bool* framed = nullptr);
     // True, with the frame's length, when a frame's header starts at the
     // position and its length fits in what remains: a frame could stand here,
-    // judged by sizes alone, without expanding it. Nothing is moved.
+    // judged by sizes alone, without expanding it (for bounds and buffer
+    // sizes; ReadBlock gives the verdict). Nothing is moved.
     bool FrameAhead(unsigned long* length);
     // From here on no bytes are taken for a frame (a plain bitmap file).
     void Plain() { frames_ = false; }

@@ -67,6 +67,19 @@ void Damage(Rng& rng, Bytes& v)
 
 } // namespace
 
+// Inputs the fuzzer found something with, byte for byte.
+TEST(NativeDibRead, FoundInputs)
+{
+    // A 56 x 1 picture of 4 bits, its rows one compressed frame, read as a
+    // plain file ("BM" in front): its pixels are then the frame's own bytes,
+    // and a whole frame of exactly the rows' size. Written to a memory stream
+    // and read back, they came out expanded, as the pixels of the picture the
+    // frame was made from: a reader took frames from a stream that holds its
+    // bytes as stored.
+    static const unsigned char kPixelsThatAreAFrame[] = {0xff, 0x25, 0xff, 0x00, 0xff, 0xff, 0xd0, 0x25, 0x00, 0xd0};
+    dibfuzz::Run(kPixelsThatAreAFrame, sizeof kPixelsThatAreAFrame);
+}
+
 TEST(NativeDibRead, StoredFormsAndDamagedOnes)
 {
     Rng rng(31);
