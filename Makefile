@@ -32,18 +32,22 @@ install: build
 bench: build
 	bash scripts/bench.sh $(BUILD)
 
-# The algorithmic kernels built for the host under AddressSanitizer and
-# UndefinedBehaviorSanitizer, with their bounded fuzz loops (also the third
-# phase of `make test`).
+# The algorithmic kernels and the streams built for the host (32-bit x86, as
+# wide as the target; NATIVE_BITS=64 for the host's width) under
+# AddressSanitizer and UndefinedBehaviorSanitizer, with their bounded fuzz
+# loops (also the third phase of `make test`).
 NATIVE_BUILD ?= build-native
 native-check: setup
 	bash scripts/native-check.sh $(NATIVE_BUILD)
 
-# libFuzzer programs (clang only), each run for FUZZ_SECONDS; not part of `make test`.
+# libFuzzer programs (clang only, 32-bit), each run for FUZZ_SECONDS one after
+# the other; FUZZ_TARGETS picks some (fuzz_stream fuzz_file ...). Not part of
+# `make test`.
 FUZZ_BUILD ?= build-fuzz
 FUZZ_SECONDS ?= 20
+FUZZ_TARGETS ?=
 fuzz: setup
-	bash scripts/fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
+	bash scripts/fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS) $(FUZZ_TARGETS)
 
 clean:
 	rm -rf $(BUILD) $(NATIVE_BUILD) $(FUZZ_BUILD)

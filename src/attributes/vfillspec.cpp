@@ -89,7 +89,11 @@ vSTREAM& vFILLSPEC::operator<<(vSTREAM& s)
     mode = (vFILLMODE)(unsigned int)s.ReadUWord();
     fillbitmap::Free(bitmap);
     bitmap = nullptr;
-    if (s.ReadUWord() == 40) {
+    // Only a whole word of 40 announces an image: a lone byte 40 at the end of
+    // the stream reads as 40 too, and stepping back from it would land inside
+    // the mode.
+    unsigned long at = s.CurrentPos();
+    if (s.ReadUWord() == 40 && s.CurrentPos() - at == 2) {
         s.MoveFromCur(-2);
         bitmap = fillbitmap::Read(s);
     }

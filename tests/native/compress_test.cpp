@@ -47,6 +47,21 @@ TEST(NativeCompress, RoundTripsAtEveryLevel)
     }
 }
 
+TEST(NativeCompress, RoundTripsAtEveryDictionaryModeAndLevelInRandomPieces)
+{
+    Rng rng(3);
+    for (unsigned pick = 0; pick < 54; ++pick) {
+        for (int k = 0; k < 4; ++k) {
+            size_t n = k == 0 ? rng.Below(12) : k == 3 && pick % 9 == 0 ? 30000 + rng.Below(40000) : rng.Below(6000);
+            Bytes in(2 + n);
+            in[0] = (unsigned char)pick, in[1] = rng.Byte();
+            Bytes d = MakeData(rng, n);
+            std::copy(d.begin(), d.end(), in.begin() + 2);
+            ASSERT_TRUE(RoundTrip(in.data(), in.size())) << "pick " << pick << " size " << n << ": " << LastFailure();
+        }
+    }
+}
+
 TEST(NativeCompress, DamagedStreams)
 {
     Rng rng(2);

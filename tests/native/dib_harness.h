@@ -48,10 +48,12 @@ inline void Fail(const char* what)
 }
 #define DIBFUZZ_CHECK(c) ((c) ? (void)0 : dibfuzz::Fail(#c))
 
-// A file of this process's own: `what` tells the harness's files apart.
+// A file of this process's own, in TMPDIR when it is set: `what` tells the
+// harness's files apart.
 inline vSTRING TempName(const char* what)
 {
-    return vSTRING("/tmp/rl132-dibfuzz-%ld-%s", (long)getpid(), what);
+    const char* dir = std::getenv("TMPDIR");
+    return vSTRING("%s/rl132-dibfuzz-%ld-%s", dir && *dir ? dir : "/tmp", (long)getpid(), what);
 }
 
 inline void Load(vMEMSTREAM& m, const Bytes& b)

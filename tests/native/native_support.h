@@ -39,6 +39,19 @@ struct Exact {
     unsigned char& operator[](std::size_t i) const { return p[i]; }
 };
 
+// Why the last harness run failed, for the test's message (the harnesses
+// shared with the fuzz programs return false and leave a reason here).
+inline const char*& LastFailure()
+{
+    static const char* why = "";
+    return why;
+}
+inline bool Fail(const char* why)
+{
+    LastFailure() = why;
+    return false;
+}
+
 } // namespace rlnative
 
 #endif
