@@ -12,8 +12,9 @@
 get_filename_component(_rl132_root ${CMAKE_CURRENT_LIST_DIR}/.. ABSOLUTE)
 
 set(RL132_INTERNAL_KERNELS
-  ${_rl132_root}/src/bitmaps/dibrows.cpp     # DIB row codecs and difference coding
+  ${_rl132_root}/src/bitmaps/dibrows.cpp     # DIB stored-form arithmetic, difference coding
   ${_rl132_root}/src/bitmaps/dither.cpp      # error diffusion and the colour cube
+  ${_rl132_root}/src/bitmaps/pixfmt.cpp      # the pixel-format table
   ${_rl132_root}/src/devices/devmath.cpp     # device mapping and colour separation
   ${_rl132_root}/src/devices/screenpal.cpp   # the screen's 256-colour palette
   ${_rl132_root}/src/devices/textlayout.cpp) # placing lines of text in a rectangle

@@ -2,6 +2,7 @@
 #include "bitmaps/dibops.h"
 #include <cstring>
 #include "bitmaps/dibrows.h"
+#include "bitmaps/pixfmt.h"
 #include "rl132/core/vmem.h"
 
 namespace dibops {
@@ -38,7 +39,8 @@ int GetBlock(const oDIBHEADER& h, const oDIBPALETTE* palette, const unsigned cha
     const bool expand = indexed && model && *model == oCM_RGB24;
     if (model && !expand)
         *model = indexed ? oCM_PAL256 : oCM_RGB24;
-    const RGBQUAD* quads = palette ? palette->GetRgbQuad() : nullptr;
+    const rldib::PixelFormat& format = rldib::Format(bits);
+    const unsigned char* quads = palette ? (const unsigned char*)palette->GetRgbQuad() : nullptr;
     const unsigned long palCount = quads ? palette->GetNumColours() : 0;
     const unsigned long firstByte = x * bits / 8;
     const unsigned long endByte = ((x + width) * bits + 7) / 8;
@@ -55,14 +57,11 @@ int GetBlock(const oDIBHEADER& h, const oDIBPALETTE* palette, const unsigned cha
             std::memcpy(out, row + firstByte, endByte - firstByte);
             out += endByte - firstByte;
         } else if (!expand) {
-            rldib::UnpackIndices(row, bits, x, width, out);
+            // Indices one per byte; a bit count without a format gives zeros.
+            format.unpack(row, x, width, out);
             out += width;
         } else {
-            switch (bits) {
-            case 1: rldib::ReadLine1To24(row, out, width, x << 16, 0x10000u, (const unsigned char*)quads, palCount); break;
-            case 4: rldib::ReadLine4To24(row, out, width, x << 16, 0x10000u, (const unsigned char*)quads, palCount); break;
-            default: rldib::ReadLine8To24(row, out, width, x << 16, 0x10000u, (const unsigned char*)quads, palCount); break;
-            }
+            format.expand(row, x, width, quads, palCount, out);
             out += 3 * width;
         }
     }

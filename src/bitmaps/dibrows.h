@@ -1,12 +1,14 @@
-// DIB row kernels: size arithmetic, validation of stored headers, row
-// conversion between pixel formats and the RGB difference coder.
+// The arithmetic of the stored DIB form: sizes, the stored header and what
+// the library makes of it, the plain layouts of the system's palette and
+// header structures, and the RGB difference coder. Reading and writing the
+// form on streams is dibstore.h's.
 //
 // Plain C++ with no Windows headers: everything here works on byte buffers the
 // caller owns, so it can be built natively for sanitizers and fuzzing.
 //
 // Layout reminders: rows run bottom-up, each padded to a multiple of 4 bytes;
-// 24-bit pixels are stored blue, green, red; 1- and 4-bit pixels are packed most
-// significant bits first; palette entries are 4 bytes blue, green, red, 0.
+// 24-bit pixels are stored blue, green, red; palette entries are 4 bytes blue,
+// green, red, 0.
 #ifndef RL132_SRC_BITMAPS_DIBROWS_H
 #define RL132_SRC_BITMAPS_DIBROWS_H
 #include <cstddef>
@@ -31,6 +33,8 @@ bool CheckedImageSize(std::uint32_t bits, std::uint32_t width, std::uint32_t hei
 // ---------------------------------------------------------------- stored headers
 
 // The fields of a stored 40-byte info header, decoded from little-endian bytes.
+// In memory it is also the plain layout of BITMAPINFOHEADER (same fields,
+// widths and offsets), and of oDIBHEADER's first eleven fields.
 struct StoredInfo {
     std::uint32_t size;
     std::int32_t width;
@@ -43,6 +47,17 @@ struct StoredInfo {
     std::int32_t yPelsPerMeter;
     std::uint32_t clrUsed;
     std::uint32_t clrImportant;
+};
+
+// The plain layouts of a palette entry (RGBQUAD) and of a logical-palette
+// entry (PALETTEENTRY), for code that builds without the system headers. A
+// compile-time check at the library's Win32 edge (dibwin.cpp) keeps these and
+// StoredInfo in step with the system's own structures.
+struct Quad {
+    std::uint8_t blue, green, red, reserved;
+};
+struct LogEntry {
+    std::uint8_t red, green, blue, flags;
 };
 
 enum { kInfoHeaderBytes = 40, kFileHeaderBytes = 14, kMaxPalette = 256 };
@@ -83,55 +98,10 @@ InfoVerdict PlanInfo(const StoredInfo& info, InfoPlan* plan);
 // the image is deeper than 8 bits or the field is set, otherwise 1 << bits.
 std::uint32_t StoredPaletteCount(std::uint32_t bitCount, std::uint32_t clrUsed);
 
-// ---------------------------------------------------------------- row routines
+// ---------------------------------------------------------------- stored 16 and 32 bits
 
-// Grey level of a blue, green, red pixel with the library's fixed weights.
-inline unsigned char Grey(unsigned b, unsigned g, unsigned r)
-{
-    return (unsigned char)((59u * g + 11u * b + 30u * r + 50u) / 100u);
-}
-
-// Readers take count pixels from a source row, starting at 16.16 position start
-// and advancing by step, taking pixel (position >> 16). 8-bit outputs are one
-// byte per pixel; 24-bit outputs three (blue, green, red). palette/palCount are
-// used only by the readers that expand indices to colours; indices at or beyond
-// palCount give black.
-typedef void (*ReadLineFn)(const unsigned char* src, unsigned char* dst, std::uint32_t count,
-                           std::uint32_t start, std::uint32_t step,
-                           const unsigned char* palette, std::uint32_t palCount);
-void ReadLine1To8(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                  const unsigned char*, std::uint32_t);
-void ReadLine4To8(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                  const unsigned char*, std::uint32_t);
-void ReadLine8To8(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                  const unsigned char*, std::uint32_t);
-void ReadLine24To8(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                   const unsigned char*, std::uint32_t);
-void ReadLine24To24(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                    const unsigned char*, std::uint32_t);
-void ReadLine1To24(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                   const unsigned char*, std::uint32_t);
-void ReadLine4To24(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                   const unsigned char*, std::uint32_t);
-void ReadLine8To24(const unsigned char*, unsigned char*, std::uint32_t, std::uint32_t, std::uint32_t,
-                   const unsigned char*, std::uint32_t);
-
-// Writers copy count pixels of a scratch line into a target row, moving pixelStep
-// bytes per pixel (negative to mirror).
-typedef void (*WriteLineFn)(const unsigned char* line, unsigned char* dst, std::uint32_t count,
-                            long pixelStep);
-void WriteLine8(const unsigned char* line, unsigned char* dst, std::uint32_t count, long pixelStep);
-void WriteLine24(const unsigned char* line, unsigned char* dst, std::uint32_t count, long pixelStep);
-
-// The pair for a source and target bit count; false (and nulls) when there is none.
-bool GetReadWriteRoutines(std::uint32_t sourceBits, std::uint32_t targetBits,
-                          ReadLineFn* read, WriteLineFn* write);
-
-// Unpacks pixels [x, x + count) of a 1-, 4- or 8-bit row to one index byte each.
-void UnpackIndices(const unsigned char* row, std::uint32_t bits, std::uint32_t x,
-                   std::uint32_t count, unsigned char* dst);
-
-// Stored 16-bit (5-5-5) and 32-bit rows to 24-bit blue, green, red.
+// Stored 16-bit (5-5-5) and 32-bit rows to 24-bit blue, green, red: the
+// library keeps such images as 24 bits.
 void Row16To24(const unsigned char* src, unsigned char* dst, std::uint32_t width);
 void Row32To24(const unsigned char* src, unsigned char* dst, std::uint32_t width);
 

@@ -1,6 +1,6 @@
 // Error diffusion and integer stepping (see dither.h).
 #include "bitmaps/dither.h"
-#include "bitmaps/dibrows.h"
+#include "bitmaps/pixfmt.h"
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -212,6 +212,35 @@ void Ditherer::Line1(const unsigned char* bgr, unsigned char* out)
         Spread(&PIXERR::g, cur_, next_, x, v - (white ? 255 : 0));
         if (white)
             out[x >> 3] = (unsigned char)(out[x >> 3] | (0x80 >> (x & 7)));
+    }
+}
+
+// ---------------------------------------------------------------- targets
+
+namespace {
+void BlackAndWhite(unsigned char* quads)
+{
+    static const unsigned char kQuads[8] = {0, 0, 0, 0, 255, 255, 255, 0};
+    std::memcpy(quads, kQuads, sizeof kQuads);
+}
+void Sixteen(unsigned char* quads) { FillPalette16(quads); }
+void Cube(unsigned char* quads) { FillCubePalette(quads); }
+
+const DitherTarget kTargets[] = {
+    {0, 0, nullptr, nullptr},
+    {1, 2, &Ditherer::Line1, BlackAndWhite},
+    {4, 16, &Ditherer::Line4, Sixteen},
+    {8, 256, &Ditherer::Line8, Cube},
+};
+} // namespace
+
+const DitherTarget& DitherFor(std::uint32_t bits)
+{
+    switch (bits) {
+    case 1: return kTargets[1];
+    case 4: return kTargets[2];
+    case 8: return kTargets[3];
+    default: return kTargets[0];
     }
 }
 

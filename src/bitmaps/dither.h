@@ -78,6 +78,18 @@ private:
     std::uint32_t width_;
 };
 
+// The dithered targets, one per bit count, chosen once per image: the fixed
+// palette a target of that depth carries and the routine that maps a row of
+// colours onto it.
+struct DitherTarget {
+    std::uint32_t bits;     // 1, 4 or 8; 0 for every other count (no dither)
+    std::uint32_t colours;  // palette entries: 2, 16 or 256
+    void (Ditherer::*line)(const unsigned char* bgr, unsigned char* out);
+    // Fills colours × 4 bytes of palette (blue, green, red, 0).
+    void (*palette)(unsigned char* quads);
+};
+const DitherTarget& DitherFor(std::uint32_t bits);
+
 // Integer stepping from src items (rows or columns) onto dst items, the way a
 // line is drawn. Enlarging (src − 1 < dst) repeats items, reducing drops them;
 // each target item takes exactly one source item and the picks never go back.

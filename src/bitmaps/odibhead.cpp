@@ -1,10 +1,18 @@
-// DIB headers and palettes (see odibhead.h).
-#include <windows.h>
+// DIB headers and palettes (see odibhead.h). Built without the system
+// headers: the entries and the header are handled through the plain layouts
+// of dibrows.h, which dibwin.cpp checks against RGBQUAD, PALETTEENTRY and
+// BITMAPINFOHEADER at compile time.
 #include "rl132/bitmaps/odibhead.h"
 #include <cstring>
+#include "bitmaps/dibrows.h"
 #include "rl132/attributes/vcolour.h"
 #include "rl132/core/vmem.h"
 #include "rl132/streams/vstream.h"
+
+namespace {
+rldib::Quad* Quads(RGBQUAD* entries) { return reinterpret_cast<rldib::Quad*>(entries); }
+const rldib::Quad* Quads(const RGBQUAD* entries) { return reinterpret_cast<const rldib::Quad*>(entries); }
+} // namespace
 
 // ---------------------------------------------------------------- oDIBHEADER
 
@@ -76,33 +84,44 @@ oDIBHEADER& oDIBHEADER::operator=(const oDIBHEADER& o)
     return *this;
 }
 
+namespace {
+rldib::StoredInfo InfoOf(const oDIBHEADER& h)
+{
+    rldib::StoredInfo info;
+    info.size = h.biSize;
+    info.width = h.biWidth;
+    info.height = h.biHeight;
+    info.planes = h.biPlanes;
+    info.bitCount = h.biBitCount;
+    info.compression = h.biCompression;
+    info.sizeImage = h.biSizeImage;
+    info.xPelsPerMeter = h.biXPelsPerMeter;
+    info.yPelsPerMeter = h.biYPelsPerMeter;
+    info.clrUsed = h.biClrUsed;
+    info.clrImportant = h.biClrImportant;
+    return info;
+}
+} // namespace
+
 void oDIBHEADER::GetInfoHeader(BITMAPINFOHEADER& info) const
 {
-    info.biSize = biSize;
-    info.biWidth = biWidth;
-    info.biHeight = biHeight;
-    info.biPlanes = biPlanes;
-    info.biBitCount = biBitCount;
-    info.biCompression = biCompression;
-    info.biSizeImage = biSizeImage;
-    info.biXPelsPerMeter = biXPelsPerMeter;
-    info.biYPelsPerMeter = biYPelsPerMeter;
-    info.biClrUsed = biClrUsed;
-    info.biClrImportant = biClrImportant;
+    const rldib::StoredInfo plain = InfoOf(*this);
+    std::memcpy(&info, &plain, sizeof plain);
 }
 
 const oDIBHEADER& oDIBHEADER::operator>>(vSTREAM& stream) const
 {
     // The stored count is always the real one, whatever biClrUsed held: readers
-    // size the palette from it.
-    BITMAPINFOHEADER info;
-    GetInfoHeader(info);
-    // The palette writer carries at most 256 entries; the count says so too,
-    // so that the rows are found where the count puts them.
+    // size the palette from it. The palette writer carries at most 256
+    // entries; the count says so too, so that the rows are found where the
+    // count puts them.
+    rldib::StoredInfo info = InfoOf(*this);
     unsigned long count = palette ? palette->GetNumColours() : 0;
-    info.biClrUsed = count > 256 ? 256 : count;
-    info.biClrImportant = 0;
-    stream.WriteBlock((const unsigned char*)&info, sizeof info);
+    info.clrUsed = count > 256 ? 256 : count;
+    info.clrImportant = 0;
+    unsigned char bytes[rldib::kInfoHeaderBytes];
+    rldib::EncodeInfo(info, bytes);
+    stream.WriteBlock(bytes, sizeof bytes);
     return *this;
 }
 
@@ -115,11 +134,13 @@ oDIBPALETTE::oDIBPALETTE(const RGBQUAD* src, unsigned short count) : oPALETTE(co
     entries = (RGBQUAD*)vMemAlloc(count ? count * 4UL : 1UL);
     if (!entries)
         return;
+    const rldib::Quad* from = Quads(src);
+    rldib::Quad* to = Quads(entries);
     for (unsigned i = 0; i < count; ++i) {
-        entries[i].rgbBlue = src ? src[i].rgbBlue : 0;
-        entries[i].rgbGreen = src ? src[i].rgbGreen : 0;
-        entries[i].rgbRed = src ? src[i].rgbRed : 0;
-        entries[i].rgbReserved = 0;
+        to[i].blue = from ? from[i].blue : 0;
+        to[i].green = from ? from[i].green : 0;
+        to[i].red = from ? from[i].red : 0;
+        to[i].reserved = 0;
     }
 }
 
@@ -129,11 +150,13 @@ oDIBPALETTE::oDIBPALETTE(const PALETTEENTRY* src, unsigned short count)
     entries = (RGBQUAD*)vMemAlloc(count ? count * 4UL : 1UL);
     if (!entries)
         return;
+    const rldib::LogEntry* from = reinterpret_cast<const rldib::LogEntry*>(src);
+    rldib::Quad* to = Quads(entries);
     for (unsigned i = 0; i < count; ++i) {
-        entries[i].rgbRed = src ? src[i].peRed : 0;
-        entries[i].rgbGreen = src ? src[i].peGreen : 0;
-        entries[i].rgbBlue = src ? src[i].peBlue : 0;
-        entries[i].rgbReserved = 0;
+        to[i].red = from ? from[i].red : 0;
+        to[i].green = from ? from[i].green : 0;
+        to[i].blue = from ? from[i].blue : 0;
+        to[i].reserved = 0;
     }
 }
 
@@ -173,10 +196,11 @@ int oDIBPALETTE::SetColour(unsigned long index, const vCOLOUR& colour)
 {
     if (!entries || index >= numColours)
         return 0;
-    entries[index].rgbRed = colour.Red();
-    entries[index].rgbGreen = colour.Green();
-    entries[index].rgbBlue = colour.Blue();
-    entries[index].rgbReserved = 0;
+    rldib::Quad& q = Quads(entries)[index];
+    q.red = colour.Red();
+    q.green = colour.Green();
+    q.blue = colour.Blue();
+    q.reserved = 0;
     return 1;
 }
 
@@ -184,9 +208,10 @@ int oDIBPALETTE::GetColour(unsigned long index, vCOLOUR& colour) const
 {
     if (!entries || index >= numColours)
         return 0;
-    colour.Red(entries[index].rgbRed);
-    colour.Green(entries[index].rgbGreen);
-    colour.Blue(entries[index].rgbBlue);
+    const rldib::Quad& q = Quads(entries)[index];
+    colour.Red(q.red);
+    colour.Green(q.green);
+    colour.Blue(q.blue);
     return 1;
 }
 
@@ -195,15 +220,16 @@ int oDIBPALETTE::GetNearestColour(const vCOLOUR&, vCOLOUR&) const { return 0; }
 oDIBPALETTE& oDIBPALETTE::operator>>(vSTREAM& stream)
 {
     // Staged through a fixed table: only the first 256 entries can be written.
-    RGBQUAD staged[256];
-    unsigned n = numColours > 256 ? 256 : numColours;
+    rldib::Quad staged[rldib::kMaxPalette];
+    const rldib::Quad* from = Quads(entries);
+    unsigned n = numColours > rldib::kMaxPalette ? (unsigned)rldib::kMaxPalette : numColours;
     for (unsigned i = 0; i < n; ++i) {
-        staged[i].rgbBlue = entries ? entries[i].rgbBlue : 0;
-        staged[i].rgbGreen = entries ? entries[i].rgbGreen : 0;
-        staged[i].rgbRed = entries ? entries[i].rgbRed : 0;
-        staged[i].rgbReserved = 0;
+        staged[i].blue = from ? from[i].blue : 0;
+        staged[i].green = from ? from[i].green : 0;
+        staged[i].red = from ? from[i].red : 0;
+        staged[i].reserved = 0;
     }
     if (n)
-        stream.WriteBlock((const unsigned char*)staged, n * 4UL);
+        stream.WriteBlock(reinterpret_cast<const unsigned char*>(staged), n * 4UL);
     return *this;
 }

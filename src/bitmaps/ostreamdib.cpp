@@ -1,13 +1,11 @@
 // Images whose rows live in a private memory stream: the form used when an
 // image is carried between streams (fill patterns, bitmap records). The rows
-// are reached in place through the stream's buffer.
+// are reached in place through the stream's buffer. What the two image kinds
+// share is in dibimage.h; here is the stream that holds the rows.
 #include "rl132/bitmaps/odib.h"
-#include <cstring>
-#include "bitmaps/dibops.h"
-#include "bitmaps/dibread.h"
-#include "bitmaps/dibrows.h"
-#include "rl132/core/vmem.h"
-#include "rl132/streams/vmemstream.h"
+#include "bitmaps/dibimage.h"
+
+// ---------------------------------------------------------------- the stream
 
 namespace {
 // A stream of `size` zero bytes, or null.
@@ -30,206 +28,107 @@ vMEMSTREAM* ZeroRows(unsigned long size)
 }
 } // namespace
 
-oSTREAMDIB::oSTREAMDIB(int c)
-    : oDIB(c), rows(nullptr), paletteBytes(0), rowOffset(0), staging(nullptr), stagingCursor(0),
-      writeCursor(0), locked(0)
+// Null when the stream is empty or has moved to its spill file.
+unsigned char* DIBIMAGE::Rows(const oSTREAMDIB& d)
 {
+    if (!d.rows || d.rows->Spilled() || d.rows->Size() <= d.rowOffset)
+        return nullptr;
+    return const_cast<unsigned char*>(d.rows->Buffer()) + d.rowOffset;
 }
+
+unsigned long DIBIMAGE::Held(const oSTREAMDIB& d) { return Rows(d) ? d.rows->Size() - d.rowOffset : 0; }
+
+bool DIBIMAGE::Zero(oSTREAMDIB& d, unsigned long size)
+{
+    Drop(d);
+    d.rows = ZeroRows(size);
+    return d.rows != nullptr;
+}
+
+bool DIBIMAGE::Take(oSTREAMDIB& d, unsigned char* block, unsigned long size)
+{
+    Drop(d);
+    vMEMSTREAM* m = new vMEMSTREAM;
+    bool ok = m != nullptr;
+    if (ok && block && size) {
+        m->WriteBlock(block, size);
+        ok = m->Size() == size && m->Buffer();
+    }
+    vMemFree(block);
+    if (!ok) {
+        delete m;
+        return false;
+    }
+    d.rows = m;
+    return true;
+}
+
+void DIBIMAGE::Drop(oSTREAMDIB& d)
+{
+    delete d.rows;
+    d.rows = nullptr;
+    d.rowOffset = 0;
+}
+
+// A stream DIB reads only streams that hold more than a bare header.
+bool DIBIMAGE::Readable(const oSTREAMDIB&, vSTREAM& s)
+{
+    unsigned long size = s.Size(), pos = s.CurrentPos();
+    return size > pos && size - pos > 40;
+}
+
+// ---------------------------------------------------------------- the image
+
+oSTREAMDIB::oSTREAMDIB(int c) : oDIB(c) {}
 
 oSTREAMDIB::oSTREAMDIB(unsigned long width, unsigned long height, unsigned short bitCount,
                        oCOLOUR_MODEL model, int c)
-    : oDIB(c), rows(nullptr), paletteBytes(0), rowOffset(0), staging(nullptr), stagingCursor(0),
-      writeCursor(0), locked(0)
+    : oDIB(c)
 {
-    header.biWidth = (LONG)width;
-    header.biHeight = (LONG)height;
-    header.biBitCount = bitCount;
-    header.colourModel = model;
-    header.biXPelsPerMeter = header.biYPelsPerMeter = 100;
-    header.biClrUsed = bitCount < 32 ? 1UL << bitCount : 0;
-    paletteBytes = (unsigned short)(bitCount < 24 ? 4u << bitCount : 0);
-    std::uint32_t size = 0;
-    if (!rldib::CheckedImageSize(bitCount, width, height, nullptr, &size)) {
-        MakeEmpty();
-        return;
-    }
-    header.biSizeImage = size;
-    rows = ZeroRows(size);
-    if (!rows)
-        MakeEmpty();
+    DIBIMAGE::Sized(*this, width, height, bitCount, model);
 }
 
-oSTREAMDIB::oSTREAMDIB(vSTREAM& stream, int c)
-    : oDIB(c), rows(nullptr), paletteBytes(0), rowOffset(0), staging(nullptr), stagingCursor(0),
-      writeCursor(0), locked(0)
-{
-    *this << stream;
-}
+oSTREAMDIB::oSTREAMDIB(vSTREAM& stream, int c) : oDIB(c) { DIBIMAGE::Read(*this, stream); }
 
-oSTREAMDIB::oSTREAMDIB(const oDIB& source, int c)
-    : oDIB(c), rows(nullptr), paletteBytes(0), rowOffset(0), staging(nullptr), stagingCursor(0),
-      writeCursor(0), locked(0)
-{
-    Copy(source);
-}
+oSTREAMDIB::oSTREAMDIB(const oDIB& source, int c) : oDIB(c) { DIBIMAGE::Copy(*this, source); }
 
-oSTREAMDIB::oSTREAMDIB(const oDIB&, oCOLOUR_MODEL, long, long, vRECT*)
-    : oDIB(0), rows(nullptr), paletteBytes(0), rowOffset(0), staging(nullptr), stagingCursor(0),
-      writeCursor(0), locked(0)
-{
-}
+oSTREAMDIB::oSTREAMDIB(const oDIB&, oCOLOUR_MODEL, long, long, vRECT*) : oDIB(0) {}
 
-oSTREAMDIB::~oSTREAMDIB() { Clear(); }
-
-void oSTREAMDIB::Copy(const oDIB& source)
-{
-    vMEMSTREAM temp;
-    source >> temp;
-    temp.MoveFromStart(0);
-    *this << temp;
-}
-
-void oSTREAMDIB::Clear()
-{
-    delete rows;
-    rows = nullptr;
-    rowOffset = 0;
-    vMemFree(staging);
-    staging = nullptr;
-    stagingCursor = writeCursor = 0;
-    locked = 0;
-    AdoptPalette(nullptr);
-    paletteBytes = 0;
-}
-
-void oSTREAMDIB::MakeEmpty()
-{
-    Clear();
-    header = oDIBHEADER();
-}
-
-unsigned char* oSTREAMDIB::Rows() const
-{
-    if (!rows || rows->Spilled() || rows->Size() == 0)
-        return nullptr;
-    return const_cast<unsigned char*>(rows->Buffer()) + rowOffset;
-}
+oSTREAMDIB::~oSTREAMDIB() { DIBIMAGE::Clear(*this); }
 
 vSTREAM& oSTREAMDIB::operator<<(vSTREAM& s)
 {
-    {
-        unsigned long size = s.Size(), pos = s.CurrentPos();
-        if (size <= pos || size - pos <= 40)
-            return s;
-    }
-    oDIBHEADER h;
-    oDIBPALETTE* pal = nullptr;
-    rldib::InfoPlan plan;
-    if (!dibread::ReadHead(s, &h, &pal, &plan)) {
-        delete pal;
-        return s;
-    }
-    unsigned char* block = nullptr;
-    int ok = dibread::RowsAvailable(s, plan);
-    if (ok && plan.keptSize) {
-        block = (unsigned char*)vMemAlloc(plan.keptSize);
-        ok = block != nullptr;
-    }
-    if (ok)
-        ok = dibread::ReadRows(s, plan, block);
-    vMEMSTREAM* m = nullptr;
-    if (ok) {
-        m = new vMEMSTREAM;
-        ok = m != nullptr;
-        if (ok && plan.keptSize) {
-            m->WriteBlock(block, plan.keptSize);
-            ok = m->Size() == plan.keptSize && m->Buffer();
-        }
-    }
-    vMemFree(block);
-    Clear();
-    if (!ok) {
-        delete m;
-        delete pal;
-        MakeEmpty();
-        return s;
-    }
-    header = h;
-    AdoptPalette(pal);
-    paletteBytes = (unsigned short)(plan.paletteCount * 4);
-    rows = m;
+    DIBIMAGE::Read(*this, s);
     return s;
 }
 
 vSTREAM& oSTREAMDIB::operator>>(vSTREAM& s) const
 {
-    unsigned long size = header.biSizeImage;
-    unsigned long have = rows ? rows->Size() : 0;
-    if (size > have)
-        size = have;
-    dibread::Write(s, header, palette, Rows(), size);
+    DIBIMAGE::Write(*this, s);
     return s;
 }
 
 int oSTREAMDIB::GetImageBlock(unsigned long x, unsigned long firstLine, unsigned long width,
                               unsigned long lastLine, unsigned char* buffer, oCOLOUR_MODEL* model) const
 {
-    unsigned char* r = Rows();
-    if (!r)
-        return 0;
-    return dibops::GetBlock(header, palette, r, rows->Size() - rowOffset, x, firstLine, width,
-                            lastLine, buffer, model);
+    return DIBIMAGE::GetBlock(*this, x, firstLine, width, lastLine, buffer, model);
 }
 
 int oSTREAMDIB::GetImageLines(unsigned long firstLine, unsigned long lastLine, unsigned char* buffer,
                               oCOLOUR_MODEL* model) const
 {
-    return GetImageBlock(0, firstLine, header.Width(), lastLine, buffer, model);
+    return DIBIMAGE::GetBlock(*this, 0, firstLine, header.Width(), lastLine, buffer, model);
 }
 
 int oSTREAMDIB::SetImageLines(unsigned char* buffer, oCOLOUR_MODEL, unsigned long firstLine,
                               unsigned long lastLine)
 {
-    if (!Rows()) {
-        std::uint32_t size = 0;
-        if (!rldib::CheckedImageSize(header.biBitCount, header.Width(), header.Height(), nullptr, &size) ||
-            size == 0)
-            return 0;
-        vMEMSTREAM* m = ZeroRows(size);
-        if (!m)
-            return 0;
-        delete rows;
-        rows = m;
-        rowOffset = 0;
-        writeCursor = 0;
-    }
-    dibops::LineStore st = {staging, stagingCursor, writeCursor};
-    int r = dibops::StoreLines(st, Rows(), rows->Size() - rowOffset, header, buffer, firstLine, lastLine);
-    staging = st.staging;
-    stagingCursor = st.stagingCursor;
-    writeCursor = st.writeCursor;
-    return r;
+    return DIBIMAGE::SetLines(*this, buffer, firstLine, lastLine);
 }
 
-int oSTREAMDIB::LockImageLines(unsigned long firstLine, unsigned long, unsigned char** out, oCOLOUR_MODEL)
+int oSTREAMDIB::LockImageLines(unsigned long firstLine, unsigned long, unsigned char** rows, oCOLOUR_MODEL)
 {
-    unsigned char* r = Rows();
-    unsigned long stride = Stride();
-    if (locked || !r || (firstLine && (unsigned long long)firstLine * stride >= rows->Size() - rowOffset)) {
-        if (out)
-            *out = nullptr;
-        return 0;
-    }
-    if (out)
-        *out = r + firstLine * stride;
-    locked = 1;
-    return 1;
+    return DIBIMAGE::Lock(*this, firstLine, rows);
 }
 
-int oSTREAMDIB::ReleaseImageLines(int)
-{
-    if (!locked)
-        return 0;
-    locked = 0;
-    return 1;
-}
+int oSTREAMDIB::ReleaseImageLines(int) { return DIBIMAGE::Release(*this); }

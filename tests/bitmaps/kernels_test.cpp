@@ -1,5 +1,6 @@
-// The DIB row kernels, the dither and the stepping, tested directly. The kernels
-// are private to the DLL; this program links their objects directly.
+// The DIB row kernels, the pixel-format table, the dither and the stepping,
+// tested directly. The kernels are private to the DLL; this program links
+// their objects directly.
 #include <gtest/gtest.h>
 #include <cmath>
 #include <cstdlib>
@@ -8,6 +9,7 @@
 #include <vector>
 #include "bitmaps/dibrows.h"
 #include "bitmaps/dither.h"
+#include "bitmaps/pixfmt.h"
 
 using namespace rldib;
 
@@ -32,6 +34,102 @@ TEST(DibKernels, CheckedSizesAndGreyLevels)
                 ASSERT_LE(100 * q - 50, exact100);
                 ASSERT_GT(100 * q + 50, exact100);
             }
+}
+
+TEST(PixelFormats, EveryRoutineAgainstPixelArithmetic)
+{
+    std::mt19937 rng(11);
+    // Pixel x of a row as the layout says: most significant bits first.
+    auto index = [](const std::vector<unsigned char>& row, unsigned bits, std::uint32_t x) -> unsigned {
+        return bits == 8 ? row[x] : bits == 4 ? (x % 2 ? row[x / 2] & 15 : row[x / 2] >> 4) : (row[x / 8] >> (7 - x % 8)) & 1;
+    };
+    for (unsigned bits : {1u, 4u, 8u, 24u}) {
+        const PixelFormat& f = Format(bits);
+        ASSERT_EQ(f.bits, bits);
+        for (std::uint32_t width : {1u, 2u, 3u, 7u, 8u, 9u, 33u, 200u}) {
+            const std::uint32_t bytes = (width * bits + 7) / 8;
+            std::vector<unsigned char> row(bytes), pal(4 * (rng() % 20));   // often shorter than the indices
+            for (auto& b : row)
+                b = (unsigned char)rng();
+            for (auto& b : pal)
+                b = (unsigned char)rng();
+            const std::uint32_t n = (std::uint32_t)pal.size() / 4;
+            // The colour and the 8-bit value of pixel x, computed here.
+            auto colour = [&](std::uint32_t x, unsigned c) -> unsigned {
+                if (bits == 24)
+                    return row[3 * x + c];
+                unsigned i = index(row, bits, x);
+                return i < n ? pal[4 * i + c] : 0;
+            };
+            auto value = [&](std::uint32_t x) -> unsigned {
+                return bits == 24 ? Grey(row[3 * x], row[3 * x + 1], row[3 * x + 2]) : index(row, bits, x);
+            };
+            // Unpack and expand from x; stepped reads forwards, mirrored and
+            // by fractions; a mapped read by a shuffled map.
+            const std::uint32_t x0 = (std::uint32_t)rng() % width, count = width - x0, vb = f.valueBytes;
+            std::vector<unsigned char> u(count * vb), e(3 * count);
+            f.unpack(row.data(), x0, count, u.data());
+            f.expand(row.data(), x0, count, pal.data(), n, e.data());
+            for (std::uint32_t i = 0; i < count; ++i)
+                for (unsigned c = 0; c < 3; ++c) {
+                    ASSERT_EQ(e[3 * i + c], colour(x0 + i, c)) << bits << " " << width << " " << i;
+                    if (c < vb) {
+                        ASSERT_EQ(u[vb * i + c], bits == 24 ? colour(x0 + i, c) : value(x0 + i));
+                    }
+                }
+            const std::uint32_t steps[] = {0x10000u, 0u - 0x10000u, 0x8000u, 0x1A3C5u};
+            for (std::uint32_t step : steps) {
+                const std::uint32_t taken = step == 0x10000u || step == 0u - 0x10000u ? width : step < 0x10000u ? 2 * width - 1 : (width * 0x10000u - 1) / step + 1;
+                const std::uint32_t start = step == 0u - 0x10000u ? (width - 1) << 16 : 0;
+                std::vector<unsigned char> v(taken), c3(3 * taken);
+                f.readIndex(row.data(), v.data(), taken, start, step, pal.data(), n);
+                f.readColour(row.data(), c3.data(), taken, start, step, pal.data(), n);
+                std::uint32_t pos = start;
+                for (std::uint32_t i = 0; i < taken; ++i, pos += step) {
+                    ASSERT_EQ(v[i], value(pos >> 16)) << bits << " step " << step << " at " << i;
+                    for (unsigned c = 0; c < 3; ++c)
+                        ASSERT_EQ(c3[3 * i + c], colour(pos >> 16, c));
+                }
+            }
+            std::vector<std::uint32_t> map(width + 5);
+            for (auto& m : map)
+                m = (std::uint32_t)rng() % width;
+            const std::uint32_t mapped = (std::uint32_t)map.size();
+            std::vector<unsigned char> same((mapped * bits + 7) / 8), gc(3 * mapped), vals(mapped * vb), packed(same.size());
+            f.gatherSame(row.data(), same.data(), map.data(), mapped, pal.data(), n);
+            f.gatherColour(row.data(), gc.data(), map.data(), mapped, pal.data(), n);
+            for (std::uint32_t i = 0; i < mapped; ++i) {
+                for (unsigned c = 0; c < 3; ++c)
+                    ASSERT_EQ(gc[3 * i + c], colour(map[i], c));
+                if (bits == 24)
+                    std::memcpy(&vals[3 * i], &row[3 * map[i]], 3);
+                else
+                    vals[i] = (unsigned char)value(map[i]);
+            }
+            // Packing the values gives the gathered row, the last byte's
+            // spare bits cleared; unpacking a whole row and packing it again
+            // gives the row back.
+            f.pack(vals.data(), packed.data(), mapped);
+            ASSERT_EQ(packed, same) << bits << " " << width;
+            std::vector<unsigned char> all(width * vb), again(bytes);
+            f.unpack(row.data(), 0, width, all.data());
+            f.pack(all.data(), again.data(), width);
+            if (width * bits % 8)
+                row.back() = (unsigned char)(row.back() & (0xFF00u >> (width * bits % 8)));
+            ASSERT_EQ(again, row) << bits << " " << width;
+        }
+    }
+    // Bit counts without a format read as zeros and pack nothing.
+    for (unsigned bits : {0u, 2u, 16u, 32u}) {
+        const PixelFormat& f = Format(bits);
+        EXPECT_EQ(f.bits, 0u);
+        unsigned char row[4] = {1, 2, 3, 4}, out[12];
+        std::memset(out, 0x77, sizeof out);
+        f.readColour(row, out, 4, 0, 0x10000u, nullptr, 0);
+        EXPECT_EQ(std::vector<unsigned char>(out, out + 12), std::vector<unsigned char>(12, 0));
+        f.pack(out, row, 4);
+        EXPECT_EQ(row[3], 4);
+    }
 }
 
 TEST(Dither, QuantisationAndErrorShares)

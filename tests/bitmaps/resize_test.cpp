@@ -1,10 +1,17 @@
 // vBMRESIZE between streams: row and column picks, target palettes, the dither
-// plumbing, progress and stop requests, bad sources.
+// plumbing, progress and stop requests, bad sources, sources stored top row
+// first, and its own output read back.
 #include <windows.h>
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <cstdio>
 #include <cstring>
+#include <string>
 #include "bmtest.h"
-#include "bitmaps/dither.h"   // the kernels' reference forms (compiled in kernels_test)
+#include "rltest.h"
+// The kernels' reference forms and the difference coder (compiled in kernels_test).
+#include "bitmaps/dibrows.h"
+#include "bitmaps/dither.h"
 
 using namespace bmt;
 
@@ -153,4 +160,151 @@ TEST(Resize, ProgressStopsAndFailures)
 
     delete tiny;
     delete src;
+}
+
+namespace {
+std::string Written(const std::vector<unsigned char>& bytes, const char* stem)
+{
+    std::string path = rltest::TempPath(stem);
+    FILE* f = std::fopen(path.c_str(), "wb");
+    if (f) {
+        std::fwrite(bytes.data(), 1, bytes.size(), f);
+        std::fclose(f);
+    }
+    return path;
+}
+
+// What the resampler makes of a stream, as bytes.
+std::vector<unsigned char> ScaledBytes(vSTREAM& s, unsigned short w, unsigned short h, unsigned char bits)
+{
+    vMEMSTREAM out;
+    vBMRESIZE r;
+    s.MoveFromStart(0);
+    if (!r.Scale(s, out, w, h, bits, 0))
+        return {};
+    return std::vector<unsigned char>(out.Buffer(), out.Buffer() + out.Size());
+}
+} // namespace
+
+// Found with rltool resize: a file stored top row first (negative height)
+// came out upside down, because the resampler took its rows in stored order.
+// Every depth, plain file or stored form without a file header, from a file
+// or from memory, must scale exactly as the same picture stored bottom-up.
+TEST(Resize, TopDownSourcesKeepTheirWayUp)
+{
+    const unsigned long w = 13, h = 7;
+    const unsigned short sizes[][3] = {{0, 0, 0}, {5, 3, 8}, {29, 16, 0}, {13, 7, 1}, {20, 9, 24}};
+    for (unsigned bits : {1u, 4u, 8u, 16u, 24u, 32u})
+        for (int fileHeader = 0; fileHeader < 2; ++fileHeader) {
+            const unsigned long stride = oDIBHEADER::Stride(bits, w);
+            std::vector<unsigned char> up = RandomBytes(stride * h, bits), down;
+            for (unsigned long y = h; y-- > 0;)
+                down.insert(down.end(), up.begin() + y * stride, up.begin() + (y + 1) * stride);
+            const unsigned entries = bits <= 8 ? 1u << bits : 0;
+            std::vector<unsigned char> a = MakeStored(w, h, bits, 0, entries, up, fileHeader != 0);
+            std::vector<unsigned char> b = MakeStored(w, -(long)h, bits, 0, entries, down, fileHeader != 0);
+            std::string pa = Written(a, "dibup"), pb = Written(b, "dibdown");
+            vFILE fa(vSTRING("%s", pa.c_str()), vFILE_READONLY, 0), fb(vSTRING("%s", pb.c_str()), vFILE_READONLY, 0);
+            vMEMSTREAM mb;
+            Fill(mb, b);
+            for (const auto& sz : sizes) {
+                std::vector<unsigned char> want = ScaledBytes(fa, sz[0], sz[1], (unsigned char)sz[2]);
+                ASSERT_FALSE(want.empty()) << bits;
+                if ((bits == 16 || bits == 32) && !sz[2]) {
+                    // Rows converted to 24 bits keep their padding 0.
+                    const unsigned long tw = sz[0] ? sz[0] : w, th = sz[1] ? sz[1] : h, ts = oDIBHEADER::Stride(24, tw);
+                    ASSERT_EQ(want.size(), 40 + ts * th);
+                    for (unsigned long y = 0; y < th; ++y)
+                        for (unsigned long i = 3 * tw; i < ts; ++i)
+                            ASSERT_EQ(want[40 + y * ts + i], 0) << bits << " row " << y;
+                }
+                EXPECT_EQ(ScaledBytes(fb, sz[0], sz[1], (unsigned char)sz[2]), want) << bits << " bits, file " << sz[0];
+                EXPECT_EQ(ScaledBytes(mb, sz[0], sz[1], (unsigned char)sz[2]), want) << bits << " bits, memory " << sz[0];
+            }
+            fa.Close();
+            fb.Close();
+            DeleteFileA(pa.c_str());
+            DeleteFileA(pb.c_str());
+        }
+}
+
+// Top row first and in compressed frames: no stored form the library writes,
+// but one it reads. Such rows cannot be walked backwards; they are turned
+// over whole and scale as the bottom-up picture does.
+TEST(Resize, TopDownRowsInCompressedFrames)
+{
+    const unsigned long w = 4000, h = 7, stride = oDIBHEADER::Stride(24, w);
+    oMEMDIB* pic = Picture(w, h, 24, oCM_RGB24, 8);
+    std::vector<unsigned char> up = Rows(*pic), down;
+    for (unsigned long y = h; y-- > 0;)
+        down.insert(down.end(), up.begin() + y * stride, up.begin() + (y + 1) * stride);
+    std::string path = rltest::TempPath("dibdownz");
+    {
+        // The writer's protocol by hand: a raw header, then 12,000-byte blocks,
+        // coded where the stream keeps them as frames and raw where not.
+        vFILE f(vSTRING("%s", path.c_str()), vFILE_WRITENEW, 1);
+        std::vector<unsigned char> head = MakeStored(w, -(long)h, 24, 0, 0, {}, false, 100);
+        f.WriteBlock(head.data(), (unsigned long)head.size());
+        f.Compress(1);
+        unsigned long frames = 0;
+        for (unsigned long at = 0; at < down.size(); at += 12000) {
+            unsigned long n = std::min(12000ul, (unsigned long)down.size() - at);
+            std::vector<unsigned char> coded(n);
+            rldib::DiffEncodeCopy(&down[at], coded.data(), n);
+            unsigned long occupied = f.WriteBlock(coded.data(), n);
+            if (occupied < n) {
+                ++frames;
+                continue;
+            }
+            f.MoveFromCur(-(long)occupied);
+            f.Compress(0);
+            f.WriteBlock(&down[at], n);
+            f.Compress(1);
+        }
+        ASSERT_GE(frames, 2u);
+    }
+    vFILE f(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
+    EXPECT_EQ(Rows(oMEMDIB(f, 0)), up);
+    vMEMSTREAM plain;
+    *pic >> plain;
+    for (const auto& sz : {std::vector<unsigned short>{0, 0, 0}, std::vector<unsigned short>{333, 5, 8}}) {
+        std::vector<unsigned char> want = ScaledBytes(plain, sz[0], sz[1], (unsigned char)sz[2]);
+        ASSERT_FALSE(want.empty());
+        EXPECT_EQ(ScaledBytes(f, sz[0], sz[1], (unsigned char)sz[2]), want) << sz[0];
+    }
+    f.Close();
+    DeleteFileA(path.c_str());
+    delete pic;
+}
+
+// Found reading back the resampler's own output: a target palette (the
+// source's, carried unchanged) or first block of rows that stays raw on a
+// compressing file and happens to begin with the frame marker, followed by a
+// would-be length beyond the end, could not be read again.
+TEST(Resize, OwnOutputBeginningLikeAFrameReadsBack)
+{
+    const unsigned char lead[8] = {0xB1, 0xAA, 0x12, 0x00, 0xFF, 0xFF, 0xFF, 0x7F};
+    for (unsigned bits : {8u, 24u}) {
+        const unsigned long w = 31, h = 9, stride = oDIBHEADER::Stride(bits, w);
+        std::vector<unsigned char> rows = RandomBytes(stride * h, 40 + bits);
+        std::vector<unsigned char> form = MakeStored(w, h, bits, 0, bits == 8 ? 256 : 0, rows);
+        std::memcpy(&form[40], lead, 8);
+        vMEMSTREAM in;
+        Fill(in, form);
+        std::string path = rltest::TempPath("dibown");
+        {
+            vFILE out(vSTRING("%s", path.c_str()), vFILE_WRITENEW, 1);
+            out.Compress(1);
+            vBMRESIZE r;
+            ASSERT_EQ(r.Scale(in, out, (unsigned short)w, (unsigned short)h, 0, 0), 1) << bits;
+        }
+        vMEMSTREAM again;
+        Fill(again, ScaledBytes(in, (unsigned short)w, (unsigned short)h, 0));
+        vFILE f(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
+        oMEMDIB back(f, 0);
+        ASSERT_EQ(back.Height(), h) << bits;
+        EXPECT_EQ(Rows(back), Rows(oMEMDIB(again, 0))) << bits;
+        f.Close();
+        DeleteFileA(path.c_str());
+    }
 }

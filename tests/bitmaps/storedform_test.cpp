@@ -135,3 +135,55 @@ TEST(StoredForm, ConvertingCopyStaysInsideTheSourceRows)
         delete small;
     }
 }
+
+// Found in valid files: a palette whose first entry, or rows whose first
+// pixel, read B1 AA 12 00 (the compressed-frame marker) made every reader
+// give up, because the would-be frame's length ran past the end. Such bytes
+// are raw data, in a plain bitmap file and in a stored form without one.
+TEST(StoredForm, BytesThatOnlyLookLikeAFrameAreRaw)
+{
+    const unsigned char magic[8] = {0xB1, 0xAA, 0x12, 0x00, 0xFF, 0xFF, 0xFF, 0x7F};
+    const unsigned char fits[8] = {0xB1, 0xAA, 0x12, 0x00, 0x10, 0x00, 0x00, 0x00};
+    struct Case { unsigned bits; bool fileHeader; const unsigned char* lead; };
+    const Case cases[] = {{8, true, magic}, {8, false, magic}, {8, false, fits},
+                          {24, true, magic}, {24, false, magic}, {24, false, fits}};
+    std::string path = rltest::TempPath("dibmagic");
+    for (const Case& c : cases) {
+        const unsigned long w = 5, h = 3, stride = oDIBHEADER::Stride(c.bits, w);
+        std::vector<unsigned char> rows = RandomBytes(stride * h, c.bits);
+        std::vector<unsigned char> form = MakeStored(w, h, c.bits, 0, c.bits == 8 ? 256 : 0, rows, c.fileHeader);
+        // The palette's first two entries, or the first pixel bytes.
+        const size_t at = (c.fileHeader ? 14 : 0) + 40;
+        std::memcpy(&form[at], c.lead, 8);
+        if (c.bits == 24)
+            std::memcpy(rows.data(), c.lead, 8);
+        FILE* file = std::fopen(path.c_str(), "wb");
+        ASSERT_NE(file, nullptr);
+        std::fwrite(form.data(), 1, form.size(), file);
+        std::fclose(file);
+
+        vMEMSTREAM m;
+        Fill(m, form);
+        vFILE f(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
+        for (vSTREAM* s : {(vSTREAM*)&m, (vSTREAM*)&f}) {
+            const char* where = s == &m ? "memory" : "file";
+            s->MoveFromStart(0);
+            oMEMDIB d(*s, 0);
+            ASSERT_EQ(d.Height(), h) << c.bits << " " << c.fileHeader << " " << where;
+            EXPECT_EQ(Rows(d), rows) << c.bits << " " << where;
+            if (c.bits == 8) {
+                oDIBPALETTE* p = nullptr;
+                ASSERT_EQ(d.GetPalette(&p), 256);
+                EXPECT_EQ(0, std::memcmp(p->GetRgbQuad(), c.lead, 3));
+            }
+            s->MoveFromStart(0);
+            EXPECT_EQ(Rows(oSTREAMDIB(*s, 0)), rows) << c.bits << " " << where;
+            s->MoveFromStart(0);
+            vMEMSTREAM out;
+            vBMRESIZE r;
+            EXPECT_EQ(r.Scale(*s, out, 0, 0, 0, 0), 1) << c.bits << " " << where;
+        }
+        f.Close();
+    }
+    DeleteFileA(path.c_str());
+}

@@ -1,11 +1,13 @@
 // DIB kernels under the sanitizers: header plans for hostile field values, then
-// rows read, converted, written, difference-coded and dithered through buffers
-// of exactly the size each routine's contract names (a row of
+// every routine of the pixel-format table, the difference coder and the dither
+// through buffers of exactly the size each routine's contract names (a row of
 // ceil(width × bits / 8) bytes, one or three bytes per pixel, four per palette entry).
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <vector>
 #include "bitmaps/dibrows.h"
 #include "bitmaps/dither.h"
+#include "bitmaps/pixfmt.h"
 #include "native_support.h"
 
 using namespace rlnative;
@@ -71,12 +73,10 @@ TEST(NativeDib, RowsAndDitherInExactBuffers)
     Rng rng(22);
     static const std::uint32_t kSrc[] = {1, 4, 8, 24};
     for (int iter = 0; iter < 20000; ++iter) {
-        std::uint32_t srcBits = kSrc[rng.Below(4)], px = rng.Chance(2) ? 1 : 3;
-        ReadLineFn read = nullptr;
-        WriteLineFn write = nullptr;
-        ASSERT_TRUE(GetReadWriteRoutines(srcBits, 8 * px, &read, &write));
-        // count pixels from 16.16 position start on by step; the last one
-        // taken is the row's last at most.
+        const PixelFormat& f = Format(kSrc[rng.Below(4)]);
+        const std::uint32_t srcBits = f.bits, vb = f.valueBytes;
+        // count pixels from 16.16 position start on by step (forwards or,
+        // mirrored, backwards); the last one taken is the row's last at most.
         std::uint32_t width = 1 + rng.Below(rng.Chance(4) ? 3000 : 40);
         std::uint32_t count = 1 + rng.Below(rng.Chance(3) ? 4 * width : width + 2);
         std::uint64_t span = ((std::uint64_t)width << 16) - 1;
@@ -84,20 +84,29 @@ TEST(NativeDib, RowsAndDitherInExactBuffers)
         std::uint32_t step = count > 1 ? (std::uint32_t)((span - start) / (count - 1)) : rng.U32();
         if (count > 1 && rng.Chance(2))
             step = rng.Below(step + 1);
-        Exact src(RowBytes(srcBits, width)), pal(4 * rng.Below(257)), line((std::size_t)count * px);
+        if (rng.Chance(3)) {
+            start = (std::uint32_t)(span - start);
+            step = 0u - step;
+        }
+        Exact src(RowBytes(srcBits, width)), pal(4 * rng.Below(257)), idx(count), bgr3((std::size_t)count * 3);
         rng.Fill(src.p, src.n);
         rng.Fill(pal.p, pal.n);
-        read(src.p, line.p, count, start, step, pal.p, (std::uint32_t)pal.n / 4);
-        // Written forwards with a wider pitch, or mirrored from the far end.
-        long pitch = (long)px * (1 + rng.Below(3));
-        bool mirror = rng.Chance(2);
-        Exact target((std::size_t)(count - 1) * pitch + px);
-        write(line.p, target.p + (mirror ? (std::size_t)(count - 1) * pitch : 0), count, mirror ? -pitch : pitch);
+        f.readIndex(src.p, idx.p, count, start, step, pal.p, (std::uint32_t)pal.n / 4);
+        f.readColour(src.p, bgr3.p, count, start, step, pal.p, (std::uint32_t)pal.n / 4);
+        // A column map, pixels unpacked and expanded from x, packed again.
+        std::vector<std::uint32_t> map(count);
+        for (auto& m : map)
+            m = rng.Below(width);
+        Exact same(RowBytes(srcBits, count));
+        f.gatherSame(src.p, same.p, map.data(), count, pal.p, (std::uint32_t)pal.n / 4);
+        f.gatherColour(src.p, bgr3.p, map.data(), count, pal.p, (std::uint32_t)pal.n / 4);
+        std::uint32_t x = rng.Below(width), n = 1 + rng.Below(width - x);
+        Exact values((std::size_t)n * vb), colours((std::size_t)n * 3), repacked(RowBytes(srcBits, n));
+        f.unpack(src.p, x, n, values.p);
+        f.expand(src.p, x, n, pal.p, (std::uint32_t)pal.n / 4, colours.p);
+        f.pack(values.p, repacked.p, n);
 
-        std::uint32_t bits = kSrc[rng.Below(3)], x = rng.Below(width), n = 1 + rng.Below(width - x);
-        Exact row(RowBytes(bits, width)), idx(n), s16(2 * width), s32(4 * width), bgr(3 * width);
-        rng.Fill(row.p, row.n);
-        UnpackIndices(row.p, bits, x, n, idx.p);
+        Exact s16(2 * width), s32(4 * width), bgr(3 * width);
         Row16To24(s16.p, bgr.p, width);
         Row32To24(s32.p, bgr.p, width);
         Exact block(rng.Below(rng.Chance(10) ? kDiffBlock + 1 : 40)), coded(block.n);

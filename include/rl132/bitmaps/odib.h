@@ -104,18 +104,17 @@ public:
     unsigned long RowOffset() const { return rowOffset; }
 
 private:
-    void Clear();
-    void MakeEmpty();
-    void Copy(const oDIB& source);
+    // The implementation both image kinds share.
+    friend class DIBIMAGE;
 
-    unsigned short paletteBytes;
-    unsigned long rowOffset;
-    unsigned char* pixels;
-    unsigned long held;
-    unsigned char* staging;
-    unsigned long stagingCursor;
-    unsigned long writeCursor;
-    int locked;
+    unsigned short paletteBytes = 0;
+    unsigned long rowOffset = 0;
+    unsigned char* pixels = nullptr;
+    unsigned long held = 0;
+    unsigned char* staging = nullptr;
+    unsigned long stagingCursor = 0;
+    unsigned long writeCursor = 0;
+    int locked = 0;
 };
 
 class RL132_API oSTREAMDIB : public oDIB {
@@ -143,19 +142,16 @@ public:
     virtual vSTREAM& operator>>(vSTREAM& stream) const;
 
 private:
-    void Clear();
-    void MakeEmpty();
-    void Copy(const oDIB& source);
-    // The rows, or null when the stream is empty or has moved to its spill file.
-    unsigned char* Rows() const;
+    // The implementation both image kinds share.
+    friend class DIBIMAGE;
 
-    vMEMSTREAM* rows;
-    unsigned short paletteBytes;
-    unsigned long rowOffset;
-    unsigned char* staging;
-    unsigned long stagingCursor;
-    unsigned long writeCursor;
-    int locked;
+    vMEMSTREAM* rows = nullptr;
+    unsigned short paletteBytes = 0;
+    unsigned long rowOffset = 0;
+    unsigned char* staging = nullptr;
+    unsigned long stagingCursor = 0;
+    unsigned long writeCursor = 0;
+    int locked = 0;
 };
 
 #endif
