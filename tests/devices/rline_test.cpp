@@ -445,3 +445,39 @@ TEST(LineRender, ClipAreaByShapeMatchesGdiRegions)
         EXPECT_EQ(got.Count(0, 0, 120, 8, 0xFFFFFF), 0);
     }
 }
+
+// A rectangle and a text hand themselves to the device: the rectangle is the
+// device's own DrawRect, pixel for pixel.
+TEST(LineRender, ValuesDrawThroughTheDevice)
+{
+    SURFACE got(60, 60), want(60, 60);
+    {
+        DEVICE d(got.dc);
+        d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(10, 20, 220), vCOLOUR(10, 20, 220)));
+        d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(12L), (vCORNERTYPE)1, (vDASHTYPE)1));
+        EXPECT_EQ(R(15, 15, 45, 40).Draw(d), 1);
+    }
+    {
+        DEVICE d(want.dc);
+        d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(10, 20, 220), vCOLOUR(10, 20, 220)));
+        d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(12L), (vCORNERTYPE)1, (vDASHTYPE)1));
+        EXPECT_EQ(d.DrawRect(R(15, 15, 45, 40)), 1);
+    }
+    EXPECT_TRUE(Same(got, want));
+    // The mitred 12-pixel frame covers the rectangle's corner square.
+    EXPECT_EQ(got.Pixel(9, 9), 0u);
+    EXPECT_EQ(got.Pixel(30, 28), 0x0A14DCu);
+
+    SURFACE text(120, 40), oracle(120, 40);
+    vSTRING s("Abc");
+    {
+        DEVICE d(text.dc);
+        EXPECT_EQ(s.Draw(d, R(0, 0, 120, 40), vTA_LEFT), 1);
+    }
+    {
+        DEVICE d(oracle.dc);
+        EXPECT_EQ(d.DrawTextA(s, R(0, 0, 120, 40), vTA_LEFT), 1);
+    }
+    EXPECT_TRUE(Same(text, oracle));
+    EXPECT_GT(text.Count(0xFFFFFF), 0);
+}
