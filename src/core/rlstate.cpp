@@ -20,9 +20,10 @@ unsigned short residentLimit = 0;
 OUTLIBFILEMAP outlibFileMap = nullptr;
 OUTLIB pantoneLibrary("POCE.DLL");
 
-HDC lineDDAContext = nullptr;
+DEVSTATE devState = {nullptr, nullptr, nullptr, nullptr, 0, 0, nullptr, nullptr, nullptr};
 
-// The drawing half's state is defined here, in the order of the reserved
-// block of rlstate.h.
+// The line and point work objects are defined with the outline renderer
+// (src/devices/vdevice_line.cpp); the rest of the drawing half joins here, in
+// the order of the reserved block of rlstate.h.
 
 } // namespace rlstate

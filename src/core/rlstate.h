@@ -26,6 +26,13 @@
 #include "rl132/core/vpageout.h"
 #include "platform/outlib.h"
 
+class vDEVICE;
+class vSCREEN;
+class LINEINFO;
+namespace rlgeom {
+class LISTINFO;
+}
+
 namespace rlstate {
 
 // ---------------------------------------------------------------- the frame
@@ -85,15 +92,44 @@ extern OUTLIB pantoneLibrary;
 // first need to the bridge's release).
 
 // ---------------------------------------------------------------- drawing
-// Owner: the line renderer. The context fnLineDDA paints its dots on, set
-// around each LineDDA walk (vLineDDASetDC); null draws nothing.
-extern HDC lineDDAContext;
+// Owner: the device core (src/devices/vdevice_dc.cpp) and the screen device.
+
+// The process-wide state of the drawing devices. Only one device holds a
+// context at a time; the library draws from the thread that owns the windows.
+struct DEVSTATE {
+    // The device whose context is obtained, and that context (vDEVICE::GetRLDC;
+    // fnLineDDA paints on it). Set by activation, cleared by release.
+    vDEVICE* active;
+    HDC activeDC;
+    // The device between BeginDraw and EndDraw, and the context handed in.
+    vDEVICE* paint;
+    HDC paintDC;
+    // Closed primitives in outline only (vDEVICE::FastUpdate).
+    int fastUpdate;
+    // What the screen records: its bits per pixel (vDEVICE::SetNoColours).
+    unsigned char noColours;
+    // The one screen device, as itself and as a device, and the palette that
+    // activation realises (null while palettes are not in use). Set by the
+    // screen device when it is made and when it goes.
+    vSCREEN* screen;
+    vDEVICE* screenDevice;
+    HPALETTE palette;
+};
+extern DEVSTATE devState;
+
+// The renderers' shared work objects, one for the whole library: the state
+// of the outline being drawn (vDEVICE::GetLineInfo; owner: the outline
+// renderer, set by LINEINFO::Init for each outline) and the point, count and
+// edge lists the shape walk fills (vDEVICE::GetListInfo; the outline, fill
+// and clip renderers, each leaving it empty). Their types belong to the
+// device code, so they are defined beside it (src/devices/vdevice_line.cpp)
+// and declared here only.
+extern LINEINFO lineInfo;
+extern rlgeom::LISTINFO listInfo;
 
 // ================================================================= reserved
-// The drawing half's state joins here, one entry each with its owner and when
-// it is set:
-//   - the active device and its device context (one active device at a time);
-//   - the renderers' shared line and point work objects;
+// The drawing half's state still to join here, one entry each with its owner
+// and when it is set:
 //   - the bitmap manager, and its shared re-read file;
 //   - the fixed temporary metafile name of native-metafile conversion.
 // ================================================================= end reserved

@@ -5,26 +5,9 @@
 #include <windows.h>
 #include "rl132/devices/vdevice.h"
 
-// The outline of a shape (and of every rectangle, ellipse and polyline that
-// misses the one-pixel pen path).
-int vDEVICE::LineShape(const vSHAPE&)
-{
-    return 0;
-}
-
 // Polygon fills (plain, hatched, bitmap and pattern brushes) and graded fills
 // of a closed shape.
 int vDEVICE::FillShape(const vSHAPE&)
-{
-    return 0;
-}
-
-int vDEVICE::ShapeBoundBox(const vSHAPE&, vRECT&)
-{
-    return 0;
-}
-
-int vDEVICE::LineRectByShape(const vRECT&)
 {
     return 0;
 }
@@ -34,27 +17,7 @@ int vDEVICE::FillRectByShape(const vRECT&)
     return 0;
 }
 
-int vDEVICE::LineEllipseByShape(const vRECT&)
-{
-    return 0;
-}
-
 int vDEVICE::FillEllipseByShape(const vRECT&)
-{
-    return 0;
-}
-
-int vDEVICE::LinePolylineByShape(const POINT*, short)
-{
-    return 0;
-}
-
-int vDEVICE::RoundRectByShape(const vRECT&, const vSIZE&)
-{
-    return 0;
-}
-
-int vDEVICE::ClipAreaByShape(const vSHAPE&)
 {
     return 0;
 }

@@ -52,27 +52,31 @@ TEST(DeviceDraw, PlainFillsMatchGdiUnderEveryMapping)
     }
 }
 
-// Everything that the outline and pattern renderers draw is refused, never
-// faked: the fill part of a rectangle with an outline is drawn, the outline
-// is reported as not drawn; fast-update mode draws outlines only, so nothing.
-TEST(DeviceDraw, RoadsOfTheRenderersAreReportedUndrawn)
+// Outlines are the line renderer's: a one-pixel black frame goes over the
+// fill exactly where GDI's frame of the same rectangle lies, and fast-update
+// mode draws the outlines. Pattern fills are still refused, never faked.
+TEST(DeviceDraw, OutlinesAreDrawnAndPatternFillsRefused)
 {
     SURFACE got(48, 48), want(48, 48);
     DEVICE d(got.dc);
     d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(200, 30, 40), vCOLOUR(200, 30, 40)));
     d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(1L)));
-    EXPECT_EQ(d.DrawRect(R(4, 4, 30, 30)), 0);
+    EXPECT_EQ(d.DrawRect(R(4, 4, 30, 30)), 1);
     {
         WITHBRUSH brush(want.dc, kRed);
         Rectangle(want.dc, 4, 4, 31, 31);
     }
+    RECT frame = {4, 4, 31, 31};
+    FrameRect(want.dc, &frame, (HBRUSH)GetStockObject(BLACK_BRUSH));
     EXPECT_TRUE(Same(got, want));
 
     got.Clear(0xFF);
     vDEVICE::FastUpdate(1);
     int fast = d.DrawRect(R(4, 4, 30, 30)) + d.DrawEllipse(R(4, 4, 30, 30));
     vDEVICE::FastUpdate(0);
-    EXPECT_EQ(fast, 0);
+    EXPECT_EQ(fast, 2);
+    EXPECT_GT(got.Count(0xFFFFFF), 0);
+    got.Clear(0xFF);
     d.FillSpec(vFILLSPEC((vFILLTYPE)8, vCOLOUR(0, 0, 0), vCOLOUR(0, 0, 0)));  // hatched
     d.LineSpec(vLINESPEC(vLT_NONE));
     EXPECT_EQ(d.DrawRect(R(4, 4, 30, 30)), 0);
@@ -243,15 +247,17 @@ TEST(DeviceDraw, LinePathTruncatesCoordinatesAndCountTo16Bits)
 }
 
 // Wider lines, other line types and colours the context cannot show exactly
-// are outlines for the line renderer: refused, nothing drawn.
-TEST(DeviceDraw, LinesOffThePenPathAreRefused)
+// are outlines for the line renderer, which draws them.
+TEST(DeviceDraw, LinesOffThePenPathGoToTheLineRenderer)
 {
     SURFACE s(32, 32);
     DEVICE d(s.dc);
     d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(2L)));
-    EXPECT_EQ(d.DrawLine(P(2, 2), P(20, 20)), 0);
+    EXPECT_EQ(d.DrawLine(P(2, 2), P(20, 20)), 1);
     d.LineSpec(vLINESPEC(vLT_DASH1, vCOLOUR(0, 0, 0), vINT(1L)));
-    EXPECT_EQ(d.DrawLine(P(2, 2), P(20, 20)), 0);
+    EXPECT_EQ(d.DrawLine(P(2, 2), P(20, 20)), 1);
+    EXPECT_GT(s.Count(0xFFFFFF), 0);
+    s.Clear(0xFF);
     // Width 3 at 300 units per inch is one device pixel: the pen path.
     d.LogUnitsPerHorzInch(vINT(300L));
     d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(3L)));
@@ -263,8 +269,9 @@ TEST(DeviceDraw, LinesOffThePenPathAreRefused)
     SURFACE eight(32, 32, 8, pal.data());
     DEVICE e(eight.dc);
     e.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(100, 7, 9), vINT(1L)));  // not in the palette
-    EXPECT_EQ(e.DrawLine(P(2, 2), P(20, 2)), 0);
-    EXPECT_EQ(eight.Count(0xFF), 0);
+    EXPECT_EQ(e.DrawLine(P(2, 2), P(20, 2)), 1);
+    EXPECT_EQ(eight.Count(0xFF), 19);
+    eight.Clear(0xFF);
     e.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(102, 51, 204), vINT(1L)));  // index 2*36 + 6 + 4
     EXPECT_EQ(e.DrawLine(P(2, 2), P(20, 2)), 1);
     EXPECT_EQ(eight.Pixel(20, 2), 82u);

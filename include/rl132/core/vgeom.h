@@ -11,6 +11,7 @@
 
 class vRECT;
 class vSHAPE;
+class vDEVICE;
 
 // A point, or a vector from the origin.
 class RL132_API vPOINT : public vOBJECT {
@@ -176,6 +177,8 @@ public:
     // grows each side by d/2 (so 5 grows by 4 in all); d <= 0 shrinks each side
     // by (1 - d)/2 (so -4 shrinks by 4 in all, and 0 never reaches here).
     vRECT Expand(const vINT& width, const vINT& height);
+    // Hands the rectangle to the device: vDEVICE::DrawRect's result.
+    int Draw(vDEVICE& device) const;
 
     vINT left;
     vINT top;

@@ -6,6 +6,9 @@
 
 class vRESID;
 class vSTREAM;
+class vRECT;
+class vDEVICE;
+enum vTEXTALIGN : int;
 
 // One character of the ANSI code page.
 class RL132_API vCHAR : public vOBJECT {
@@ -145,6 +148,10 @@ public:
     // stream's status tells of the short read); `s >> stream` writes.
     vSTREAM& operator<<(vSTREAM& stream);
     vSTREAM& operator>>(vSTREAM& stream) const;
+
+    // Hands the text to the device's text output, placed in the rectangle by
+    // the alignment (vDEVICE::DrawText's result).
+    int Draw(vDEVICE& device, const vRECT& rect, vTEXTALIGN align);
 
 private:
     // Replaces the text by the first `length` characters at text (which may lie

@@ -33,7 +33,9 @@ class oDIB;
 class vFONTDETAIL;
 class vSCREEN;
 class LINEINFO;
+namespace rlgeom {
 class LISTINFO;
+}
 
 // What kind of target a device draws on.
 enum vDEV_TYPE : int {
@@ -80,7 +82,6 @@ enum vPLATE : int {
 class RL132_API vDEVICE : public vOBJECT {
     friend class vFONTDETAIL;
     friend class LINEINFO;
-    friend class LISTINFO;
 
 public:
     // The two integers are accepted and not used.
@@ -234,6 +235,10 @@ public:
     static vSCREEN& GetScreen();
     // The context of the active device, null when none is active.
     static HDC GetRLDC();
+    // The outline renderer's state and the shape walk's point lists: one of
+    // each for the whole library, used by one renderer at a time.
+    static LINEINFO& GetLineInfo();
+    static rlgeom::LISTINFO& GetListInfo();
 
 protected:
     // The context to draw on: this device becomes the active one (releasing
