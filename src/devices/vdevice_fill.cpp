@@ -5,7 +5,6 @@
 #include <cstdint>
 #include "rl132/core/vmem.h"
 #include "rl132/devices/vdevice.h"
-#include "rl132/devices/vscreen.h"
 #include "rl132/devices/vshape.h"
 #include "rl132/bitmaps/odib.h"
 #include "devices/devstate.h"
@@ -98,35 +97,32 @@ struct DEVPOLYS {
 
 // ---- brushes ---------------------------------------------------------------
 
-// On a 256-colour context that shows the library's palette, a cube colour is
-// painted by its palette index, so that the palette never has to approximate
-// it; any other colour is spread over its neighbouring cube colours by an
-// ordered dither in the screen's pattern block. Everywhere else GDI gets the
-// colour itself.
+// On a 256-colour screen, in a context that holds the library's palette, a
+// cube colour is painted by its palette index, so that the palette never has
+// to approximate it; any other colour is spread over its neighbouring cube
+// colours by an ordered dither in a pattern block laid out as the screen's
+// (palette indices, 8 × 8 pixels). Everywhere else GDI gets the colour itself.
 HBRUSH vDEVICE::CreateBrush(const vCOLOUR& colour)
 {
     COLORREF rgb = (COLORREF)colour.PackedRGB();
     DEVSTATE& g = g_devState;
     HDC dc = g.active == this ? g.activeDC : nullptr;
     if (colour.SystemColour() || !dc || !g.palette || !paletteFlag || g.noColours != 8 ||
-        !(GetDeviceCaps(dc, RASTERCAPS) & RC_PALETTE))
+        GetCurrentObject(dc, OBJ_PAL) != (HGDIOBJ)g.palette)
         return CreateSolidBrush(rgb);
     unsigned r = GetRValue(rgb), gr = GetGValue(rgb), b = GetBValue(rgb);
     if (r % 51 == 0 && gr % 51 == 0 && b % 51 == 0)
         return CreateSolidBrush(PALETTEINDEX(rlscreen::kCubeBase + 36 * (r / 51) + 6 * (gr / 51) + b / 51));
-    HGLOBAL block = g.screen ? g.screen->PatternBlock() : nullptr;
-    unsigned char* p = block ? (unsigned char*)GlobalLock(block) : nullptr;
-    if (!p)
-        return CreateSolidBrush(rgb);
+    std::uint8_t block[rlscreen::kPatternBlockSize];
+    rlscreen::BuildPatternBlock(block);
     // The block is bottom-up: its last pixel row is the pattern's top row.
     for (int y = 0; y < 8; ++y) {
-        unsigned char* row = p + rlscreen::kPatternPixels + 8 * (7 - y);
+        std::uint8_t* row = block + rlscreen::kPatternPixels + 8 * (7 - y);
         for (int x = 0; x < 8; ++x)
-            row[x] = (unsigned char)(rlscreen::kCubeBase + 36 * DitherLevel(r, x, y) + 6 * DitherLevel(gr, x, y) +
-                                     DitherLevel(b, x, y));
+            row[x] = (std::uint8_t)(rlscreen::kCubeBase + 36 * DitherLevel(r, x, y) + 6 * DitherLevel(gr, x, y) +
+                                    DitherLevel(b, x, y));
     }
-    GlobalUnlock(block);
-    HBRUSH brush = CreateDIBPatternBrush(block, DIB_PAL_COLORS);
+    HBRUSH brush = CreateDIBPatternBrushPt(block, DIB_PAL_COLORS);
     return brush ? brush : CreateSolidBrush(rgb);
 }
 
