@@ -418,3 +418,58 @@ TEST(FillRender, TypesWithoutARenderingDrawNothing)
         EXPECT_EQ(got.Count(0xFFFFFF), 0);
     }
 }
+
+// A bitmap fill tiles the fill's own image: the same rows as a packed DIB
+// pattern brush over the same polygon.
+TEST(FillRender, BitmapFillsTileTheFillsImage)
+{
+    const int side = 8, stride = 24;
+    std::vector<unsigned char> rows(stride * side);
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < side; ++x) {
+            unsigned char* p = &rows[y * stride + 3 * x];
+            p[0] = (unsigned char)(x * 30);
+            p[1] = (unsigned char)(y * 30);
+            p[2] = (unsigned char)(x == y ? 255 : 40);
+        }
+    oMEMDIB dib(side, side, 24, oCM_RGB24, 0);
+    ASSERT_NE(dib.SetImageLines(rows.data(), oCM_RGB24, 0, side - 1), 0);
+    SURFACE got(120, 100), want(120, 100);
+    DEVICE d(got.dc);
+    d.FillSpec(vFILLSPEC(dib));
+    d.LineSpec(vLINESPEC(vLT_NONE));
+    ASSERT_EQ(d.FillSpec().Type(), vFT_BITMAP);
+    EXPECT_EQ(d.DrawShape(Holed()), 1);
+
+    std::vector<unsigned char> packed(sizeof(BITMAPINFOHEADER) + rows.size());
+    BITMAPINFOHEADER h = {};
+    h.biSize = sizeof h;
+    h.biWidth = side;
+    h.biHeight = side;
+    h.biPlanes = 1;
+    h.biBitCount = 24;
+    memcpy(packed.data(), &h, sizeof h);
+    memcpy(packed.data() + sizeof h, rows.data(), rows.size());
+    PaintHoled(want.dc, CreateDIBPatternBrushPt(packed.data(), DIB_RGB_COLORS));
+    EXPECT_TRUE(Same(got, want));
+    EXPECT_GT(got.Count(0xFFFFFF), 4000);
+}
+
+// Whole degrees of 360 and more take the unrotated box, as 0 does; the
+// angle is given raw since a whole-degree angle is reduced below 360.
+TEST(FillRender, AnglesFrom360UpUseTheBoxItself)
+{
+    SURFACE base(130, 110);
+    DEVICE b(base.dc);
+    Fill(b, vFT_LINEAR3, RGB(255, 0, 0), RGB(0, 0, 255), 0);
+    EXPECT_EQ(b.DrawShape(Holed()), 1);
+    for (long degrees : {360L, 361L, 720L}) {
+        SURFACE got(130, 110);
+        DEVICE d(got.dc);
+        vFILLSPEC spec(vFT_LINEAR3, vCOLOUR(255, 0, 0), vCOLOUR(0, 0, 255), vANGLE::FromRaw(degrees << 16));
+        d.FillSpec(spec);
+        d.LineSpec(vLINESPEC(vLT_NONE));
+        EXPECT_EQ(d.DrawShape(Holed()), 1);
+        EXPECT_TRUE(Same(got, base)) << degrees;
+    }
+}
