@@ -10,7 +10,9 @@
 //                 clip to a shape, text
 //   bottom        one small picture as it is and on its four process plates
 // The device draws on a DIB section of 24 bits, or of 8 bits with a colour
-// cube as its colour table; the file has the section's depth.
+// cube as its colour table and as the library's palette (fills then paint
+// cube colours by index and dither the others); the file has the section's
+// depth.
 #include <windows.h>
 #include <cstdio>
 #include <cstring>
@@ -171,6 +173,14 @@ void Plates(vDEVICE& d)
 
 bool Put(FILE* f, const void* p, size_t n) { return fwrite(p, 1, n, f) == n; }
 
+// The device over the sheet; at 8 bits it takes the sheet's colours as the
+// library's palette, so that fills use palette indices and dithers.
+class SHEETDEVICE : public vDEVICEID {
+public:
+    explicit SHEETDEVICE(HDC dc) : vDEVICEID(dc) {}
+    using vDEVICE::SetScreenPalette;
+};
+
 } // namespace
 
 static int RunShowcase(int argc, char** argv)
@@ -230,8 +240,25 @@ static int RunShowcase(int argc, char** argv)
     }
     HGDIOBJ old = SelectObject(dc, bitmap);
     PatBlt(dc, 0, 0, kWidth, kHeight, WHITENESS);
+    HPALETTE palette = nullptr;
+    if (colours) {
+        struct {
+            WORD version, count;
+            PALETTEENTRY entries[256];
+        } lp;
+        lp.version = 0x300;
+        lp.count = 256;
+        for (int i = 0; i < 256; ++i)
+            lp.entries[i] = {info.colours[i].rgbRed, info.colours[i].rgbGreen, info.colours[i].rgbBlue, 0};
+        palette = CreatePalette((LOGPALETTE*)&lp);
+    }
     {
-        vDEVICEID d(dc);
+        SHEETDEVICE d(dc);
+        if (palette) {
+            SHEETDEVICE::SetScreenPalette(palette);
+            vDEVICE::SetNoColours(8);
+            SelectPalette(dc, palette, FALSE);
+        }
         d.FontSpec(vFONTSPEC(vSTRING("Arial"), vFS_NORMAL, vINT(8L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
         d.Transparency(1);
         Outlines(d);
@@ -241,6 +268,11 @@ static int RunShowcase(int argc, char** argv)
         Plates(d);
     }
     GdiFlush();
+    if (palette) {
+        SHEETDEVICE::SetScreenPalette(nullptr);
+        SelectPalette(dc, (HPALETTE)GetStockObject(DEFAULT_PALETTE), FALSE);
+        DeleteObject(palette);
+    }
     unsigned long stride = ((unsigned long)kWidth * (unsigned long)bits + 31) / 32 * 4;
     unsigned long offset = 14 + sizeof(BITMAPINFOHEADER) + colours * sizeof(RGBQUAD);
     unsigned long size = offset + stride * kHeight;
