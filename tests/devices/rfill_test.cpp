@@ -473,3 +473,29 @@ TEST(FillRender, AnglesFrom360UpUseTheBoxItself)
         EXPECT_TRUE(Same(got, base)) << degrees;
     }
 }
+
+// The band frame and the clip polygon go through the same mapping: with an
+// origin, a graded fill is the fill of the moved shape without one.
+TEST(FillRender, GradedFillsFollowTheOrigin)
+{
+    for (int type : {2, 4, 5}) {
+        SCOPED_TRACE(type);
+        SURFACE got(140, 120), want(140, 120);
+        DEVICE d(got.dc), e(want.dc);
+        Fill(d, (vFILLTYPE)type, RGB(255, 128, 0), RGB(0, 64, 128), 20);
+        Fill(e, (vFILLTYPE)type, RGB(255, 128, 0), RGB(0, 64, 128), 20);
+        d.Origin(P(13, 9));
+        EXPECT_EQ(d.DrawShape(Holed()), 1);
+        vSHAPE moved;
+        std::vector<PT> outer = kOuter, hole = kHole;
+        for (PT& p : outer)
+            p.x += 13, p.y += 9;
+        for (PT& p : hole)
+            p.x += 13, p.y += 9;
+        AddContour(moved, outer);
+        AddContour(moved, hole);
+        EXPECT_EQ(e.DrawShape(moved), 1);
+        EXPECT_TRUE(Same(got, want));
+        EXPECT_GT(got.Count(0xFFFFFF), 4000);
+    }
+}
