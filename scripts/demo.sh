@@ -31,6 +31,7 @@ run strings --language 1036
 run colour --cmyk 100,0,0,0 --tint 50
 run colour --rgb 255,0,255
 run text "RL132 draws text" "$(win "$DEMO/text.bmp")" --size 20 --angle 15 --colour 30,60,160
+run showcase "$(win "$DEMO/showcase.bmp")" && echo "(the drawing showcase is in $DEMO/showcase.bmp)" && echo
 
 # Compression: a file through implode and back.
 cat "$ROOT"/README.md "$ROOT"/src/*/*.cpp > "$DEMO/sample.txt"

@@ -14,7 +14,8 @@ vDEVICE::vDEVICE(vINT, vINT)
       devUnitsH(), logUnitsV(), devUnitsV(), origin(vINT(0L), vINT(0L)), clipTop(nullptr), clipDepth(0),
       lineTop(nullptr), lineDepth(0), fillTop(nullptr), fillDepth(0), fontStack(), lineSpec(), fillSpec(),
       displayMode(vDM_NORMAL), plateColour(), knockOut(1), overprintDark(1), visible(1), plate(0), sepColour(),
-      fontSpec(vSTRING("Helv"), (vFONTSTYLE)2, vINT(8L), vREAL(0), 100, vFH_POINTS, vANGLE(0))
+      fontSpec(vSTRING("Helv"), (vFONTSTYLE)2, vINT(8L), vREAL(0), 100, vFH_POINTS, vANGLE(0)),
+      gradQuality(vGQ_FINE)
 {
     vTrace(1, "vDEVICE::vDEVICE()");
     InitFontCache();
@@ -58,6 +59,7 @@ void vDEVICE::CopyFrom(const vDEVICE& o)
     visible = o.visible;
     plate = o.plate;
     sepColour = o.sepColour;
+    gradQuality = o.gradQuality;
     if (o.clipRgn) {
         clipRgn = CreateRectRgn(0, 0, 0, 0);
         if (clipRgn)

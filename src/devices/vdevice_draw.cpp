@@ -13,11 +13,6 @@ namespace {
 enum { ARC_ARC, ARC_PIE, ARC_CHORD };
 }
 
-HBRUSH vDEVICE::CreateBrush(const vCOLOUR& colour)
-{
-    return CreateSolidBrush((COLORREF)colour.PackedRGB());
-}
-
 // A system colour is the system's to show, never snapped to a palette.
 vCOLOUR vDEVICE::NearestColour(const vCOLOUR& colour)
 {

@@ -1,26 +1,8 @@
-// The device's roads into the shape walk, the outline renderer and the
-// pattern and graded fills. Until those renderers serve them, each of these
-// members draws nothing and returns 0, so that a caller is told the
-// primitive was not drawn.
+// The device's roads into the bitmap, DIB and metafile subsystems. Until
+// those serve them, each of these members draws nothing and returns 0, so
+// that a caller is told the primitive was not drawn.
 #include <windows.h>
 #include "rl132/devices/vdevice.h"
-
-// Polygon fills (plain, hatched, bitmap and pattern brushes) and graded fills
-// of a closed shape.
-int vDEVICE::FillShape(const vSHAPE&)
-{
-    return 0;
-}
-
-int vDEVICE::FillRectByShape(const vRECT&)
-{
-    return 0;
-}
-
-int vDEVICE::FillEllipseByShape(const vRECT&)
-{
-    return 0;
-}
 
 // Bitmaps, DIBs and metafiles are drawn by their own subsystems.
 int vDEVICE::DrawMetafile(vMETAFILE&, const vRECT&)

@@ -54,8 +54,8 @@ TEST(DeviceDraw, PlainFillsMatchGdiUnderEveryMapping)
 
 // Outlines are the line renderer's: a one-pixel black frame goes over the
 // fill exactly where GDI's frame of the same rectangle lies, and fast-update
-// mode draws the outlines. Pattern fills are still refused, never faked.
-TEST(DeviceDraw, OutlinesAreDrawnAndPatternFillsRefused)
+// mode draws the outlines. Hatched fills go the shape road and are drawn.
+TEST(DeviceDraw, OutlinesAreDrawnAndPatternFillsTakeTheShapeRoad)
 {
     SURFACE got(48, 48), want(48, 48);
     DEVICE d(got.dc);
@@ -79,10 +79,12 @@ TEST(DeviceDraw, OutlinesAreDrawnAndPatternFillsRefused)
     got.Clear(0xFF);
     d.FillSpec(vFILLSPEC((vFILLTYPE)8, vCOLOUR(0, 0, 0), vCOLOUR(0, 0, 0)));  // hatched
     d.LineSpec(vLINESPEC(vLT_NONE));
-    EXPECT_EQ(d.DrawRect(R(4, 4, 30, 30)), 0);
-    EXPECT_EQ(d.DrawEllipse(R(4, 4, 30, 30)), 0);
-    EXPECT_EQ(d.DrawRoundRect(R(4, 4, 30, 30), vSIZE(vINT(6L), vINT(6L))), 0);
-    EXPECT_EQ(got.Count(0xFFFFFF), 0);
+    EXPECT_EQ(d.DrawRect(R(4, 4, 30, 30)), 1);
+    EXPECT_EQ(d.DrawEllipse(R(4, 4, 30, 30)), 1);
+    EXPECT_EQ(d.DrawRoundRect(R(4, 4, 30, 30), vSIZE(vINT(6L), vINT(6L))), 1);
+    EXPECT_GT(got.Count(0xFFFFFF), 0);
+    EXPECT_EQ(got.Count(31, 0, 48, 48, 0xFFFFFF) + got.Count(0, 31, 48, 48, 0xFFFFFF), 0);
+    got.Clear(0xFF);
 
     // Fill type 0 and line type 0: nothing to draw, and that is done.
     d.FillSpec(vFILLSPEC(vFT_NONE));

@@ -37,6 +37,12 @@ namespace rlgeom {
 class LISTINFO;
 }
 
+// How finely graded fills are banded: 0 is fine, anything else coarse.
+enum vGRAD_QUALITY : int {
+    vGQ_FINE = 0,
+    vGQ_COARSE = 1
+};
+
 // What kind of target a device draws on.
 enum vDEV_TYPE : int {
     vDT_DISPLAY = 0,   // the screen or a bitmap
@@ -239,6 +245,9 @@ public:
     // each for the whole library, used by one renderer at a time.
     static LINEINFO& GetLineInfo();
     static rlgeom::LISTINFO& GetListInfo();
+    // The banding of this device's graded fills (fine for a new device).
+    void SetGradQuality(vGRAD_QUALITY quality);
+    vGRAD_QUALITY GetGradQuality() const;
 
 protected:
     // The context to draw on: this device becomes the active one (releasing
@@ -293,6 +302,15 @@ private:
     // renderer.
     int DrawPolyline(const POINT* logical, short count);
     HBRUSH CreateBrush(const vCOLOUR& colour);
+    // The 8 × 8 monochrome pattern brush of a pattern table entry.
+    HBRUSH CreateGEMBrush(short style, short index);
+
+    // The fill renderer: brush fills over the flattened shape, and graded
+    // fills as bands clipped to it (`box` in device pixels).
+    int PolyPolygon(const vSHAPE& shape);
+    int GradFill(const vSHAPE& shape);
+    int NewLinearFill(vRECT& box);
+    int NewRadialFill(vRECT& box);
 
     // Paths that belong to the shape, outline and fill renderers; each fails
     // (returns 0) until those renderers serve it.
@@ -346,6 +364,7 @@ private:
     vCOLOUR sepColour;
     // The current font specification as set, whatever the cache holds.
     vFONTSPEC fontSpec;
+    vGRAD_QUALITY gradQuality;
 };
 
 // A device over a context the caller owns (a printer, a paint context). It

@@ -1,0 +1,300 @@
+// rltool showcase: one sheet that shows what the drawing devices can do, saved
+// as a bitmap file.
+//
+// The sheet is 960 × 720 pixels in five panels:
+//   top left      outlines: every line type, the width classes, the three
+//                 corner types and the three dash types
+//   top right     brush fills: plain, the six hatches, the 36 patterns
+//   middle left   graded fills: the five kinds at two angles each
+//   middle right  ellipses, rounded rectangles, Bézier shapes with holes, a
+//                 clip to a shape, text
+//   bottom        one small picture as it is and on its four process plates
+// The device draws on a DIB section of 24 bits, or of 8 bits with a colour
+// cube as its colour table and as the library's palette (fills then paint
+// cube colours by index and dither the others); the file has the section's
+// depth.
+#include <windows.h>
+#include <cstdio>
+#include <cstring>
+#include "rl132.h"
+#include "rltool.h"
+
+namespace {
+
+const long kWidth = 960, kHeight = 720;
+
+vRECT Rc(long l, long t, long r, long b) { return vRECT(vINT(l), vINT(t), vINT(r), vINT(b)); }
+vPOINT Pt(long x, long y) { return vPOINT(vINT(x), vINT(y)); }
+
+vCOLOUR Cmyk(unsigned c, unsigned m, unsigned y, unsigned k)
+{
+    return vCOLOUR(vCMYK, c | m << 8 | y << 16 | (unsigned long)k << 24, 100, 0);
+}
+
+void Label(vDEVICE& d, const char* text, long x, long y)
+{
+    d.DrawTextA(vSTRING("%s", text), Rc(x, y, x + 470, y + 16), vTA_LEFT);
+}
+
+void NoLine(vDEVICE& d) { d.LineSpec(vLINESPEC(vLT_NONE)); }
+
+void Thin(vDEVICE& d, const vCOLOUR& c) { d.LineSpec(vLINESPEC(vLT_SOLID, c, vINT(1L))); }
+
+// A zigzag of three pieces: its two joints show the corner type.
+void Zigzag(vDEVICE& d, long x, long y, long w)
+{
+    vSHAPE s;
+    s.AppendPoint(vBEZPOINT(Pt(x, y + 20), 0x09));
+    s.AppendPoint(vBEZPOINT(Pt(x + w / 3, y), 0x08));
+    s.AppendPoint(vBEZPOINT(Pt(x + 2 * w / 3, y + 20), 0x08));
+    s.AppendPoint(vBEZPOINT(Pt(x + w, y), 0x02));
+    d.DrawShape(s);
+}
+
+void Outlines(vDEVICE& d)
+{
+    d.FillSpec(vFILLSPEC(vFT_NONE));
+    Label(d, "Line types 1-5 at widths 1, 3, 6 and 12", 10, 4);
+    const long widths[] = {1, 3, 6, 12};
+    for (int t = 1; t <= 5; ++t)
+        for (int w = 0; w < 4; ++w) {
+            d.LineSpec(vLINESPEC((vLINETYPE)t, vCOLOUR(20, 40, 140), vINT(widths[w]), (vCORNERTYPE)2,
+                                 (vDASHTYPE)1));
+            long y = 28 + (t - 1) * 18;
+            d.DrawLine(Pt(10 + w * 115, y), Pt(110 + w * 115, y));
+        }
+    Label(d, "Corner types 0, 1, 2 and dash types 0, 1, 2 at width 14", 10, 122);
+    for (int corner = 0; corner < 3; ++corner)
+        for (int dash = 0; dash < 3; ++dash) {
+            d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(160, 30, 30), vINT(14L), (vCORNERTYPE)corner,
+                                 (vDASHTYPE)dash));
+            Zigzag(d, 20 + dash * 155, 150 + corner * 30, 120);
+        }
+}
+
+void BrushFills(vDEVICE& d)
+{
+    NoLine(d);
+    Label(d, "Plain, six hatches, 36 patterns", 490, 4);
+    for (int i = 0; i < 43; ++i) {
+        int type = i == 0 ? 1 : i <= 6 ? 7 + i : 14 + (i - 6);
+        long col = i % 11, row = i / 11;
+        long x = 490 + col * 42, y = 26 + row * 52;
+        d.FillSpec(vFILLSPEC((vFILLTYPE)type, vCOLOUR(0, 90, 160), vCOLOUR(255, 255, 255)));
+        Thin(d, vCOLOUR(0, 0, 0));
+        d.DrawRect(Rc(x, y, x + 36, y + 44));
+    }
+}
+
+void GradedFills(vDEVICE& d)
+{
+    NoLine(d);
+    Label(d, "Graded fills 2-6 at 0 and 30 degrees", 10, 244);
+    for (int kind = 0; kind < 5; ++kind)
+        for (int a = 0; a < 2; ++a) {
+            long x = 10 + kind * 92, y = 266 + a * 104;
+            d.FillSpec(vFILLSPEC((vFILLTYPE)(2 + kind), vCOLOUR(250, 220, 40), vCOLOUR(120, 0, 90),
+                                 vANGLE(a ? 30 : 0)));
+            if (kind < 2)
+                d.DrawEllipse(Rc(x, y, x + 84, y + 96));
+            else
+                d.DrawRect(Rc(x, y, x + 84, y + 96));
+        }
+}
+
+// A closed Bézier blob with a square hole (alternate rule).
+vSHAPE Blob(long x, long y)
+{
+    vSHAPE s;
+    const struct {
+        long x, y;
+        unsigned char f;
+    } p[] = {
+        {60, 0, 0x11},   {110, 0, 0x20},  {120, 40, 0x20}, {100, 60, 0x10}, {80, 80, 0x20},  {120, 110, 0x20},
+        {60, 110, 0x10}, {0, 110, 0x20},  {30, 70, 0x20},  {10, 50, 0x12},  {-10, 20, 0x20}, {10, 0, 0x20},
+        {40, 30, 0x09},  {80, 30, 0x08},  {80, 70, 0x08},  {40, 70, 0x0A},
+    };
+    for (const auto& q : p)
+        s.AppendPoint(vBEZPOINT(Pt(x + q.x, y + q.y), q.f));
+    return s;
+}
+
+void Shapes(vDEVICE& d)
+{
+    Label(d, "Ellipses, rounded rectangles, Bezier shapes, a clip, text", 490, 244);
+    d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(3L)));
+    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(120, 200, 120), vCOLOUR(120, 200, 120)));
+    d.DrawEllipse(Rc(490, 270, 580, 330));
+    d.FillSpec(vFILLSPEC((vFILLTYPE)12, vCOLOUR(200, 0, 0), vCOLOUR(255, 255, 255)));
+    d.DrawRoundRect(Rc(490, 340, 580, 400), vSIZE(vINT(24L), vINT(24L)));
+    d.FillSpec(vFILLSPEC(vFT_RADIAL, vCOLOUR(255, 255, 255), vCOLOUR(0, 60, 200), vANGLE(0), vFM_ALTERNATE));
+    d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 80), vINT(2L)));
+    d.DrawShape(Blob(600, 270));
+    // Stripes seen through an ellipse.
+    vELPSSHAPE window(Rc(740, 270, 860, 390));
+    d.ClipArea(window);
+    NoLine(d);
+    for (int i = 0; i < 12; ++i) {
+        d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR((unsigned char)(i * 20), 80, (unsigned char)(240 - i * 20))));
+        d.DrawRect(Rc(740, 270 + i * 10, 860, 279 + i * 10));
+    }
+    d.ClearClipArea();
+    d.FontSpec(vFONTSPEC(vSTRING("Arial"), vFS_NORMAL, vINT(14L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
+    d.DrawTextA(vSTRING("RL132 draws text"), Rc(740, 400, 950, 440), vTA_LEFT);
+    d.FontSpec(vFONTSPEC(vSTRING("Arial"), vFS_NORMAL, vINT(8L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
+}
+
+void Picture(vDEVICE& d, long x, long y)
+{
+    d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(2L)));
+    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(0, 160, 230), vCOLOUR(0, 160, 230)));
+    d.DrawRect(Rc(x, y, x + 170, y + 120));
+    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(250, 210, 0), vCOLOUR(250, 210, 0)));
+    d.DrawEllipse(Rc(x + 100, y + 12, x + 150, y + 62));
+    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(200, 30, 60), vCOLOUR(200, 30, 60)));
+    d.DrawRect(Rc(x + 20, y + 60, x + 90, y + 110));
+    d.FillSpec(vFILLSPEC(vFT_LINEAR3, vCOLOUR(40, 140, 40), vCOLOUR(230, 255, 200), vANGLE(90)));
+    d.DrawRect(Rc(x + 95, y + 80, x + 165, y + 115));
+}
+
+void Plates(vDEVICE& d)
+{
+    Label(d, "A picture, then its cyan, magenta, yellow and black plates", 10, 484);
+    vCOLOUR plain(0, 0, 0);
+    Picture(d, 10, 510);
+    const vCOLOUR plates[] = {Cmyk(100, 0, 0, 0), Cmyk(0, 100, 0, 0), Cmyk(0, 0, 100, 0), Cmyk(0, 0, 0, 100)};
+    for (int i = 0; i < 4; ++i) {
+        vCOLOUR plate = plates[i];
+        d.DisplayMode(vDM_PROCESS, plate, 1, 1);
+        Picture(d, 200 + i * 188, 510);
+    }
+    d.DisplayMode(vDM_NORMAL, plain, 1, 1);
+}
+
+bool Put(FILE* f, const void* p, size_t n) { return fwrite(p, 1, n, f) == n; }
+
+// The device over the sheet; at 8 bits it takes the sheet's colours as the
+// library's palette, so that fills use palette indices and dithers.
+class SHEETDEVICE : public vDEVICEID {
+public:
+    explicit SHEETDEVICE(HDC dc) : vDEVICEID(dc) {}
+    using vDEVICE::SetScreenPalette;
+};
+
+} // namespace
+
+static int RunShowcase(int argc, char** argv)
+{
+    const char* out = nullptr;
+    long long bits = 24;
+    for (int i = 1; i < argc; ++i) {
+        if (strcmp(argv[i], "--bits") == 0 && i + 1 < argc) {
+            if (!rltool_number(argv[++i], 8, 24, &bits) || (bits != 8 && bits != 24))
+                return rltool_fail(RLTOOL_USAGE, "--bits takes 24 or 8, not '%s'", argv[i]);
+        } else if (argv[i][0] == '-' && argv[i][1] == '-') {
+            return rltool_usage("showcase");
+        } else if (!out) {
+            out = argv[i];
+        } else {
+            return rltool_usage("showcase");
+        }
+    }
+    if (!out)
+        return rltool_usage("showcase");
+
+    struct {
+        BITMAPINFOHEADER h;
+        RGBQUAD colours[256];
+    } info;
+    memset(&info, 0, sizeof info);
+    info.h.biSize = sizeof(BITMAPINFOHEADER);
+    info.h.biWidth = kWidth;
+    info.h.biHeight = kHeight;
+    info.h.biPlanes = 1;
+    info.h.biBitCount = (WORD)bits;
+    info.h.biCompression = BI_RGB;
+    info.h.biXPelsPerMeter = info.h.biYPelsPerMeter = 3780;
+    unsigned colours = bits == 8 ? 256 : 0;
+    if (colours) {
+        // A 6 × 6 × 6 cube from entry 20, greys around it.
+        info.h.biClrUsed = 256;
+        for (int i = 0; i < 256; ++i) {
+            RGBQUAD& q = info.colours[i];
+            if (i >= 20 && i < 236) {
+                q.rgbRed = (BYTE)(51 * ((i - 20) / 36));
+                q.rgbGreen = (BYTE)(51 * ((i - 20) / 6 % 6));
+                q.rgbBlue = (BYTE)(51 * ((i - 20) % 6));
+            } else {
+                BYTE g = (BYTE)(i < 20 ? i * 13 : 255 - (255 - i) * 12);
+                q.rgbRed = q.rgbGreen = q.rgbBlue = g;
+            }
+        }
+    }
+    HDC dc = CreateCompatibleDC(nullptr);
+    void* pixels = nullptr;
+    HBITMAP bitmap = dc ? CreateDIBSection(dc, (BITMAPINFO*)&info, DIB_RGB_COLORS, &pixels, nullptr, 0) : nullptr;
+    if (!bitmap) {
+        if (dc)
+            DeleteDC(dc);
+        return rltool_fail(RLTOOL_FAILED, "the %lld-bit drawing surface could not be made", bits);
+    }
+    HGDIOBJ old = SelectObject(dc, bitmap);
+    PatBlt(dc, 0, 0, kWidth, kHeight, WHITENESS);
+    HPALETTE palette = nullptr;
+    if (colours) {
+        struct {
+            WORD version, count;
+            PALETTEENTRY entries[256];
+        } lp;
+        lp.version = 0x300;
+        lp.count = 256;
+        for (int i = 0; i < 256; ++i)
+            lp.entries[i] = {info.colours[i].rgbRed, info.colours[i].rgbGreen, info.colours[i].rgbBlue, 0};
+        palette = CreatePalette((LOGPALETTE*)&lp);
+    }
+    {
+        SHEETDEVICE d(dc);
+        if (palette) {
+            SHEETDEVICE::SetScreenPalette(palette);
+            vDEVICE::SetNoColours(8);
+            SelectPalette(dc, palette, FALSE);
+        }
+        d.FontSpec(vFONTSPEC(vSTRING("Arial"), vFS_NORMAL, vINT(8L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
+        d.Transparency(1);
+        Outlines(d);
+        BrushFills(d);
+        GradedFills(d);
+        Shapes(d);
+        Plates(d);
+    }
+    GdiFlush();
+    if (palette) {
+        SHEETDEVICE::SetScreenPalette(nullptr);
+        SelectPalette(dc, (HPALETTE)GetStockObject(DEFAULT_PALETTE), FALSE);
+        DeleteObject(palette);
+    }
+    unsigned long stride = ((unsigned long)kWidth * (unsigned long)bits + 31) / 32 * 4;
+    unsigned long offset = 14 + sizeof(BITMAPINFOHEADER) + colours * sizeof(RGBQUAD);
+    unsigned long size = offset + stride * kHeight;
+    unsigned char fileHeader[14] = {'B', 'M'};
+    for (int i = 0; i < 4; ++i) {
+        fileHeader[2 + i] = (unsigned char)(size >> (8 * i));
+        fileHeader[10 + i] = (unsigned char)(offset >> (8 * i));
+    }
+    info.h.biSizeImage = stride * kHeight;
+    RlOutput file;
+    bool ok = file.Create(out) && Put(file.File(), fileHeader, sizeof fileHeader) &&
+              Put(file.File(), &info.h, sizeof info.h) &&
+              (!colours || Put(file.File(), info.colours, colours * sizeof(RGBQUAD))) &&
+              Put(file.File(), pixels, stride * kHeight) && file.Commit();
+    SelectObject(dc, old);
+    DeleteObject(bitmap);
+    DeleteDC(dc);
+    if (!ok)
+        return RLTOOL_FAILED;
+    printf("wrote %s: %ld x %ld, %lld bits per pixel\n", out, kWidth, kHeight, bits);
+    return RLTOOL_OK;
+}
+
+RLTOOL_COMMAND(showcase, "showcase", "OUT.bmp [--bits 24|8]",
+               "draw a sheet of line, fill, shape, text and plate samples into a bitmap file", RunShowcase);
