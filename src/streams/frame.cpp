@@ -176,8 +176,25 @@ Verdict Peek(const unsigned char* data, unsigned long size, unsigned long expect
     return Expand(data, size, nullptr, 0, expected);
 }
 
+namespace {
+
+bool ReadsAsFrame(const unsigned char* data, unsigned long count)
+{
+    return data && count >= kHeaderBytes && StartsWithMagic(data) && Peek(data, count).frame;
+}
+
+unsigned long FrameRoom(unsigned long count)
+{
+    // Stored literals cost nine bits a byte; the rest is the implode header
+    // and the end code.
+    unsigned long long room = (unsigned long long)count + count / 8 + 64 + kHeaderBytes;
+    return room > 0xFFFFFFFFULL ? 0 : (unsigned long)room;
+}
+
+} // namespace
+
 unsigned long Pack(const unsigned char* data, unsigned long count, unsigned char* out,
-                   unsigned long capacity)
+                   unsigned long capacity, int always)
 {
     if (count == 0 || capacity <= kHeaderBytes)
         return 0;
@@ -185,7 +202,7 @@ unsigned long Pack(const unsigned char* data, unsigned long count, unsigned char
     r.out = out + kHeaderBytes;
     r.capacity = capacity - kHeaderBytes;
     Count packed = Implode(r, data, count);
-    if (packed == 0 || packed >= count || packed > r.capacity)
+    if (packed == 0 || (packed >= count && !always) || packed > r.capacity)
         return 0;
     PutLE32(out, kMagic);
     PutLE32(out + 4, (unsigned long)packed);
@@ -277,15 +294,29 @@ Verdict Skip(vSTREAM& s, unsigned long rawCount, unsigned long expected)
 
 namespace {
 
+// The last Write: on which stream, and whether it wrote a frame.
+const vSTREAM* lastStream = nullptr;
+int lastFramed = 0;
+
+unsigned long Done(vSTREAM& s, unsigned long occupied, int framed)
+{
+    lastStream = &s;
+    lastFramed = framed;
+    return occupied;
+}
+
 // Over existing bytes a compressed attempt that turns out no smaller would
 // have overwritten bytes beyond the raw run. So the frame is built in memory
 // (never more than count bytes of compressed data: beyond that it cannot win)
-// and only the winner is written.
+// and only the winner is written. Bytes that would read as a frame are the
+// exception: only their own frame gives them back, whatever it costs.
 unsigned long WriteOver(vSTREAM& s, const unsigned char* data, unsigned long count)
 {
-    unsigned long room = count <= ~0UL - kHeaderBytes ? count + kHeaderBytes : 0;
+    const int mustFrame = ReadsAsFrame(data, count);
+    unsigned long room = mustFrame ? FrameRoom(count)
+                         : count <= ~0UL - kHeaderBytes ? count + kHeaderBytes : 0;
     unsigned char* frame = room ? (unsigned char*)vMemAlloc(room) : nullptr;
-    unsigned long framed = frame ? Pack(data, count, frame, room) : 0;
+    unsigned long framed = frame ? Pack(data, count, frame, room, mustFrame) : 0;
     unsigned long occupied;
     if (framed) {
         if (s.WriteULong(kMagic)) {
@@ -293,16 +324,45 @@ unsigned long WriteOver(vSTREAM& s, const unsigned char* data, unsigned long cou
             occupied = kHeaderBytes + StreamAccess::WriteRaw(s, frame + kHeaderBytes, framed - kHeaderBytes);
         } else {
             occupied = 0;
+            framed = 0;
         }
     } else {
         occupied = StreamAccess::WriteRaw(s, data, count);
     }
     s.Compress(1);
     vMemFree(frame);
-    return occupied;
+    return Done(s, occupied, framed != 0);
 }
 
 } // namespace
+
+void ForgetWrite()
+{
+    lastStream = nullptr;
+    lastFramed = 0;
+}
+
+WriteResult LastWrite(const vSTREAM& s)
+{
+    if (lastStream != &s)
+        return kNotWritten;
+    return lastFramed ? kWroteFrame : kWroteRaw;
+}
+
+unsigned long WriteFrame(vSTREAM& s, const unsigned char* data, unsigned long count)
+{
+    unsigned long room = FrameRoom(count);
+    unsigned char* frame = room && count ? (unsigned char*)vMemAlloc(room) : nullptr;
+    unsigned long framed = frame ? Pack(data, count, frame, room, 1) : 0;
+    unsigned long occupied = 0;
+    if (framed) {
+        occupied = StreamAccess::WriteRaw(s, frame, framed);
+        if (occupied != framed)
+            framed = 0;
+    }
+    vMemFree(frame);
+    return Done(s, occupied, framed != 0);
+}
 
 unsigned long Write(vSTREAM& s, const unsigned char* data, unsigned long count, int appending,
                     unsigned long* attemptEnd)
@@ -310,9 +370,12 @@ unsigned long Write(vSTREAM& s, const unsigned char* data, unsigned long count, 
     unsigned long start = s.CurrentPos();
     *attemptEnd = start;
     if (count == 0)
-        return 0;
+        return Done(s, 0, 0);
     if (!appending)
         return WriteOver(s, data, count);
+    // Raw bytes a reader would take for a frame are kept framed even when
+    // the frame is no smaller: stored raw they would come back expanded.
+    const int mustFrame = ReadsAsFrame(data, count);
     // The seeks below reset the status; what the caller had, or what failed
     // while writing, is put back at the end.
     vSTREAMSTATUS before = StreamAccess::Status(s);
@@ -321,7 +384,7 @@ unsigned long Write(vSTREAM& s, const unsigned char* data, unsigned long count, 
     // A stream that refuses the magic (read only, not open) takes nothing: the
     // attempt must not move the position on as if a frame had been written.
     if (!s.WriteULong(kMagic))
-        return 0;
+        return Done(s, 0, 0);
     s.WriteULong(0);  // the length, patched once the compressed size is known
     Run r = MakeRun();
     r.target = &s;
@@ -331,7 +394,8 @@ unsigned long Write(vSTREAM& s, const unsigned char* data, unsigned long count, 
     vSTREAMSTATUS failed = StreamAccess::Status(s);
 
     unsigned long occupied;
-    if (packed != 0 && packed < count) {
+    int framed = packed != 0 && packed <= 0xFFFFFFFFULL - kHeaderBytes && (packed < count || mustFrame);
+    if (framed) {
         s.MoveFromStart(start + 4);
         s.WriteULong((unsigned long)packed);
         if (StreamAccess::Status(s) != vSTREAM_OK && failed == vSTREAM_OK)
@@ -345,7 +409,7 @@ unsigned long Write(vSTREAM& s, const unsigned char* data, unsigned long count, 
         failed = StreamAccess::Status(s);
     }
     StreamAccess::SetStatus(s, failed != vSTREAM_OK ? failed : before);
-    return occupied;
+    return Done(s, occupied, framed && failed == vSTREAM_OK);
 }
 
 } // namespace rlframe

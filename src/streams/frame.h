@@ -58,11 +58,12 @@ Verdict Expand(const unsigned char* data, unsigned long size, unsigned char* out
                unsigned long capacity, unsigned long expected = kAnySize);
 
 // Implodes count bytes (binary literals, 4,096-byte dictionary) and, when the
-// compressed data is shorter than count, writes the whole frame to `out`;
-// returns the frame's size, or 0 when the bytes are to be stored raw (the frame
-// would not be smaller, it does not fit in capacity, or no work area).
+// compressed data is shorter than count (or whatever its size, with `always`),
+// writes the whole frame to `out`; returns the frame's size, or 0 when the
+// bytes are to be stored raw (the frame would not be smaller, it does not fit
+// in capacity, or no work area).
 unsigned long Pack(const unsigned char* data, unsigned long count, unsigned char* out,
-                   unsigned long capacity);
+                   unsigned long capacity, int always = 0);
 
 // ---------------------------------------------------------------- on a stream
 // The would-be frame starts at the stream's position. Raw reads here never
@@ -84,16 +85,30 @@ Verdict Skip(vSTREAM& s, unsigned long rawCount, unsigned long expected = kAnySi
 
 // Writes count bytes at the position as a frame when the compressed data is
 // shorter than count, raw otherwise; returns the bytes the run occupies, 0 when
-// the stream refuses the first write (nothing then moves).
+// the stream refuses the first write (nothing then moves). Bytes that would
+// themselves read back as a frame are never stored raw: they are written as
+// their own frame, however large, so a reader always gets back what was written.
 //   appending: the frame is compressed straight onto the stream, and when it
 //     loses the raw bytes go where its magic began. *attemptEnd receives the
 //     position the attempt reached, so the caller can cut what lies beyond.
 //   over existing bytes (appending 0): the frame is built in memory first and
-//     only the winner is written, so no byte behind the run is touched.
+//     only the winner is written, so no byte behind the run is touched (save
+//     by the frame of bytes that cannot be stored raw, which may be longer).
 // A status from before the call stays unless the write itself fails. The stream
 // is left compressing.
 unsigned long Write(vSTREAM& s, const unsigned char* data, unsigned long count, int appending,
                     unsigned long* attemptEnd);
+
+// Writes the frame of count bytes at the position through the stream's raw
+// writes, whatever its size; returns the bytes written (0 without a work area).
+unsigned long WriteFrame(vSTREAM& s, const unsigned char* data, unsigned long count);
+
+// What the last Write or WriteFrame left on s: kNotWritten when it went to
+// another stream (a stream that never frames, or writes raw with compression
+// off, does not call them: a caller clears the record with ForgetWrite first).
+enum WriteResult { kNotWritten, kWroteRaw, kWroteFrame };
+WriteResult LastWrite(const vSTREAM& s);
+void ForgetWrite();
 
 } // namespace rlframe
 

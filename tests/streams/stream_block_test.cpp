@@ -219,3 +219,73 @@ TEST(StreamBlock, RefusedWritesAndEarlierFailuresStand)
     EXPECT_EQ(f.WriteBlock(text.data(), 6000), 0UL);
     EXPECT_EQ(f.Status(), vSTREAM_WRITEERROR);
 }
+
+TEST(StreamBlock, RunsThatAreThemselvesFramesReadBackAsWritten)
+{
+    // Found: a run whose bytes are a whole valid frame (the bytes of a block
+    // already compressed, copied into a compressing stream) does not shrink,
+    // was stored raw, and came back expanded. A compressing stream now keeps
+    // such a run in a frame of its own; with compression off it is written as
+    // it stands, so only a reader that does not look for frames gets it back.
+    const Bytes noise = Frame(Incompressible(3000, 21)), text = Frame(Compressible(5000, 22));
+    const Bytes runs[] = {noise, text, Cat(text, Incompressible(50, 23)), Frame(Bytes{'a', 'b', 'c'})};
+    for (size_t i = 0; i < sizeof runs / sizeof runs[0]; ++i) {
+        const Bytes& run = runs[i];
+        const unsigned long n = (unsigned long)run.size();
+        for (int cached = 0; cached < 2; ++cached) {
+            for (int over = 0; over < 2; ++over) {
+                TempFile tmp;
+                unsigned long occupied;
+                {
+                    vFILE f(tmp.Name(), vFILE_WRITENEW, cached);
+                    if (over) {
+                        // Over existing bytes: the frame is built in memory first.
+                        Bytes old(2 * n + 100, 0x33);
+                        f.WriteBlock(old.data(), (unsigned long)old.size());
+                        f.MoveFromStart(0);
+                    }
+                    f.Compress(1);
+                    occupied = f.WriteBlock(run.data(), n);
+                    EXPECT_GT(occupied, n) << i;
+                    EXPECT_EQ(f.CurrentPos(), occupied) << i;
+                    f.WriteULong(0x0BADF00D);
+                    EXPECT_EQ(f.Status(), vSTREAM_OK) << i;
+                }
+                const Bytes disk = FileBytes(tmp.path);
+                EXPECT_EQ(LE32(&disk[0]), 0x0012AAB1UL) << i;
+                EXPECT_EQ(LE32(&disk[4]) + 8, occupied) << i;
+                vFILE f(tmp.Name(), vFILE_READONLY, cached);
+                Bytes back(n + 8, 0xEE);
+                EXPECT_EQ(f.ReadByteString(back.data(), n), (long)n) << i << cached << over;
+                EXPECT_EQ(f.UnCompressed(), 1) << i;
+                EXPECT_EQ(Bytes(back.begin(), back.begin() + n), run) << i << cached << over;
+                EXPECT_EQ(Bytes(back.begin() + n, back.end()), Bytes(8, 0xEE)) << i;
+                EXPECT_EQ(f.ReadULong(), 0x0BADF00DUL) << i;
+                EXPECT_EQ(f.Status(), vSTREAM_OK) << i;
+            }
+            // Compression off: a plain write, byte for byte.
+            TempFile tmp;
+            {
+                vFILE f(tmp.Name(), vFILE_WRITENEW, cached);
+                EXPECT_EQ(f.WriteBlock(run.data(), n), n) << i;
+            }
+            EXPECT_EQ(FileBytes(tmp.path), run) << i;
+            vFILE f(tmp.Name(), vFILE_READONLY, cached);
+            f.DetectCompressed(0);
+            Bytes back(n);
+            EXPECT_EQ(f.ReadByteString(back.data(), n), (long)n) << i;
+            EXPECT_EQ(back, run) << i;
+        }
+        // A memory stream never compresses and never expands: as stored, either way.
+        for (int compress = 0; compress < 2; ++compress) {
+            vMEMSTREAM m;
+            m.Compress(compress);
+            EXPECT_EQ(m.WriteBlock(run.data(), n), n) << i;
+            EXPECT_EQ(Bytes(m.Buffer(), m.Buffer() + m.Size()), run) << i;
+            m.MoveFromStart(0);
+            Bytes back(n);
+            EXPECT_EQ(m.ReadByteString(back.data(), n), (long)n) << i;
+            EXPECT_EQ(back, run) << i;
+        }
+    }
+}
