@@ -429,11 +429,18 @@ void WriteCodedBlock(vSTREAM& s, const unsigned char* raw, const unsigned char* 
 {
     // Only a compressed frame tells a reader that a block is coded. When the
     // stream keeps the coded block as it is (it would not shrink, or the
-    // stream never compresses), the block is written again uncoded in its place.
+    // stream never compresses), the block is written again uncoded in its place,
+    // unless those bytes would read as a frame: then only a frame of the coded
+    // block, however large, gives the rows back.
+    rlframe::ForgetWrite();
     unsigned long occupied = s.WriteBlock(coded, n);
-    if (occupied < n)
+    const rlframe::WriteResult wrote = rlframe::LastWrite(s);
+    if (wrote == rlframe::kWroteFrame || occupied != n)
         return;
     s.MoveFromCur(-(long)occupied);
+    if (wrote == rlframe::kWroteRaw && s.DetectingCompressed() && n >= kFrameHeader &&
+        rlframe::StartsWithMagic(raw) && rlframe::Peek(raw, n).frame && rlframe::WriteFrame(s, coded, n))
+        return;
     s.Compress(0);
     s.WriteBlock(raw, n);
     s.Compress(1);

@@ -80,6 +80,58 @@ TEST(NativeDibRead, FoundInputs)
     dibfuzz::Run(kPixelsThatAreAFrame, sizeof kPixelsThatAreAFrame);
 }
 
+TEST(NativeDibRead, RowsThatAreAFrameOfTheirOwnSizeComeBackAsWritten)
+{
+    // Found: rows whose bytes are a whole frame of exactly their size (8 bits,
+    // one block; 24 bits, whose difference-coded block does not shrink and
+    // was written again uncoded) were stored raw by a compressing file and
+    // read back as the frame's contents. The rows here are such a frame, one
+    // row high, from plain bytes that shrink and bytes that do not.
+    for (std::uint32_t seed = 1; seed < 40; ++seed) {
+        Rng rng(seed);
+        Bytes plain(200 + rng.Below(3000));
+        if (seed % 2)
+            rng.Fill(plain.data(), plain.size());
+        else
+            for (std::size_t i = 0; i < plain.size(); ++i)
+                plain[i] = (unsigned char)("rows of a frame "[i % 16] + (rng.Chance(9) ? 1 : 0));
+        Bytes frame(plain.size() * 2 + 100);
+        frame.resize(rlframe::Pack(plain.data(), (unsigned long)plain.size(), frame.data(),
+                                   (unsigned long)frame.size(), 1));
+        ASSERT_GT(frame.size(), 0u);
+        const std::uint16_t bits = frame.size() % 12 == 0 ? 24 : 8;
+        if (frame.size() % 4)
+            continue;
+        const std::uint32_t w = bits == 24 ? (std::uint32_t)frame.size() / 3 : (std::uint32_t)frame.size();
+        ASSERT_EQ(rldib::Stride(bits, w), frame.size());
+        Bytes v;
+        for (std::uint32_t x : {40u, w, 1u, 1u | (std::uint32_t)bits << 16, 0u, 0u, 0u, 0u, 0u, 0u})
+            Put32(v, x);
+        for (std::uint32_t i = 0; bits == 8 && i < 256; ++i)
+            Put32(v, i * 0x010101u);
+        v.insert(v.end(), frame.begin(), frame.end());
+
+        vMEMSTREAM m;
+        dibfuzz::Load(m, v);
+        oMEMDIB d(m, 0);
+        ASSERT_EQ(dibfuzz::Rows(d), frame) << seed;
+        for (int cached = 0; cached < 2; ++cached) {
+            const vSTRING name = dibfuzz::TempName("ownframe");
+            vFILE f(name, vFILE_WRITENEW, cached);
+            f.Compress(1);
+            d >> f;
+            f.Compress(0);
+            f.MoveFromStart(0);
+            oMEMDIB back(f, 0);
+            EXPECT_EQ(dibfuzz::Rows(back), frame) << seed << " bits " << bits << " cached " << cached;
+            f.MoveFromStart(0);
+            oSTREAMDIB carried(f, 0);
+            EXPECT_EQ(dibfuzz::Rows(carried), frame) << seed << " bits " << bits;
+        }
+        dibfuzz::Run(v.data(), v.size());
+    }
+}
+
 TEST(NativeDibRead, StoredFormsAndDamagedOnes)
 {
     Rng rng(31);

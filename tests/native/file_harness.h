@@ -189,9 +189,11 @@ inline bool FileAgainstModel(const unsigned char* bytes, size_t size)
                     else
                         m.WriteCached(run.data(), n2), want = n2;
                 } else if (m.limit == ~0UL && sc.Below(3) == 0 && n2 > 0) {
-                    // A compressing write: the frame when it is smaller, else raw.
-                    std::vector<unsigned char> framed(n2 + 8);
-                    unsigned long fn = rlframe::Pack(run.data(), n2, framed.data(), (unsigned long)framed.size());
+                    // A compressing write: the frame when it is smaller, else raw,
+                    // save for a run that would read as a frame: its own frame.
+                    std::vector<unsigned char> framed(2 * n2 + 100);
+                    const int always = rlframe::Peek(run.data(), n2).frame;
+                    unsigned long fn = rlframe::Pack(run.data(), n2, framed.data(), (unsigned long)framed.size(), always);
                     f.Compress(1);
                     got = f.WriteBlock(run.data(), n2);
                     f.Compress(0);

@@ -5,6 +5,13 @@
 #include <vector>
 #include "native_support.h"
 #include "streams/frame.h"
+#include "rl132/core/vstring.h"
+#include "rl132/streams/vfile.h"
+#include "rl132/streams/vmemstream.h"
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
 
 using namespace rlnative;
 
@@ -124,3 +131,69 @@ TEST(NativeFrame, AnythingThatDoesNotParseIsRaw)
 }
 
 } // namespace
+
+TEST(NativeFrame, RunsThatReadAsFramesAreWrittenAsTheirOwnFrames)
+{
+    // Found: a run that is itself a whole valid frame does not shrink and was
+    // stored raw, so a reader expanded it. Written through a compressing file,
+    // appended and over existing bytes, it must come back byte for byte, and
+    // the writer must say it left a frame; a memory stream keeps it as stored.
+    Rng rng(17);
+    const char* dir = std::getenv("TMPDIR");
+    const std::string path = std::string(dir && *dir ? dir : "/tmp") + "/rl132-frame-" + std::to_string((long)getpid());
+    const vSTRING name("%s", path.c_str());
+    for (int iter = 0; iter < 12; ++iter) {
+        Bytes plain = Words(rng, 50 + rng.Below(2000));
+        if (iter % 2)
+            rng.Fill(plain.data(), plain.size());
+        Bytes run(plain.size() * 2 + 100);
+        run.resize(rlframe::Pack(plain.data(), (unsigned long)plain.size(), run.data(), (unsigned long)run.size(), 1));
+        ASSERT_FALSE(run.empty());
+        ASSERT_TRUE(Judge(run, 0, nullptr).frame);
+        if (iter % 3 == 2)
+            run.insert(run.end(), 1 + rng.Below(30), 0x5A);   // a frame, then more of the run
+        const unsigned long n = (unsigned long)run.size();
+        for (int mode = 0; mode < 4; ++mode) {
+            const int cached = mode & 1, over = mode >> 1;
+            {
+                vFILE f(name, vFILE_WRITENEW, cached);
+                if (over) {
+                    Bytes old(2 * n + 200, 0x33);
+                    f.WriteBlock(old.data(), (unsigned long)old.size());
+                    f.MoveFromStart(0);
+                }
+                f.Compress(1);
+                rlframe::ForgetWrite();
+                EXPECT_GT(f.WriteBlock(run.data(), n), n);
+                EXPECT_EQ(rlframe::LastWrite(f), rlframe::kWroteFrame);
+                f.WriteULong(0x600DF00D);
+            }
+            vFILE f(name, vFILE_READONLY, cached);
+            Exact back(n);
+            EXPECT_EQ(f.ReadByteString(back.p, n), (long)n) << iter << " mode " << mode;
+            EXPECT_TRUE(std::equal(run.begin(), run.end(), back.p)) << iter << " mode " << mode;
+            EXPECT_EQ(f.ReadULong(), 0x600DF00DUL);
+            EXPECT_EQ(f.Status(), vSTREAM_OK);
+        }
+        vMEMSTREAM m;
+        m.Compress(1);
+        rlframe::ForgetWrite();
+        EXPECT_EQ(m.WriteBlock(run.data(), n), n);
+        EXPECT_EQ(rlframe::LastWrite(m), rlframe::kNotWritten);
+        m.MoveFromStart(0);
+        Exact back(n);
+        EXPECT_EQ(m.ReadByteString(back.p, n), (long)n);
+        EXPECT_TRUE(std::equal(run.begin(), run.end(), back.p));
+    }
+    // Ordinary runs still say what they left.
+    vFILE f(name, vFILE_WRITENEW, 1);
+    f.Compress(1);
+    Bytes words = Words(rng, 5000), noise(500);
+    rng.Fill(noise.data(), noise.size());
+    f.WriteBlock(words.data(), 5000);
+    EXPECT_EQ(rlframe::LastWrite(f), rlframe::kWroteFrame);
+    f.WriteBlock(noise.data(), 500);
+    EXPECT_EQ(rlframe::LastWrite(f), rlframe::kWroteRaw);
+    f.Close();
+    std::remove(path.c_str());
+}
