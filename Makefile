@@ -4,7 +4,7 @@ PREFIX  ?= $(CURDIR)/dist
 BUILD_TYPE ?= Release
 CMAKE_FLAGS ?=
 
-.PHONY: all setup configure build test demo install bench clean native-check fuzz
+.PHONY: all setup configure build test demo install bench bench-cairo clean native-check fuzz
 
 all: build
 
@@ -31,6 +31,17 @@ install: build
 
 bench: build
 	bash scripts/bench.sh $(BUILD)
+
+# The outline geometry timed natively beside Cairo stroking the same polyline
+# (an outside reference; needs libcairo2-dev, libcairo2-dev:i386 for the
+# default 32-bit native build). Not part of `make test`.
+bench-cairo:
+	cmake -S native -B $(NATIVE_BUILD) -G Ninja -DCMAKE_CXX_COMPILER=g++
+	cmake --build $(NATIVE_BUILD) -j2 --target stroke_bench
+	$(NATIVE_BUILD)/stroke_bench
+	@if grep -q 'cairo_stroke_bench:' $(NATIVE_BUILD)/build.ninja; then \
+	  cmake --build $(NATIVE_BUILD) -j2 --target cairo_stroke_bench && $(NATIVE_BUILD)/cairo_stroke_bench; \
+	else echo "bench-cairo: no cairo for this native build's width; Cairo's side skipped"; fi
 
 # The algorithmic kernels and the streams built for the host (32-bit x86, as
 # wide as the target; NATIVE_BITS=64 for the host's width) under

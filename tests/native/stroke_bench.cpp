@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <vector>
 #include "native_support.h"
+#include "stroke_bench_path.h"
 #include "stroke_drive.h"
 
 // The memory layer, for this program alone.
@@ -27,17 +28,10 @@ static double CpuSeconds()
 int main()
 {
     using namespace rlstroke;
-    const int kSegments = 100000;
-    rlnative::Rng rng(1);
+    using namespace rlnative;
+    const int kSegments = kBenchSegments;
     std::vector<GPOINT> pts;
-    double x = 0, y = 0, heading = 0;
-    for (int i = 0; i <= kSegments; ++i) {
-        pts.push_back(GPOINT{(std::int32_t)std::lround(x), (std::int32_t)std::lround(y)});
-        heading += ((double)rng.Below(1201) - 600) / 10 * 3.14159265358979 / 180;
-        double step = 5 + rng.Below(36);
-        x = std::fmod(x + step * std::cos(heading) + 30000, 30000.0);
-        y = std::fmod(y + step * std::sin(heading) + 30000, 30000.0);
-    }
+    BenchPolyline([&](std::int32_t x, std::int32_t y) { pts.push_back(GPOINT{x, y}); });
     struct Case {
         const char* name;
         int lineType, corner, dash;
