@@ -14,16 +14,10 @@
 #include <cstring>
 #include <vector>
 #include "rl132.h"
+#include "bench_compare.h"
 
 namespace {
 
-double Now()
-{
-    LARGE_INTEGER f, c;
-    QueryPerformanceFrequency(&f);
-    QueryPerformanceCounter(&c);
-    return (double)c.QuadPart / (double)f.QuadPart;
-}
 
 const long kSide = 2000;
 const int kCount = 100000;
@@ -99,13 +93,6 @@ void RawRects(HDC dc, const std::vector<SEGMENT>& v)
     }
 }
 
-template <class F> double Time(F f)
-{
-    double t0 = Now();
-    f();
-    GdiFlush();
-    return Now() - t0;
-}
 
 // Lines: a solid one-pixel line. Rectangles: a plain fill and no outline.
 void ForLines(vMEMDEVICE& d)
@@ -121,45 +108,8 @@ void ForRects(vMEMDEVICE& d)
     d.LineSpec(vLINESPEC(vLT_NONE, c, vINT(1L)));
 }
 
-struct RESULT {
-    double library, raw;   // median seconds
-    double ratio, low, high;
-};
 
-template <class L, class R> RESULT Compare(L library, R raw)
-{
-    std::vector<double> ratios, lib, bare;
-    for (int run = 0; run < kRuns; ++run) {
-        double tl, tr;
-        if (run % 2) {
-            tr = Time(raw);
-            tl = Time(library);
-        } else {
-            tl = Time(library);
-            tr = Time(raw);
-        }
-        lib.push_back(tl);
-        bare.push_back(tr);
-        ratios.push_back(tl / tr);
-    }
-    auto median = [](std::vector<double> v) {
-        std::sort(v.begin(), v.end());
-        return v[v.size() / 2];
-    };
-    RESULT r;
-    r.library = median(lib);
-    r.raw = median(bare);
-    r.ratio = median(ratios);
-    r.low = *std::min_element(ratios.begin(), ratios.end());
-    r.high = *std::max_element(ratios.begin(), ratios.end());
-    return r;
-}
 
-void Report(const char* what, const RESULT& r)
-{
-    printf("%-22s library %7.1f ms   bare GDI %7.1f ms   ratio %.3f (median of %d; %.3f to %.3f)\n", what,
-           r.library * 1e3, r.raw * 1e3, r.ratio, kRuns, r.low, r.high);
-}
 
 } // namespace
 
@@ -193,8 +143,8 @@ int main()
     // Timed on the one bitmap, through the device's own context.
     HDC dc = d.GetWinDC();
     ForLines(d);
-    Report("one-pixel lines", Compare([&] { LibraryLines(d, lines); }, [&] { RawLines(dc, lines); }));
+    bench::Report("one-pixel lines", bench::Compare(kRuns, [&] { LibraryLines(d, lines); }, [&] { RawLines(dc, lines); }));
     ForRects(d);
-    Report("filled rectangles", Compare([&] { LibraryRects(d, rects); }, [&] { RawRects(dc, rects); }));
+    bench::Report("filled rectangles", bench::Compare(kRuns, [&] { LibraryRects(d, rects); }, [&] { RawRects(dc, rects); }));
     return linesSame && rectsSame ? 0 : 1;
 }

@@ -14,16 +14,10 @@
 #include <vector>
 #include "devices/geom/bandplan.h"
 #include "rl132.h"
+#include "bench_compare.h"
 
 namespace {
 
-double Now()
-{
-    LARGE_INTEGER f, c;
-    QueryPerformanceFrequency(&f);
-    QueryPerformanceCounter(&c);
-    return (double)c.QuadPart / (double)f.QuadPart;
-}
 
 const long kSide = 1000;
 const int kFills = 20;
@@ -102,42 +96,8 @@ void Raw(HDC dc, const std::vector<BAND>& bands)
     }
 }
 
-template <class F> double Time(F f)
-{
-    double t0 = Now();
-    f();
-    GdiFlush();
-    return Now() - t0;
-}
 
-struct RESULT {
-    double library, raw, ratio, low, high;
-};
 
-template <class L, class R> RESULT Compare(L library, R raw)
-{
-    std::vector<double> ratios, lib, bare;
-    for (int run = 0; run < kRuns; ++run) {
-        double tl, tr;
-        if (run % 2) {
-            tr = Time(raw);
-            tl = Time(library);
-        } else {
-            tl = Time(library);
-            tr = Time(raw);
-        }
-        lib.push_back(tl);
-        bare.push_back(tr);
-        ratios.push_back(tl / tr);
-    }
-    auto median = [](std::vector<double> v) {
-        std::sort(v.begin(), v.end());
-        return v[v.size() / 2];
-    };
-    RESULT r = {median(lib), median(bare), median(ratios), *std::min_element(ratios.begin(), ratios.end()),
-                *std::max_element(ratios.begin(), ratios.end())};
-    return r;
-}
 
 } // namespace
 
@@ -169,7 +129,7 @@ int main()
             bool same = memcmp(d.GetDIB(), check.GetDIB(), d.BufferSize()) == 0;
             allSame = allSame && same;
             HDC dc = d.GetWinDC();
-            RESULT r = Compare([&] { Library(d, shape); }, [&] { Raw(dc, bands); });
+            bench::RESULT r = bench::Compare(kRuns, [&] { Library(d, shape); }, [&] { Raw(dc, bands); });
             printf("%-21s %-6s %3zu bands  library %7.1f ms  bare GDI %7.1f ms  ratio %.3f (median of %d; %.3f to "
                    "%.3f)  same pixels: %s\n",
                    k.name, quality ? "coarse" : "fine", bands.size(), r.library * 1e3, r.raw * 1e3, r.ratio, kRuns,

@@ -22,16 +22,10 @@
 #include "devices/geom/linestroke.h"
 #include "devices/geom/walk.h"
 #include "rl132.h"
+#include "bench_compare.h"
 
 namespace {
 
-double Now()
-{
-    LARGE_INTEGER f, c;
-    QueryPerformanceFrequency(&f);
-    QueryPerformanceCounter(&c);
-    return (double)c.QuadPart / (double)f.QuadPart;
-}
 
 const long kSide = 2000;
 const int kSegments = 100000;
@@ -200,53 +194,9 @@ void Bare(HDC dc, const JOB& job)
     }
 }
 
-template <class F> double Time(F f)
-{
-    double t0 = Now();
-    f();
-    GdiFlush();
-    return Now() - t0;
-}
 
-struct RESULT {
-    double library, raw;
-    double ratio, low, high;
-};
 
-template <class L, class R> RESULT Compare(L library, R raw)
-{
-    std::vector<double> ratios, lib, bare;
-    for (int run = 0; run < kRuns; ++run) {
-        double tl, tr;
-        if (run % 2) {
-            tr = Time(raw);
-            tl = Time(library);
-        } else {
-            tl = Time(library);
-            tr = Time(raw);
-        }
-        lib.push_back(tl);
-        bare.push_back(tr);
-        ratios.push_back(tl / tr);
-    }
-    auto median = [](std::vector<double> v) {
-        std::sort(v.begin(), v.end());
-        return v[v.size() / 2];
-    };
-    RESULT r;
-    r.library = median(lib);
-    r.raw = median(bare);
-    r.ratio = median(ratios);
-    r.low = *std::min_element(ratios.begin(), ratios.end());
-    r.high = *std::max_element(ratios.begin(), ratios.end());
-    return r;
-}
 
-void Report(const char* what, const RESULT& r)
-{
-    printf("%-26s library %8.1f ms   bare GDI %8.1f ms   ratio %.3f (median of %d; %.3f to %.3f)\n", what,
-           r.library * 1e3, r.raw * 1e3, r.ratio, kRuns, r.low, r.high);
-}
 
 void Clear(vMEMDEVICE& d)
 {
@@ -301,8 +251,8 @@ int main()
         bool same = memcmp(d.GetDIB(), check.GetDIB(), d.BufferSize()) == 0;
         allSame = allSame && same;
         HDC dc = d.GetWinDC();
-        RESULT r = Compare([&] { Library(d, job); }, [&] { Bare(dc, job); });
-        Report(job.name, r);
+        bench::RESULT r = bench::Compare(kRuns, [&] { Library(d, job); }, [&] { Bare(dc, job); });
+        bench::Report(job.name, r);
         if (!same)
             printf("  NOT the same pixels as the bare calls\n");
         libTotal += r.library;
