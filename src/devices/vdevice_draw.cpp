@@ -86,6 +86,26 @@ int vDEVICE::DrawRoundRect(const vRECT& rect, const vSIZE& corner)
     return RoundRectByShape(rect, corner);
 }
 
+namespace {
+
+typedef BOOL(WINAPI* PLAINFIGURE)(HDC, int, int, int, int);
+
+// Paints one figure with the brush through a null pen, then deletes the brush.
+int PaintPlain(HDC dc, HBRUSH brush, PLAINFIGURE figure, int left, int top, int right, int bottom)
+{
+    if (!brush)
+        return 0;
+    HGDIOBJ oldPen = SelectObject(dc, GetStockObject(NULL_PEN));
+    HGDIOBJ oldBrush = SelectObject(dc, brush);
+    int ok = figure(dc, left, top, right, bottom);
+    SelectObject(dc, oldBrush);
+    SelectObject(dc, oldPen);
+    DeleteObject(brush);
+    return ok != 0;
+}
+
+} // namespace
+
 // Plain fills paint through a null pen: a rectangle gets one more pixel to
 // the right and below than the ellipse of the same rectangle, so that the
 // rectangle covers both of its edges.
@@ -97,16 +117,8 @@ int vDEVICE::FillRect(const vRECT& rect)
     if (!dc)
         return 0;
     vRECT r = LPtoDP(rect);
-    HBRUSH brush = CreateBrush(fillSpec.Colour());
-    if (!brush)
-        return 0;
-    HGDIOBJ oldPen = SelectObject(dc, GetStockObject(NULL_PEN));
-    HGDIOBJ oldBrush = SelectObject(dc, brush);
-    int ok = Rectangle(dc, r.left(), r.top(), r.right() + 1, r.bottom() + 1);
-    SelectObject(dc, oldBrush);
-    SelectObject(dc, oldPen);
-    DeleteObject(brush);
-    return ok != 0;
+    return PaintPlain(dc, CreateBrush(fillSpec.Colour()), Rectangle, r.left(), r.top(), r.right() + 1,
+                      r.bottom() + 1);
 }
 
 int vDEVICE::FillEllipse(const vRECT& rect)
@@ -117,16 +129,7 @@ int vDEVICE::FillEllipse(const vRECT& rect)
     if (!dc)
         return 0;
     vRECT r = LPtoDP(rect);
-    HBRUSH brush = CreateBrush(fillSpec.Colour());
-    if (!brush)
-        return 0;
-    HGDIOBJ oldPen = SelectObject(dc, GetStockObject(NULL_PEN));
-    HGDIOBJ oldBrush = SelectObject(dc, brush);
-    int ok = Ellipse(dc, r.left(), r.top(), r.right(), r.bottom());
-    SelectObject(dc, oldBrush);
-    SelectObject(dc, oldPen);
-    DeleteObject(brush);
-    return ok != 0;
+    return PaintPlain(dc, CreateBrush(fillSpec.Colour()), Ellipse, r.left(), r.top(), r.right(), r.bottom());
 }
 
 // Outlines are never drawn with GDI's own pens on this road: the outline
