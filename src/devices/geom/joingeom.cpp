@@ -182,15 +182,20 @@ int AppendOriented(POLYLIST& list, const GPOINT* pts, int n)
 {
     if (n < 3)
         return 0;
+    GPOINT* w = list.Room(n + 1);
+    if (!w)
+        return list.Close(kMinPolygon);
+    const GPOINT* open = list.OpenStart();
     if (Shoelace(pts, n) > 0) {
         for (int i = n - 1; i >= 0; --i)
-            list.Add(pts[i]);
-        list.Add(pts[n - 1]);
+            POLYLIST::Put(w, open, pts[i]);
+        POLYLIST::Put(w, open, pts[n - 1]);
     } else {
         for (int i = 0; i < n; ++i)
-            list.Add(pts[i]);
-        list.Add(pts[0]);
+            POLYLIST::Put(w, open, pts[i]);
+        POLYLIST::Put(w, open, pts[0]);
     }
+    list.Written(w);
     return list.Close(kMinPolygon);
 }
 
