@@ -12,6 +12,7 @@
 #include "devices/geom/linestroke.h"
 #include "rl132/core/vnumber.h"
 #include "native_support.h"
+#include "stroke_bench_path.h"
 #include "stroke_drive.h"
 
 using namespace rlnative;
@@ -612,6 +613,81 @@ TEST(NativeStroke, AnyInputFinishes)
         std::int64_t bound = (std::int64_t)kCoordLimit + 3 * kMaxWidth;
         for (std::int32_t i = 0; i < l.NumPoints(); ++i)
             ASSERT_TRUE(std::abs((std::int64_t)l.Points()[i].x) <= bound && std::abs((std::int64_t)l.Points()[i].y) <= bound);
+    }
+}
+
+// FNV-1a (a word at a time) over everything an outline hands to GDI: points, counts and blocks.
+std::uint64_t OutputHash(const LINESTROKER& st)
+{
+    std::uint64_t h = 14695981039346656037ull;
+    auto mix = [&](std::int32_t v) {
+        h ^= (std::uint32_t)v;
+        h *= 1099511628211ull;
+    };
+    const POLYLIST& l = st.List();
+    mix(l.NumPoints());
+    for (std::int32_t i = 0; i < l.NumPoints(); ++i) {
+        mix(l.Points()[i].x);
+        mix(l.Points()[i].y);
+    }
+    mix(l.NumPolys());
+    for (std::int32_t i = 0; i < l.NumPolys(); ++i)
+        mix(l.Counts()[i]);
+    const BLOCKLIST& b = st.Blocks();
+    mix(b.NumBlocks());
+    for (std::int32_t i = 0; i < b.NumBlocks(); ++i) {
+        mix(b.Blocks()[i].kind);
+        mix(b.Blocks()[i].a.x);
+        mix(b.Blocks()[i].a.y);
+        mix(b.Blocks()[i].b.x);
+        mix(b.Blocks()[i].b.y);
+    }
+    return h;
+}
+
+// The benchmark's polyline in every form it is timed in, plus a walk with
+// long and extreme steps, gives the same output, point for point, as the
+// outline code did before its hot paths were tuned for speed.
+TEST(NativeStroke, BenchOutlinesArePinned)
+{
+    std::vector<GPOINT> pts;
+    BenchPolyline([&](std::int32_t x, std::int32_t y) { pts.push_back(GPOINT{x, y}); });
+    std::vector<GPOINT> wild;
+    Rng rng(5);
+    for (int i = 0; i < 4000; ++i) {
+        std::int32_t x = (std::int32_t)rng.Edgy(), y = (std::int32_t)rng.Edgy();
+        wild.push_back(rng.Chance(2) ? GPOINT{x % 70000, y % 70000} : GPOINT{x, y});
+    }
+    struct Case {
+        int lineType, corner, dash;
+        std::int32_t width;
+        std::uint32_t rgb;
+        std::uint64_t bench, wild;
+    } cases[] = {
+        {1, 2, 0, 1, 0x000000, 0x323B3B36AEDCFAFBull, 0x218B4C93FA107209ull},
+        {1, 2, 0, 3, 0x000000, 0x323B3B36AEDCFAFBull, 0x218B4C93FA107209ull},
+        {1, 2, 0, 3, 0x808080, 0xCB124BE853918659ull, 0xEF60B0DC1332C7AFull},
+        {1, 0, 0, 12, 0x000000, 0x266A8F93BC24CE70ull, 0xA22D6C3F850EEE65ull},
+        {1, 1, 1, 12, 0x000000, 0x6AA5F5A89E8625C9ull, 0xA5C900812A12CCB2ull},
+        {4, 0, 0, 12, 0x000000, 0xA66C07A0114E4D2Aull, 0x7F08B1DCDD741983ull},
+        {4, 2, 1, 12, 0x000000, 0x2AF5374058D54507ull, 0xCEBAF2E3FD21CCA1ull},
+        {4, 1, 0, 7, 0x000000, 0x42037E55F00A80D7ull, 0xD6663EE60AB6B31Dull},
+        {2, 1, 1, 31, 0x000000, 0x5BE612768793994Full, 0x4502B4FB85279901ull},
+    };
+    LINESTROKER st;
+    for (const Case& c : cases) {
+        LINEPARAMS p = Params(c.lineType, c.width, c.corner, c.dash, c.rgb);
+        const unsigned char pattern[6] = {5, 3, 3, 3, 0, 0};
+        for (int i = 0; i < 6; ++i)
+            p.pattern[i] = pattern[i];
+        st.Init(p);
+        StrokePolyline(st, pts.data(), (int)pts.size(), false);
+        std::uint64_t hb = OutputHash(st);
+        st.Init(p);
+        StrokePolyline(st, wild.data(), (int)wild.size(), true);
+        std::uint64_t hw = OutputHash(st);
+        EXPECT_EQ(hb, c.bench) << c.lineType << " " << c.width;
+        EXPECT_EQ(hw, c.wild) << c.lineType << " " << c.width;
     }
 }
 

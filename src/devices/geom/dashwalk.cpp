@@ -17,10 +17,15 @@ int LINESTROKER::DottedLineSegment(const GPOINT* p)
     if (s == e)
         return 0;
     std::int32_t dx = e.x - s.x, dy = e.y - s.y;
-    std::int32_t len = CalcDist(s, e);
+    // The offsets' root is the length's: one square root serves both.
+    std::int32_t len;
     OFFSETS o = {0, 0, 0, 0};
-    if (st_.method == kMethodPolygons)
+    if (st_.method == kMethodPolygons) {
         o = Offsets(dx, dy);
+        len = OffsetsLength();
+    } else {
+        len = CalcDist(s, e);
+    }
     // |dx|, |dy| < 2^20 and t <= L < 2^21: the products fit 64 bits easily,
     // and 32 bits for a segment shorter than 2^15 on both axes (t·|d| < 2^31).
     bool narrow = Abs32(dx) < 0x8000 && Abs32(dy) < 0x8000;

@@ -167,8 +167,13 @@ int ARCCACHE::Append(POLYLIST& list, GPOINT centre, unsigned char mask)
     GPOINT* w = list.Room(n);
     if (!w || n == 0)
         return 0;
-    for (std::int32_t i = 0; i < n; ++i)
-        w[i] = GPOINT{centre.x + off_[slot][i].x, centre.y + off_[slot][i].y};
+    // Locals, so the stores into the list need not reload the table.
+    const GPOINT* from = off_[slot];
+    const std::int32_t cx = centre.x, cy = centre.y;
+    for (std::int32_t i = 0; i < n; ++i) {
+        GPOINT o = from[i];
+        w[i] = GPOINT{cx + o.x, cy + o.y};
+    }
     list.Written(w + n);
     return list.Close(kMinPolygon);
 }
@@ -177,15 +182,20 @@ int AppendOriented(POLYLIST& list, const GPOINT* pts, int n)
 {
     if (n < 3)
         return 0;
+    GPOINT* w = list.Room(n + 1);
+    if (!w)
+        return list.Close(kMinPolygon);
+    const GPOINT* open = list.OpenStart();
     if (Shoelace(pts, n) > 0) {
         for (int i = n - 1; i >= 0; --i)
-            list.Add(pts[i]);
-        list.Add(pts[n - 1]);
+            POLYLIST::Put(w, open, pts[i]);
+        POLYLIST::Put(w, open, pts[n - 1]);
     } else {
         for (int i = 0; i < n; ++i)
-            list.Add(pts[i]);
-        list.Add(pts[0]);
+            POLYLIST::Put(w, open, pts[i]);
+        POLYLIST::Put(w, open, pts[0]);
     }
+    list.Written(w);
     return list.Close(kMinPolygon);
 }
 

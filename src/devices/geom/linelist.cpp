@@ -64,7 +64,7 @@ bool POLYLIST::GrowPoints(std::int32_t more)
     return Grow(points_, capacity_, count_ + more);
 }
 
-int POLYLIST::Close(std::int32_t minPoints)
+int POLYLIST::CloseSlow(std::int32_t minPoints)
 {
     std::int32_t n = count_ - start_;
     if (failed_ || n < minPoints || (npolys_ == countCapacity_ && !Grow(counts_, countCapacity_, npolys_ + 1))) {

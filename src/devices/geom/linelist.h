@@ -39,7 +39,15 @@ public:
     // Ends the polygon being built: its count is stored when it has at least
     // minPoints points, and it is dropped otherwise (and when memory ran out
     // while it was built). Returns 1 when a polygon was stored, else 0.
-    int Close(std::int32_t minPoints);
+    int Close(std::int32_t minPoints)
+    {
+        std::int32_t n = count_ - start_;
+        if (failed_ || n < minPoints || npolys_ == countCapacity_)
+            return CloseSlow(minPoints);
+        counts_[npolys_++] = n;
+        start_ = count_;
+        return 1;
+    }
     // Bulk writing, for the hot paths: Room(n) makes space for n more points
     // and returns where they go (null when memory ran out); the writer stores
     // them with Put, which drops duplicates as Add does, and hands the end
@@ -75,6 +83,7 @@ public:
 private:
     template <class T> bool Grow(T*& array, std::int32_t& capacity, std::int32_t need);
     bool GrowPoints(std::int32_t more);
+    int CloseSlow(std::int32_t minPoints);
 
     GPOINT* points_;
     std::int32_t count_, capacity_;

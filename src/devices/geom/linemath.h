@@ -87,6 +87,14 @@ inline std::int64_t MulDivRound64(std::int64_t a, std::int64_t b, std::int64_t c
 {
     std::int64_t p = a * b;
     std::int64_t half = (c < 0 ? -c : c) / 2;
+    // Small enough for 32 bits (|p| + half and |c| below 2^31): the same
+    // quotient from one native division, where a 32-bit processor would
+    // otherwise call the library's 64-bit one.
+    const std::int64_t k30 = (std::int64_t)1 << 30;
+    if (p > -k30 && p < k30 && c > -k30 && c < k30) {
+        std::int32_t p32 = (std::int32_t)p, c32 = (std::int32_t)c, h32 = (std::int32_t)half;
+        return ((p32 < 0) != (c32 < 0)) ? (p32 - h32) / c32 : (p32 + h32) / c32;
+    }
     return ((p < 0) != (c < 0)) ? (p - half) / c : (p + half) / c;
 }
 
@@ -113,27 +121,36 @@ struct OFFSETS {
 // dx and dy are exact differences of clamped points (below 2^20), not cut to
 // 16 bits: a segment longer than 32,767 pixels on an axis keeps its direction.
 // dx = dy = 0 is the caller's to avoid.
-inline OFFSETS PerpOffsets(std::int32_t dx, std::int32_t dy, std::int32_t w)
+// *len receives the rounded length, CalcDist's value for the same difference.
+inline OFFSETS PerpOffsets(std::int32_t dx, std::int32_t dy, std::int32_t w, std::int32_t* len = nullptr)
 {
     std::int32_t px, py;
     if (dx == 0) {
         px = w;
         py = 0;
+        if (len)
+            *len = Abs32(dy);
     } else if (dy == 0) {
         px = 0;
         py = w;
+        if (len)
+            *len = Abs32(dx);
     } else {
         std::uint32_t ax = (std::uint32_t)Abs32(dx), ay = (std::uint32_t)Abs32(dy);
         if (ax < 0x8000u && ay < 0x8000u) {
             // Both below 2^15: the sum of squares and w × |d| (w < 2^15)
             // stay below 2^31, so everything stays in 32 bits.
-            std::uint32_t len = IntSqrt(ax * ax + ay * ay);
-            px = (std::int32_t)(((std::uint32_t)w * ay + len / 2) / len);
-            py = (std::int32_t)((ax * (std::uint32_t)w + len / 2) / len);
+            std::uint32_t l = IntSqrt(ax * ax + ay * ay);
+            px = (std::int32_t)(((std::uint32_t)w * ay + l / 2) / l);
+            py = (std::int32_t)((ax * (std::uint32_t)w + l / 2) / l);
+            if (len)
+                *len = (std::int32_t)l;
         } else {
-            std::uint64_t len = IntSqrt((std::uint64_t)ax * ax + (std::uint64_t)ay * ay);
-            px = (std::int32_t)(((std::uint64_t)w * ay + len / 2) / len);
-            py = (std::int32_t)(((std::uint64_t)ax * w + len / 2) / len);
+            std::uint64_t l = IntSqrt((std::uint64_t)ax * ax + (std::uint64_t)ay * ay);
+            px = (std::int32_t)(((std::uint64_t)w * ay + l / 2) / l);
+            py = (std::int32_t)(((std::uint64_t)ax * w + l / 2) / l);
+            if (len)
+                *len = (std::int32_t)l;
         }
     }
     OFFSETS o;

@@ -45,7 +45,7 @@ void LINESTROKER::Init(const LINEPARAMS& params)
 {
     InitLineState(params, &st_);
     arc_.Reset(st_.radius, st_.circle);
-    cacheDx_ = cacheDy_ = 0; // never asked: a piece has a direction
+    cacheDx_ = cacheDy_ = cacheLen_ = 0; // never asked: a piece has a direction
     cacheOff_ = OFFSETS{0, 0, 0, 0};
     contourOpen_ = anyRun_ = inRun_ = startCapPending_ = false;
     first_ = runFrom_ = runEnd_ = startCapFrom_ = GPOINT{0, 0};

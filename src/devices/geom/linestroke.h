@@ -100,14 +100,16 @@ private:
         if (dx != cacheDx_ || dy != cacheDy_) {
             cacheDx_ = dx;
             cacheDy_ = dy;
-            cacheOff_ = PerpOffsets(dx, dy, st_.width);
+            cacheOff_ = PerpOffsets(dx, dy, st_.width, &cacheLen_);
         }
         return cacheOff_;
     }
+    // The rounded length of the direction Offsets was last asked about.
+    std::int32_t OffsetsLength() const { return cacheLen_; }
 
     LINESTATE st_;
     ARCCACHE arc_;
-    std::int32_t cacheDx_, cacheDy_;
+    std::int32_t cacheDx_, cacheDy_, cacheLen_;
     OFFSETS cacheOff_;
     POLYLIST list_;
     BLOCKLIST blocks_;
