@@ -45,7 +45,7 @@ long Rand(long n)
 
 struct JOB {
     const char* name;
-    vLINESPEC spec;
+    vLINESPEC style;
     std::vector<vSHAPE*> shapes;
     // Captured output, per shape: its contours' GDI calls.
     struct CONTOUR {
@@ -125,12 +125,12 @@ struct CAPTURE : rlgeom::WALKSINK {
 void Capture(JOB& job)
 {
     rlstroke::LINEPARAMS p;
-    p.lineType = job.spec.LineType();
-    p.cornerType = job.spec.CornerType();
-    p.dashType = job.spec.DashType();
+    p.lineType = job.style.LineType();
+    p.cornerType = job.style.CornerType();
+    p.dashType = job.style.DashType();
     for (unsigned short i = 0; i < 6; ++i)
-        p.pattern[i] = job.spec.Pattern(i);
-    p.width = job.spec.Width()();
+        p.pattern[i] = job.style.Pattern(i);
+    p.width = job.style.Width()();
     p.fastUpdate = 0;
     p.deviceType = 0;
     p.nearestRGB = kRgb;
@@ -217,22 +217,22 @@ int main()
     vCOLOUR black(0, 0, 0);
     JOB jobs[6];
     jobs[0].name = "polyline, width 1";
-    jobs[0].spec = vLINESPEC(vLT_SOLID, black, vINT(1L), (vCORNERTYPE)0, (vDASHTYPE)0);
+    jobs[0].style = vLINESPEC(vLT_SOLID, black, vINT(1L), (vCORNERTYPE)0, (vDASHTYPE)0);
     jobs[1].name = "polyline, width 3";
-    jobs[1].spec = vLINESPEC(vLT_SOLID, black, vINT(3L), (vCORNERTYPE)0, (vDASHTYPE)0);
+    jobs[1].style = vLINESPEC(vLT_SOLID, black, vINT(3L), (vCORNERTYPE)0, (vDASHTYPE)0);
     jobs[2].name = "polyline, width 12 round";
-    jobs[2].spec = vLINESPEC(vLT_SOLID, black, vINT(12L), (vCORNERTYPE)0, (vDASHTYPE)0);
+    jobs[2].style = vLINESPEC(vLT_SOLID, black, vINT(12L), (vCORNERTYPE)0, (vDASHTYPE)0);
     jobs[3].name = "polyline, width 12 dashed";
-    jobs[3].spec = vLINESPEC(vLT_DASH2, black, vINT(12L), (vCORNERTYPE)0, (vDASHTYPE)0);
+    jobs[3].style = vLINESPEC(vLT_DASH2, black, vINT(12L), (vCORNERTYPE)0, (vDASHTYPE)0);
     for (int i = 0; i < 4; ++i) {
         g_seed = 99;
         Polyline(jobs[i]);
     }
     jobs[4].name = "10,000 ellipses, width 5";
-    jobs[4].spec = vLINESPEC(vLT_SOLID, black, vINT(5L), (vCORNERTYPE)0, (vDASHTYPE)0);
+    jobs[4].style = vLINESPEC(vLT_SOLID, black, vINT(5L), (vCORNERTYPE)0, (vDASHTYPE)0);
     Ellipses(jobs[4]);
     jobs[5].name = "10,000 curves, width 5";
-    jobs[5].spec = vLINESPEC(vLT_SOLID, black, vINT(5L), (vCORNERTYPE)0, (vDASHTYPE)0);
+    jobs[5].style = vLINESPEC(vLT_SOLID, black, vINT(5L), (vCORNERTYPE)0, (vDASHTYPE)0);
     Curves(jobs[5]);
 
     printf("outlines on a %ld x %ld memory device, %u bits per pixel\n", kSide, kSide, d.BitsPerPixel());
@@ -242,7 +242,7 @@ int main()
     for (JOB& job : jobs) {
         Capture(job);
         d.FillSpec(vFILLSPEC(vFT_NONE));
-        d.LineSpec(job.spec);
+        d.LineSpec(job.style);
         Clear(d);
         Clear(check);
         Library(d, job);

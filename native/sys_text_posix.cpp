@@ -65,21 +65,21 @@ void FormatBare(char* out, const char* format)
         p = q + 1;
         if (type == 'c' || type == 'C')
             break;
-        char spec[32];
+        char conv[32];
         char piece[kFormatBuffer + 1];
         int made;
         if (type == 'd' || type == 'i' || type == 'u' || type == 'x' || type == 'X') {
             char digits[16] = "";
             if (precision >= 0)
                 std::snprintf(digits, sizeof digits, ".%d", precision);
-            std::snprintf(spec, sizeof spec, "%%%s%s%s%d%s%c", left ? "-" : "",
+            std::snprintf(conv, sizeof conv, "%%%s%s%s%d%s%c", left ? "-" : "",
                           alternate && (type == 'x' || type == 'X') ? "#" : "",
                           zeros && precision < 0 ? "0" : "", width, digits, type == 'i' ? 'd' : type);
-            made = std::snprintf(piece, sizeof piece, spec, 0u);
+            made = std::snprintf(piece, sizeof piece, conv, 0u);
         } else if (type == 's' || type == 'S') {
-            std::snprintf(spec, sizeof spec, "%%%s%d.%ds", left ? "-" : "", width,
+            std::snprintf(conv, sizeof conv, "%%%s%d.%ds", left ? "-" : "", width,
                           precision < 0 ? kFormatBuffer : precision);
-            made = std::snprintf(piece, sizeof piece, spec, "(null)");
+            made = std::snprintf(piece, sizeof piece, conv, "(null)");
         } else {
             piece[0] = type;
             made = 1;

@@ -1,7 +1,7 @@
 // Realised fonts: the metrics, width table and kerning cache of a font
-// specification on a device, and the system's typeface records.
+// description on a device, and the system's typeface records.
 //
-// A detail's font is realised from its specification as follows (device
+// A detail's font is realised from its description as follows (device
 // pixels throughout):
 //   height       the em height: a point size at the device's vertical
 //                resolution (MulDiv(points, LOGPIXELSY, 72)), a pixel height
@@ -64,7 +64,7 @@ vFONTDETAIL::vFONTDETAIL()
 
 vFONTDETAIL::vFONTDETAIL(const vFONTSPEC& s, const vDEVICE& d) : vFONTDETAIL()
 {
-    spec = s;
+    desc = s;
     device = const_cast<vDEVICE*>(&d);
 }
 
@@ -103,7 +103,7 @@ void vFONTDETAIL::Free()
 // A table that cannot be copied is left to be read again on first need.
 void vFONTDETAIL::CopyFrom(const vFONTDETAIL& o)
 {
-    spec = o.spec;
+    desc = o.desc;
     height = o.height;
     ascent = o.ascent;
     descent = o.descent;
@@ -136,7 +136,7 @@ void vFONTDETAIL::CopyFrom(const vFONTDETAIL& o)
 
 int vFONTDETAIL::operator==(const vFONTSPEC& s) const
 {
-    return spec == s;
+    return desc == s;
 }
 
 int vFONTDETAIL::BuildLogFont(LOGFONTA& lf)
@@ -147,10 +147,10 @@ int vFONTDETAIL::BuildLogFont(LOGFONTA& lf)
 
     long h;
     long devDpi = device->DevUnitsPerVertInch()();
-    if (!spec.Pixels())
-        h = MulDiv(spec.PointSizeField()(), devDpi, 72);
+    if (!desc.Pixels())
+        h = MulDiv(desc.PointSizeField()(), devDpi, 72);
     else
-        h = MulDiv(spec.PixelHeightField()(), devDpi, ScreenPixelsY());
+        h = MulDiv(desc.PixelHeightField()(), devDpi, ScreenPixelsY());
     vREAL ratio = device->GetFontRatio();
     if (ratio != vREAL(1))
         h = RoundRaw((long long)h * ratio());
@@ -158,11 +158,11 @@ int vFONTDETAIL::BuildLogFont(LOGFONTA& lf)
     lf.lfWidth = charWidth;
 
     // Tenths of a degree, rounded half away from zero.
-    long tenths = RoundRaw((long long)spec.Angle()() * 10);
+    long tenths = RoundRaw((long long)desc.Angle()() * 10);
     lf.lfEscapement = tenths;
     lf.lfOrientation = tenths;
 
-    int style = spec.Style();
+    int style = desc.Style();
     lf.lfWeight = (style & vFS_BOLD) ? FW_BOLD : FW_NORMAL;
     lf.lfItalic = (style & vFS_ITALIC) ? 1 : 0;
     lf.lfUnderline = (style & vFS_UNDERLINE) ? 1 : 0;
@@ -172,7 +172,7 @@ int vFONTDETAIL::BuildLogFont(LOGFONTA& lf)
     lf.lfClipPrecision = CLIP_DEFAULT_PRECIS;
     lf.lfQuality = DEFAULT_QUALITY;
     lf.lfPitchAndFamily = DEFAULT_PITCH | FF_DONTCARE;
-    const char* name = spec.Name()();
+    const char* name = desc.Name()();
     if (name)
         lstrcpynA(lf.lfFaceName, name, LF_FACESIZE);
     return 1;
@@ -184,7 +184,7 @@ void vFONTDETAIL::ResolveWidth(HDC dc)
 {
     if (charWidthKnown)
         return;
-    long e = spec.Expansion()();
+    long e = desc.Expansion()();
     if (e == 0 || e == 0x10000) {
         charWidth = 0;
         charWidthKnown = 1;

@@ -1,4 +1,4 @@
-// Font specifications (see vfontspec.h).
+// Font descriptions (see vfontspec.h).
 #include <windows.h>
 #include "rl132/attributes/vfontspec.h"
 #include "rl132/core/vtrace.h"

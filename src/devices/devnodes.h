@@ -10,14 +10,14 @@ struct vDEVICE::CLIPNODE {
 };
 
 struct vDEVICE::LINENODE {
-    LINENODE(const vLINESPEC& s, LINENODE* n) : spec(s), next(n) {}
-    vLINESPEC spec;
+    LINENODE(const vLINESPEC& s, LINENODE* n) : style(s), next(n) {}
+    vLINESPEC style;
     LINENODE* next;
 };
 
 struct vDEVICE::FILLNODE {
-    FILLNODE(const vFILLSPEC& s, FILLNODE* n) : spec(s), next(n) {}
-    vFILLSPEC spec;
+    FILLNODE(const vFILLSPEC& s, FILLNODE* n) : style(s), next(n) {}
+    vFILLSPEC style;
     FILLNODE* next;
 };
 

@@ -45,21 +45,21 @@ int LINEINFO::Init(vDEVICE& device)
     dc = device.ActivateDC();
     if (!dc)
         return 0;
-    const vLINESPEC& spec = device.lineSpec;
+    const vLINESPEC& style = device.lineSpec;
     rlstroke::LINEPARAMS params;
-    params.lineType = spec.LineType();
-    params.cornerType = spec.CornerType();
-    params.dashType = spec.DashType();
+    params.lineType = style.LineType();
+    params.cornerType = style.CornerType();
+    params.dashType = style.DashType();
     for (unsigned short i = 0; i < 6; ++i)
-        params.pattern[i] = spec.Pattern(i);
-    params.width = device.LHtoDH(spec.Width())();
+        params.pattern[i] = style.Pattern(i);
+    params.width = device.LHtoDH(style.Width())();
     fast = g_devState.fastUpdate;
     params.fastUpdate = fast;
     params.deviceType = device.DeviceType();
-    COLORREF nearest = (COLORREF)device.NearestColour(spec.Colour()).PackedRGB();
+    COLORREF nearest = (COLORREF)device.NearestColour(style.Colour()).PackedRGB();
     params.nearestRGB = nearest;
     stroker.Init(params);
-    colour = (COLORREF)spec.Colour().PackedRGB();
+    colour = (COLORREF)style.Colour().PackedRGB();
     failed = 0;
     pen = nullptr;
     brush = nullptr;
@@ -73,7 +73,7 @@ int LINEINFO::Init(vDEVICE& device)
             oldPen = (HPEN)SelectObject(dc, GetStockObject(BLACK_PEN));
             oldBrush = (HBRUSH)SelectObject(dc, GetStockObject(NULL_BRUSH));
         } else {
-            if ((brush = device.CreateBrush(spec.Colour())) == nullptr) {
+            if ((brush = device.CreateBrush(style.Colour())) == nullptr) {
                 SetPolyFillMode(dc, oldFillMode);
                 return 0;
             }
@@ -91,7 +91,7 @@ int LINEINFO::Init(vDEVICE& device)
         }
         break;
     default:
-        if ((brush = device.CreateBrush(spec.Colour())) == nullptr)
+        if ((brush = device.CreateBrush(style.Colour())) == nullptr)
             return 0;
         oldBrush = (HBRUSH)SelectObject(dc, brush);
         break;

@@ -16,7 +16,7 @@ public:
     ~LINEINFO() {}
 
     // Starts one outline on the device's active context with its current line
-    // specification: the method from the width and colour, its pen or brush
+    // style: the method from the width and colour, its pen or brush
     // selected. 0 when the device has no context or a drawing object could
     // not be made; Term is then not needed.
     int Init(vDEVICE& device);

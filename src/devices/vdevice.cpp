@@ -1,5 +1,5 @@
-// The drawing device: construction, the logical-to-device mapping, the line,
-// fill and font specifications with their stacks, and colour separation.
+// The drawing device: construction, the logical-to-device mapping, the line
+// style, fill style and font with their stacks, and colour separation.
 // The context protocol and clipping are in vdevice_dc.cpp, the drawing
 // members in vdevice_draw.cpp, the text output in vdevice_text.cpp.
 #include <windows.h>
@@ -267,21 +267,21 @@ int vDEVICE::PaletteFlag() const
     return paletteFlag;
 }
 
-// ---- specifications and their stacks -----------------------------------------
+// ---- styles, fonts and their stacks -------------------------------------------
 
 // The stored line carries the converted colour. Rebuilding it through the
 // constructor keeps the line type's own rules: stock dash types get their
 // pattern, only a user pattern is copied, and "no line" has no width.
-void vDEVICE::LineSpec(const vLINESPEC& spec)
+void vDEVICE::LineSpec(const vLINESPEC& style)
 {
     int shows = visible;
-    vCOLOUR colour = Convert(spec.Colour(), &shows, nullptr);
+    vCOLOUR colour = Convert(style.Colour(), &shows, nullptr);
     visible = shows;
     unsigned char pattern[vLINESPEC::PATTERN_SIZE];
     for (unsigned short i = 0; i < vLINESPEC::PATTERN_SIZE; ++i)
-        pattern[i] = spec.Pattern(i);
-    lineSpec = vLINESPEC(spec.LineType(), colour, spec.Width(), spec.CornerType(), spec.DashType(),
-                         spec.LineType() == vLT_USER ? pattern : nullptr);
+        pattern[i] = style.Pattern(i);
+    lineSpec = vLINESPEC(style.LineType(), colour, style.Width(), style.CornerType(), style.DashType(),
+                         style.LineType() == vLT_USER ? pattern : nullptr);
 }
 
 const vLINESPEC& vDEVICE::LineSpec()
@@ -291,18 +291,18 @@ const vLINESPEC& vDEVICE::LineSpec()
 
 // The second colour is converted first, so that the visible flag ends up
 // saying whether the first one shows.
-void vDEVICE::FillSpec(const vFILLSPEC& spec)
+void vDEVICE::FillSpec(const vFILLSPEC& style)
 {
     oDIB* dib = nullptr;
-    if (spec.Bitmap(&dib)) {
-        fillSpec = spec;
+    if (style.Bitmap(&dib)) {
+        fillSpec = style;
         return;
     }
     int shows = visible;
-    vCOLOUR to = Convert(spec.ColourTo(), &shows, nullptr);
-    vCOLOUR from = Convert(spec.ColourFrom(), &shows, nullptr);
+    vCOLOUR to = Convert(style.ColourTo(), &shows, nullptr);
+    vCOLOUR from = Convert(style.ColourFrom(), &shows, nullptr);
     visible = shows;
-    fillSpec = vFILLSPEC(spec.Type(), from, to, spec.Angle(), spec.Mode());
+    fillSpec = vFILLSPEC(style.Type(), from, to, style.Angle(), style.Mode());
 }
 
 const vFILLSPEC& vDEVICE::FillSpec()
@@ -328,7 +328,7 @@ int vDEVICE::PopLineSpec()
         return 0;
     lineTop = n->next;
     --lineDepth;
-    LineSpec(n->spec);
+    LineSpec(n->style);
     delete n;
     return 1;
 }
@@ -350,16 +350,16 @@ int vDEVICE::PopFillSpec()
         return 0;
     fillTop = n->next;
     --fillDepth;
-    FillSpec(n->spec);
+    FillSpec(n->style);
     delete n;
     return 1;
 }
 
-void vDEVICE::FontSpec(const vFONTSPEC& spec)
+void vDEVICE::FontSpec(const vFONTSPEC& desc)
 {
     ActivateDC();
-    fontSpec = spec;
-    SelectFontDetail(spec);
+    fontSpec = desc;
+    SelectFontDetail(desc);
 }
 
 const vFONTSPEC& vDEVICE::FontSpec()

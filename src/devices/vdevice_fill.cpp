@@ -42,10 +42,10 @@ int DitherLevel(unsigned v, int x, int y)
 
 // A DIB pattern brush of the fill's bitmap, taken as a packed DIB of its own
 // depth and colour table.
-HBRUSH BitmapBrush(const vFILLSPEC& spec)
+HBRUSH BitmapBrush(const vFILLSPEC& style)
 {
     oDIB* dib = nullptr;
-    if (!spec.Bitmap(&dib) || !dib)
+    if (!style.Bitmap(&dib) || !dib)
         return nullptr;
     unsigned long w = dib->Width(), h = dib->Height();
     unsigned bits = dib->BitCount();

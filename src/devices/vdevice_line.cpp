@@ -134,7 +134,7 @@ int vDEVICE::RoundRectByShape(const vRECT& rect, const vSIZE& corner)
 }
 
 // A shape replaces the clip area (a rectangle narrows it). Contours are
-// polygons under the fill rule of the fill specification.
+// polygons under the fill rule of the fill style.
 int vDEVICE::ClipAreaByShape(const vSHAPE& shape)
 {
     HDC dc = ActivateDC();

@@ -1,6 +1,6 @@
 // The device's text output and font cache.
 //
-// Text is drawn in the line colour with the current font specification
+// Text is drawn in the line colour with the current font description
 // realised as a system font (vFONTDETAIL). Three ways in:
 //   DrawTextOnLine  a run on a baseline from a point, optionally with the
 //                   distance from each character to the next given
@@ -12,7 +12,7 @@
 // rectangle placement uses the turned block's bounding box. In fast-update
 // mode text is drawn as glyph outlines, as shapes are.
 //
-// The font cache keeps one vFONTDETAIL per specification the device has
+// The font cache keeps one vFONTDETAIL per description the device has
 // used, most recently used first; the current one's font is selected into
 // the device's context while the device is active, and deleted when the
 // context goes (ClearFont).
@@ -87,7 +87,7 @@ vFONTDETAIL* vDEVICE::GetCurFontDetail()
     return curFont;
 }
 
-// The first entry is made for the specification the device starts with; its
+// The first entry is made for the description the device starts with; its
 // metrics are read when first needed, once the device can give a context of
 // its own (a constructor cannot yet: its sub-class is not there).
 void vDEVICE::InitFontCache()
@@ -107,9 +107,9 @@ void vDEVICE::FreeFontCache()
     curFont = nullptr;
 }
 
-int vDEVICE::SelectFontDetail(const vFONTSPEC& spec)
+int vDEVICE::SelectFontDetail(const vFONTSPEC& desc)
 {
-    if (curFont && *curFont == spec)
+    if (curFont && *curFont == desc)
         return 1;
     // The present font leaves the context before another one is current, or
     // nothing would delete it.
@@ -118,7 +118,7 @@ int vDEVICE::SelectFontDetail(const vFONTSPEC& spec)
 
     vFONTDETAIL* prev = nullptr;
     vFONTDETAIL* d = fontCache;
-    while (d && !(*d == spec)) {
+    while (d && !(*d == desc)) {
         prev = d;
         d = d->next;
     }
@@ -134,7 +134,7 @@ int vDEVICE::SelectFontDetail(const vFONTSPEC& spec)
     }
 
     vTrace(1, "vDEVICE - New Font");
-    d = new vFONTDETAIL(spec, *this);
+    d = new vFONTDETAIL(desc, *this);
     if (!d) {
         curFont = nullptr;
         return 0;

@@ -1,4 +1,4 @@
-// Font specifications: the two size forms and their conversion at the
+// Font descriptions: the two size forms and their conversion at the
 // screen's resolution, comparison, and the stream form byte for byte.
 #include <gtest/gtest.h>
 #include <cstring>
@@ -33,8 +33,8 @@ TEST(FontSpec, SizesInPointsOrPixels)
         vFONTSPEC g(vSTRING("x"), vFS_NORMAL, vINT(px), vREAL(0), 0, vFH_POINTS, vANGLE(0));
         EXPECT_EQ(g.Height()(), px ? (long)MulDiv((int)px, dpi, 72) : 0L) << px;
     }
-    // Setting one size field leaves the other: a point spec given a pixel
-    // height stays a point spec and reports the height it was given.
+    // Setting one size field leaves the other: a point size given a pixel
+    // height stays a point size and reports the height it was given.
     points.Height(vINT(20L));
     EXPECT_FALSE(points.Pixels());
     EXPECT_EQ(points.Height(), vINT(20L));

@@ -1,4 +1,4 @@
-// Fonts on a device: how a specification becomes a system font, the metrics
+// Fonts on a device: how a description becomes a system font, the metrics
 // and widths the detail reads (against the system's own answers for the same
 // font), kerning, the device's font cache with its trace lines, and the
 // typeface enumeration.
@@ -12,7 +12,7 @@ using namespace memtest;
 
 namespace {
 
-vFONTSPEC Spec(const char* face, int style, long size, vFONT_HEIGHT kind, vANGLE angle = vANGLE(0),
+vFONTSPEC FontOf(const char* face, int style, long size, vFONT_HEIGHT kind, vANGLE angle = vANGLE(0),
                vREAL expansion = vREAL(0))
 {
     return vFONTSPEC(vSTRING("%s", face), (vFONTSTYLE)style, vINT(size), expansion, 0, kind, angle);
@@ -61,7 +61,7 @@ LOGFONTA Expected(const char* face, long height, long width, long tenths, int we
 // Height from the point size at 96 pixels per inch (or the pixel height) as
 // the em height, style flags, the angle in rounded tenths, and the expansion
 // as a multiple of the face's own average width.
-TEST(Font, SpecificationRealisedAsSystemFont)
+TEST(Font, DescriptionRealisedAsSystemFont)
 {
     vMEMDEVICE d(vINT(10L), vINT(10L));
     LOGFONTA plain = Expected("DejaVu Sans", -16, 0, 0, FW_NORMAL, 0, 0, 0);
@@ -71,27 +71,27 @@ TEST(Font, SpecificationRealisedAsSystemFont)
     long wide = (tm.tmAveCharWidth * 3 + 1) / 2;   // × 1.5, rounded
 
     struct Case {
-        vFONTSPEC spec;
+        vFONTSPEC desc;
         LOGFONTA want;
     } const cases[] = {
-        {Spec("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS), plain},
-        {Spec("DejaVu Sans", vFS_NORMAL, 20, vFH_PIXELS), Expected("DejaVu Sans", -20, 0, 0, FW_NORMAL, 0, 0, 0)},
-        {Spec("DejaVu Serif", vFS_BOLD | vFS_ITALIC, 9, vFH_POINTS),
+        {FontOf("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS), plain},
+        {FontOf("DejaVu Sans", vFS_NORMAL, 20, vFH_PIXELS), Expected("DejaVu Sans", -20, 0, 0, FW_NORMAL, 0, 0, 0)},
+        {FontOf("DejaVu Serif", vFS_BOLD | vFS_ITALIC, 9, vFH_POINTS),
          Expected("DejaVu Serif", -12, 0, 0, FW_BOLD, 1, 0, 0)},
-        {Spec("x", vFS_UNDERLINE | vFS_STRIKEOUT, 7, vFH_PIXELS), Expected("x", -7, 0, 0, FW_NORMAL, 0, 1, 1)},
-        {Spec("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS, vANGLE(45)), Expected("DejaVu Sans", -16, 0, 450, FW_NORMAL, 0, 0, 0)},
-        {Spec("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS, vANGLE(12.34)), Expected("DejaVu Sans", -16, 0, 123, FW_NORMAL, 0, 0, 0)},
-        {Spec("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS, vANGLE(-30.06)), Expected("DejaVu Sans", -16, 0, -301, FW_NORMAL, 0, 0, 0)},
-        {Spec("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS, vANGLE(0), vREAL(1)), plain},
-        {Spec("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS, vANGLE(0), vREAL(1.5)),
+        {FontOf("x", vFS_UNDERLINE | vFS_STRIKEOUT, 7, vFH_PIXELS), Expected("x", -7, 0, 0, FW_NORMAL, 0, 1, 1)},
+        {FontOf("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS, vANGLE(45)), Expected("DejaVu Sans", -16, 0, 450, FW_NORMAL, 0, 0, 0)},
+        {FontOf("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS, vANGLE(12.34)), Expected("DejaVu Sans", -16, 0, 123, FW_NORMAL, 0, 0, 0)},
+        {FontOf("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS, vANGLE(-30.06)), Expected("DejaVu Sans", -16, 0, -301, FW_NORMAL, 0, 0, 0)},
+        {FontOf("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS, vANGLE(0), vREAL(1)), plain},
+        {FontOf("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS, vANGLE(0), vREAL(1.5)),
          Expected("DejaVu Sans", -16, wide, 0, FW_NORMAL, 0, 0, 0)},
         // Names longer than the system's face field are cut to 31 characters.
-        {Spec("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghij", vFS_NORMAL, 1, vFH_PIXELS),
+        {FontOf("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghij", vFS_NORMAL, 1, vFH_PIXELS),
          Expected("ABCDEFGHIJKLMNOPQRSTUVWXYZabcde", -1, 0, 0, FW_NORMAL, 0, 0, 0)},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.spec.Name()());
-        d.FontSpec(c.spec);
+        SCOPED_TRACE(c.desc.Name()());
+        d.FontSpec(c.desc);
         LOGFONTA got;
         ASSERT_EQ(d.GetCurFontDetail()->LogFont(got), 1);
         EXPECT_EQ(memcmp(&got, &c.want, sizeof got), 0)
@@ -113,12 +113,12 @@ TEST(Font, SpecificationRealisedAsSystemFont)
 TEST(Font, MetricsAndWidthsAreTheSystems)
 {
     vMEMDEVICE d(vINT(10L), vINT(10L));
-    const vFONTSPEC specs[] = {Spec("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS),
-                               Spec("DejaVu Serif", vFS_BOLD, 31, vFH_PIXELS),
-                               Spec("DejaVu Sans Mono", vFS_ITALIC, 8, vFH_POINTS, vANGLE(0), vREAL(2))};
-    for (const vFONTSPEC& spec : specs) {
-        SCOPED_TRACE(spec.Name()());
-        d.FontSpec(spec);
+    const vFONTSPEC fonts[] = {FontOf("DejaVu Sans", vFS_NORMAL, 12, vFH_POINTS),
+                               FontOf("DejaVu Serif", vFS_BOLD, 31, vFH_PIXELS),
+                               FontOf("DejaVu Sans Mono", vFS_ITALIC, 8, vFH_POINTS, vANGLE(0), vREAL(2))};
+    for (const vFONTSPEC& desc : fonts) {
+        SCOPED_TRACE(desc.Name()());
+        d.FontSpec(desc);
         vFONTDETAIL& f = *d.GetCurFontDetail();
         LOGFONTA lf;
         ASSERT_EQ(f.LogFont(lf), 1);
@@ -152,7 +152,7 @@ TEST(Font, MetricsAndWidthsAreTheSystems)
 TEST(Font, DetailMeasuresWithItsOwnFont)
 {
     vMEMDEVICE d(vINT(10L), vINT(10L));
-    vFONTSPEC big = Spec("DejaVu Serif", vFS_NORMAL, 40, vFH_PIXELS);
+    vFONTSPEC big = FontOf("DejaVu Serif", vFS_NORMAL, 40, vFH_PIXELS);
     vFONTDETAIL apart(big, d);
     LOGFONTA lf;
     ASSERT_EQ(apart.LogFont(lf), 1);
@@ -172,7 +172,7 @@ TEST(Font, DetailMeasuresWithItsOwnFont)
 TEST(Font, KerningPairsFromTheSystem)
 {
     vMEMDEVICE d(vINT(10L), vINT(10L));
-    d.FontSpec(Spec("DejaVu Serif", vFS_NORMAL, 60, vFH_PIXELS));
+    d.FontSpec(FontOf("DejaVu Serif", vFS_NORMAL, 60, vFH_PIXELS));
     vFONTDETAIL& f = *d.GetCurFontDetail();
     LOGFONTA lf;
     ASSERT_EQ(f.LogFont(lf), 1);
@@ -197,7 +197,7 @@ TEST(Font, KerningPairsFromTheSystem)
     EXPECT_GT(kerned, 0) << "the face has no kerning: the check proves little";
 }
 
-// The cache: a new specification is made and traced once; returning to one
+// The cache: a new description is made and traced once; returning to one
 // already made finds the same entry.
 TEST(Font, DeviceCacheFindsEntriesAgain)
 {
@@ -211,10 +211,10 @@ TEST(Font, DeviceCacheFindsEntriesAgain)
         EXPECT_TRUE(*first == d.FontSpec());
         EXPECT_EQ(first->FontSpec().Name(), vSTRING("Helv"));
 
-        vFONTSPEC a = Spec("DejaVu Sans", vFS_NORMAL, 10, vFH_POINTS);
-        vFONTSPEC b = Spec("DejaVu Sans", vFS_NORMAL, 10, vFH_POINTS, vANGLE(90));
+        vFONTSPEC a = FontOf("DejaVu Sans", vFS_NORMAL, 10, vFH_POINTS);
+        vFONTSPEC b = FontOf("DejaVu Sans", vFS_NORMAL, 10, vFH_POINTS, vANGLE(90));
         struct Step {
-            const vFONTSPEC* spec;  // null: the starting specification
+            const vFONTSPEC* desc;  // null: the starting description
             const char* trace;      // null: no cache line
         } const steps[] = {{&a, "vDEVICE - New Font"}, {&a, nullptr}, {&b, "vDEVICE - New Font"},
                            {&a, "vDEVICE::Found Font"}, {nullptr, "vDEVICE::Found Font"}, {&b, "vDEVICE::Found Font"}};
@@ -222,13 +222,13 @@ TEST(Font, DeviceCacheFindsEntriesAgain)
         std::vector<vFONTDETAIL*> seen;
         for (const Step& s : steps) {
             out.Clear();
-            d.FontSpec(s.spec ? *s.spec : start);
+            d.FontSpec(s.desc ? *s.desc : start);
             std::string text = out.Text();
             bool found = text.find("vDEVICE::Found Font") != std::string::npos;
             bool made = text.find("vDEVICE - New Font") != std::string::npos;
             EXPECT_EQ(found, s.trace && std::string(s.trace) == "vDEVICE::Found Font") << text;
             EXPECT_EQ(made, s.trace && std::string(s.trace) == "vDEVICE - New Font") << text;
-            EXPECT_TRUE(*d.GetCurFontDetail() == (s.spec ? *s.spec : start));
+            EXPECT_TRUE(*d.GetCurFontDetail() == (s.desc ? *s.desc : start));
             seen.push_back(d.GetCurFontDetail());
         }
         EXPECT_EQ(seen[0], seen[1]);
@@ -237,7 +237,7 @@ TEST(Font, DeviceCacheFindsEntriesAgain)
         EXPECT_EQ(seen[2], seen[5]);
         EXPECT_NE(seen[0], seen[2]);
 
-        // Push and pop bring the specification and its entry back.
+        // Push and pop bring the description and its entry back.
         d.PushFontSpec();
         d.FontSpec(a);
         d.PopFontSpec();

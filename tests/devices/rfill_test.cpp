@@ -466,8 +466,8 @@ TEST(FillRender, AnglesFrom360UpUseTheBoxItself)
     for (long degrees : {360L, 361L, 720L}) {
         SURFACE got(130, 110);
         DEVICE d(got.dc);
-        vFILLSPEC spec(vFT_LINEAR3, vCOLOUR(255, 0, 0), vCOLOUR(0, 0, 255), vANGLE::FromRaw(degrees << 16));
-        d.FillSpec(spec);
+        vFILLSPEC style(vFT_LINEAR3, vCOLOUR(255, 0, 0), vCOLOUR(0, 0, 255), vANGLE::FromRaw(degrees << 16));
+        d.FillSpec(style);
         d.LineSpec(vLINESPEC(vLT_NONE));
         EXPECT_EQ(d.DrawShape(Holed()), 1);
         EXPECT_TRUE(Same(got, base)) << degrees;

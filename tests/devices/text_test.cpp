@@ -19,9 +19,9 @@ const unsigned long kWhite = 0xFFFFFF;
 // The device with a font and the line colour set, and the oracle beside it
 // with the same font selected and the same text colour.
 struct SCENE {
-    SCENE(long w, long h, const vFONTSPEC& spec) : device(vINT(w), vINT(h)), oracle(nullptr), font(nullptr)
+    SCENE(long w, long h, const vFONTSPEC& desc) : device(vINT(w), vINT(h)), oracle(nullptr), font(nullptr)
     {
-        device.FontSpec(spec);
+        device.FontSpec(desc);
         device.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(200, 30, 40), vINT(1L)));
         oracle = new ORACLE(device, 0xFF);
         LOGFONTA lf;

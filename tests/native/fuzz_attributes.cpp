@@ -1,4 +1,4 @@
-// libFuzzer entry point: the colour, line and fill specification readers over
+// libFuzzer entry point: the colour, line style and fill style readers over
 // arbitrary content; the checks of stream_harness.h, a breach aborts.
 #include <cstdlib>
 #include "stream_harness.h"

@@ -115,7 +115,7 @@ inline bool ReadEverything(const unsigned char* data, size_t size)
     return true;
 }
 
-// The colour, line and fill specification readers over arbitrary content:
+// The colour, line style and fill style readers over arbitrary content:
 // each consumes exactly its stream form (or what is left), and what was read
 // writes back as the same bytes.
 inline bool ReadAttributes(const unsigned char* data, size_t size)

@@ -179,11 +179,11 @@ static int RunText(int argc, char** argv)
     lines[n] = 0;
     text = lines;
 
-    vFONTSPEC spec(vSTRING("%s", face), vFS_NORMAL, vINT((long)size), vREAL(0), 0, vFH_POINTS, vANGLE(angle));
+    vFONTSPEC desc(vSTRING("%s", face), vFS_NORMAL, vINT((long)size), vREAL(0), 0, vFH_POINTS, vANGLE(angle));
 
     // The text block's size, measured with the font on a scratch device.
     vMEMDEVICE scratch(vINT(1L), vINT(1L));
-    scratch.FontSpec(spec);
+    scratch.FontSpec(desc);
     vFONTDETAIL* font = scratch.GetCurFontDetail();
     if (!font)
         return rltool_fail(RLTOOL_FAILED, "the font '%s' could not be made", face);
@@ -221,7 +221,7 @@ static int RunText(int argc, char** argv)
     vMEMDEVICE d(vINT((long)w), vINT((long)h));
     if (!d.GetDIB())
         return rltool_fail(RLTOOL_FAILED, "no %ld x %ld bitmap could be made", w, h);
-    d.FontSpec(spec);
+    d.FontSpec(desc);
     d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR((unsigned char)rgb[0], (unsigned char)rgb[1], (unsigned char)rgb[2])));
     d.Transparency(1);
     if (!d.DrawTextA(vSTRING("%s", text), vRECT(vINT(0L), vINT(0L), vINT(w - 1), vINT(h - 1)),

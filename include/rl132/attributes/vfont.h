@@ -1,5 +1,5 @@
 // Realised fonts: the metrics a device's font cache keeps for each font
-// specification it has drawn with, and the typeface records of the system's
+// description it has drawn with, and the typeface records of the system's
 // font enumeration.
 #ifndef RL132_ATTRIBUTES_VFONT_H
 #define RL132_ATTRIBUTES_VFONT_H
@@ -21,7 +21,7 @@ struct vKERNPAIR {
     long amount;
 };
 
-// The metrics of one font specification realised on one device. A device
+// The metrics of one font description realised on one device. A device
 // keeps these in its font cache, most recently used first; the metrics are
 // read from the system the first time they are needed, in device pixels.
 class RL132_API vFONTDETAIL : public vOBJECT {
@@ -29,18 +29,18 @@ class RL132_API vFONTDETAIL : public vOBJECT {
     friend class vFONTSCOPE;
 
 public:
-    // No specification and no device: every measurement is 0.
+    // No description and no device: every measurement is 0.
     vFONTDETAIL();
-    // The metrics of `spec` on `device`, read on first need.
-    vFONTDETAIL(const vFONTSPEC& spec, const vDEVICE& device);
-    // A copy has the same specification, device and metrics, its own tables,
+    // The metrics of `desc` on `device`, read on first need.
+    vFONTDETAIL(const vFONTSPEC& desc, const vDEVICE& device);
+    // A copy has the same description, device and metrics, its own tables,
     // no font handle and is in no cache.
     vFONTDETAIL(const vFONTDETAIL& other);
     vFONTDETAIL& operator=(const vFONTDETAIL& other);
     ~vFONTDETAIL();
 
-    // Whether this is the detail of `spec` (every field of the specification equal).
-    int operator==(const vFONTSPEC& spec) const;
+    // Whether this is the detail of `desc` (every field of the description equal).
+    int operator==(const vFONTSPEC& desc) const;
 
     // The advance width of the character; 0 without a device or for a code
     // outside the font's range.
@@ -67,7 +67,7 @@ public:
     // Whether the metrics have been read.
     int Filled() const { return widths != nullptr; }
 
-    const vFONTSPEC& FontSpec() const { return spec; }
+    const vFONTSPEC& FontSpec() const { return desc; }
     // The system font description this detail realises on its device;
     // 0 without a device.
     int LogFont(LOGFONTA& font);
@@ -83,7 +83,7 @@ private:
     int BuildLogFont(LOGFONTA& font);
     // Works out the character width for the expansion on `dc`, once.
     void ResolveWidth(HDC dc);
-    // A new font handle for this specification; the caller owns it.
+    // A new font handle for this description; the caller owns it.
     HFONT CreateSystemFont(HDC dc);
     // Selects this detail's font on its device's context: the device's own
     // font when this is its current detail, else a font made for the
@@ -96,7 +96,7 @@ private:
     int DrawRun(const vSTRING& text, const vPOINT& at, const short* advances, int outline);
     int DrawBlock(const vSTRING& text, const vRECT& rect, int align, int outline);
 
-    vFONTSPEC spec;
+    vFONTSPEC desc;
     vINT height;
     vINT ascent;
     vINT descent;

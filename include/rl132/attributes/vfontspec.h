@@ -1,4 +1,4 @@
-// Font specifications: the value that names a font for drawing text.
+// Font descriptions: the value that names a font for drawing text.
 #ifndef RL132_ATTRIBUTES_VFONTSPEC_H
 #define RL132_ATTRIBUTES_VFONTSPEC_H
 #include "rl132/core/rldefs.h"
@@ -65,7 +65,7 @@ public:
 
     // Stream form: the name (length word and characters), the style as a word,
     // then point size, pixel height, expansion and angle as signed longs (the
-    // reals' raw bits). `spec << stream` loads, `spec >> stream` stores.
+    // reals' raw bits). `desc << stream` loads, `desc >> stream` stores.
     vSTREAM& operator<<(vSTREAM& stream);
     vSTREAM& operator>>(vSTREAM& stream) const;
 

@@ -3,7 +3,7 @@
 // vDEVICEID, the device over a context the caller owns.
 //
 // Application code draws in logical units (a resolution in units per inch that
-// it chooses) with a current line, fill and font specification; the device
+// it chooses) with a current line style, fill style and font; the device
 // converts to pixels itself and talks to GDI through one context at a time.
 // Concrete devices differ only in how they obtain and release that context.
 //
@@ -92,7 +92,7 @@ class RL132_API vDEVICE : public vOBJECT {
 public:
     // The two integers are accepted and not used.
     vDEVICE(vINT, vINT);
-    // A copy has the same resolutions, origin, specifications and separation
+    // A copy has the same resolutions, origin, styles, font and separation
     // state, a copy of the clip region, empty stacks and a font cache of its own.
     vDEVICE(const vDEVICE& other);
     vDEVICE& operator=(const vDEVICE& other);
@@ -121,20 +121,20 @@ public:
     /* 13 */ virtual int PopState();
     // The stored colour is the requested one through Convert, which also
     // decides the visible flag.
-    /* 14 */ virtual void LineSpec(const vLINESPEC& spec);
+    /* 14 */ virtual void LineSpec(const vLINESPEC& style);
     /* 15 */ virtual const vLINESPEC& LineSpec();
     /* 16 */ virtual int PushLineSpec();
     /* 17 */ virtual int PopLineSpec();
     // A bitmap fill is stored as it is; any other has both colours converted,
     // the first last, so that its visibility is the one that stays.
-    /* 18 */ virtual void FillSpec(const vFILLSPEC& spec);
+    /* 18 */ virtual void FillSpec(const vFILLSPEC& style);
     /* 19 */ virtual const vFILLSPEC& FillSpec();
     /* 20 */ virtual int PushFillSpec();
     /* 21 */ virtual int PopFillSpec();
-    // The font cache entry of the current font specification; null when none
+    // The font cache entry of the current font description; null when none
     // could be made.
     /* 22 */ virtual vFONTDETAIL* GetCurFontDetail();
-    /* 23 */ virtual void FontSpec(const vFONTSPEC& spec);
+    /* 23 */ virtual void FontSpec(const vFONTSPEC& desc);
     /* 24 */ virtual const vFONTSPEC& FontSpec();
     /* 25 */ virtual int PushFontSpec();
     /* 26 */ virtual int PopFontSpec();
@@ -324,12 +324,12 @@ private:
     int ClipAreaByShape(const vSHAPE& shape);
 
     // The font cache, kept by the text output. InitFontCache makes the first
-    // entry from the current font specification (construction and copies);
+    // entry from the current font description (construction and copies);
     // FreeFontCache deletes every entry.
     void InitFontCache();
     void FreeFontCache();
-    // Makes the cache entry for `spec` current, creating it when missing.
-    int SelectFontDetail(const vFONTSPEC& spec);
+    // Makes the cache entry for `desc` current, creating it when missing.
+    int SelectFontDetail(const vFONTSPEC& desc);
     // Deselects the device's font from the active context (the stock
     // SYSTEM_FONT goes in).
     void ClearFont();
@@ -362,7 +362,7 @@ private:
     int visible;
     int plate;
     vCOLOUR sepColour;
-    // The current font specification as set, whatever the cache holds.
+    // The current font description as set, whatever the cache holds.
     vFONTSPEC fontSpec;
     vGRAD_QUALITY gradQuality;
 };
