@@ -3,7 +3,7 @@
 // contour.
 #include "devices/lineinfo.h"
 #include "rl132/core/vnumber.h"
-#include "devices/devstate.h"
+#include "core/rlstate.h"
 #include "devices/gdipoints.h"
 
 static_assert(sizeof(GPOINT) == sizeof(POINT) && offsetof(POINT, y) == 4, "GPOINT arrays go to GDI as POINT arrays");
@@ -53,7 +53,7 @@ int LINEINFO::Init(vDEVICE& device)
     for (unsigned short i = 0; i < 6; ++i)
         params.pattern[i] = style.Pattern(i);
     params.width = device.LHtoDH(style.Width())();
-    fast = g_devState.fastUpdate;
+    fast = rlstate::devState.fastUpdate;
     params.fastUpdate = fast;
     params.deviceType = device.DeviceType();
     COLORREF nearest = (COLORREF)device.NearestColour(style.Colour()).PackedRGB();

@@ -7,7 +7,7 @@
 #include "rl132/core/vtrace.h"
 #include "devices/devmath.h"
 #include "devices/devnodes.h"
-#include "devices/devstate.h"
+#include "core/rlstate.h"
 
 vDEVICE::vDEVICE(vINT, vINT)
     : paletteFlag(1), fontCache(nullptr), fontRatio(vREAL(1)), curFont(nullptr), clipRgn(nullptr), logUnitsH(),
@@ -181,12 +181,12 @@ vINT vDEVICE::LogUnitsPerVertInch()
 
 vINT vDEVICE::GetNoColours()
 {
-    return vINT((long)g_devState.noColours);
+    return vINT((long)rlstate::devState.noColours);
 }
 
 void vDEVICE::SetNoColours(unsigned short colours)
 {
-    g_devState.noColours = (unsigned char)colours;
+    rlstate::devState.noColours = (unsigned char)colours;
 }
 
 vPOINT vDEVICE::LPtoDP(const vPOINT& p)

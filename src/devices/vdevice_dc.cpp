@@ -7,47 +7,47 @@
 #include <windows.h>
 #include "rl132/devices/vdevice.h"
 #include "devices/devnodes.h"
-#include "devices/devstate.h"
+#include "core/rlstate.h"
 
 HDC vDEVICE::GetRLDC()
 {
-    return g_devState.activeDC;
+    return rlstate::devState.activeDC;
 }
 
 void vDEVICE::FastUpdate(int on)
 {
-    g_devState.fastUpdate = on;
+    rlstate::devState.fastUpdate = on;
 }
 
 int vDEVICE::FastUpdate()
 {
-    return g_devState.fastUpdate;
+    return rlstate::devState.fastUpdate;
 }
 
 vSCREEN& vDEVICE::GetScreen()
 {
-    return *g_devState.screen;
+    return *rlstate::devState.screen;
 }
 
 void vDEVICE::RegisterScreen(vSCREEN* screen, vDEVICE* asDevice)
 {
-    g_devState.screen = screen;
-    g_devState.screenDevice = asDevice;
+    rlstate::devState.screen = screen;
+    rlstate::devState.screenDevice = asDevice;
 }
 
 vDEVICE* vDEVICE::ScreenDevice()
 {
-    return g_devState.screenDevice;
+    return rlstate::devState.screenDevice;
 }
 
 void vDEVICE::SetScreenPalette(HPALETTE palette)
 {
-    g_devState.palette = palette;
+    rlstate::devState.palette = palette;
 }
 
 HPALETTE vDEVICE::GetScreenPalette()
 {
-    return g_devState.palette;
+    return rlstate::devState.palette;
 }
 
 HDC vDEVICE::GetMSDC()
@@ -57,7 +57,7 @@ HDC vDEVICE::GetMSDC()
 
 int vDEVICE::ReleaseMSDC()
 {
-    return ::ReleaseDC(NULL, g_devState.activeDC);
+    return ::ReleaseDC(NULL, rlstate::devState.activeDC);
 }
 
 // Deselects the active device's font and gives its context back (a paint
@@ -65,7 +65,7 @@ int vDEVICE::ReleaseMSDC()
 // while it is still the active one, so the device's ReleaseMSDC can name it.
 void vDEVICE::ReleaseActive()
 {
-    DEVSTATE& g = g_devState;
+    rlstate::DEVSTATE& g = rlstate::devState;
     if (g.active && g.activeDC)
         g.active->ClearFont();
     if (g.active && g.active != g.paint)
@@ -76,7 +76,7 @@ void vDEVICE::ReleaseActive()
 
 HDC vDEVICE::ActivateDC()
 {
-    DEVSTATE& g = g_devState;
+    rlstate::DEVSTATE& g = rlstate::devState;
     if (g.active == this)
         return g.activeDC;
     ReleaseActive();
@@ -106,33 +106,33 @@ HDC vDEVICE::ActivateDC()
 
 void vDEVICE::ReleaseDC()
 {
-    if (g_devState.active == this)
+    if (rlstate::devState.active == this)
         ReleaseActive();
 }
 
 void vDEVICE::Detach()
 {
     ReleaseDC();
-    if (g_devState.paint == this) {
-        g_devState.paint = nullptr;
-        g_devState.paintDC = nullptr;
+    if (rlstate::devState.paint == this) {
+        rlstate::devState.paint = nullptr;
+        rlstate::devState.paintDC = nullptr;
     }
 }
 
 void vDEVICE::BeginDraw(HDC paintContext)
 {
     ReleaseActive();
-    g_devState.paint = this;
-    g_devState.paintDC = paintContext;
+    rlstate::devState.paint = this;
+    rlstate::devState.paintDC = paintContext;
     ActivateDC();
 }
 
 void vDEVICE::EndDraw()
 {
     ReleaseActive();
-    if (g_devState.paint == this) {
-        g_devState.paint = nullptr;
-        g_devState.paintDC = nullptr;
+    if (rlstate::devState.paint == this) {
+        rlstate::devState.paint = nullptr;
+        rlstate::devState.paintDC = nullptr;
     }
 }
 

@@ -6,7 +6,7 @@
 #include "rl132/devices/vdevice.h"
 #include "rl132/containers/vcollect.h"
 #include "devices/devmath.h"
-#include "devices/devstate.h"
+#include "core/rlstate.h"
 #include "devices/gdipoints.h"
 
 namespace {
@@ -42,7 +42,7 @@ int vDEVICE::DrawClosed(CLOSEDKIND kind, const vRECT& bounds, const vSHAPE* shap
     box.Expand(lineSpec.Width(), lineSpec.Width());
     if (!ClipAreaIntersect(box))
         return 1;
-    int fast = g_devState.fastUpdate;
+    int fast = rlstate::devState.fastUpdate;
     int ok = 1;
     if (!fast && fillSpec.Type() != vFT_NONE) {
         switch (kind) {

@@ -7,7 +7,7 @@
 #include "rl132/devices/vdevice.h"
 #include "rl132/devices/vshape.h"
 #include "rl132/bitmaps/odib.h"
-#include "devices/devstate.h"
+#include "core/rlstate.h"
 #include "devices/lineinfo.h"
 #include "devices/screenpal.h"
 #include "devices/geom/bandplan.h"
@@ -105,7 +105,7 @@ struct DEVPOLYS {
 HBRUSH vDEVICE::CreateBrush(const vCOLOUR& colour)
 {
     COLORREF rgb = (COLORREF)colour.PackedRGB();
-    DEVSTATE& g = g_devState;
+    rlstate::DEVSTATE& g = rlstate::devState;
     HDC dc = g.active == this ? g.activeDC : nullptr;
     if (colour.SystemColour() || !dc || !g.palette || !paletteFlag || g.noColours != 8 ||
         GetCurrentObject(dc, OBJ_PAL) != (HGDIOBJ)g.palette)

@@ -21,7 +21,7 @@
 #include "rl132/attributes/vfont.h"
 #include "rl132/core/vtrace.h"
 #include "rl132/core/vmem.h"
-#include "devices/devstate.h"
+#include "core/rlstate.h"
 #include "devices/textlayout.h"
 
 namespace {
@@ -97,7 +97,7 @@ void vDEVICE::InitFontCache()
 
 void vDEVICE::FreeFontCache()
 {
-    if (g_devState.active == this)
+    if (rlstate::devState.active == this)
         ClearFont();
     while (fontCache) {
         vFONTDETAIL* d = fontCache;
@@ -113,7 +113,7 @@ int vDEVICE::SelectFontDetail(const vFONTSPEC& desc)
         return 1;
     // The present font leaves the context before another one is current, or
     // nothing would delete it.
-    if (g_devState.active == this)
+    if (rlstate::devState.active == this)
         ClearFont();
 
     vFONTDETAIL* prev = nullptr;

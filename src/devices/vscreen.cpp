@@ -8,7 +8,7 @@
 #include "rl132/devices/vscreen.h"
 #include "rl132/core/vtrace.h"
 #include "rl132/core/vmem.h"
-#include "devices/devstate.h"
+#include "core/rlstate.h"
 #include "devices/screenpal.h"
 
 static_assert(sizeof(rlscreen::PALENTRY) == sizeof(PALETTEENTRY), "the palette kernel uses the system's entry layout");
@@ -70,7 +70,7 @@ void vSCREEN::Setup()
             GlobalUnlock(pattern);
         }
     }
-    if (!g_devState.screen) {
+    if (!rlstate::devState.screen) {
         RegisterScreen(this, this);
         // Palette use starts with the screen that has one.
         if (paletteEnabled)
@@ -81,7 +81,7 @@ void vSCREEN::Setup()
 vSCREEN::~vSCREEN()
 {
     vTrace(1, "vSCREEN::~vSCREEN()");
-    int registered = g_devState.screen == this;
+    int registered = rlstate::devState.screen == this;
     if (registered)
         SetScreenPalette(nullptr);
     if (noColours == 256) {
@@ -206,7 +206,7 @@ void vSCREEN::EnablePalette(int on)
     if (noColours != 256 || !gPalette)
         return;
     paletteEnabled = on ? 1 : 0;
-    if (g_devState.screen == this)
+    if (rlstate::devState.screen == this)
         SetScreenPalette(paletteEnabled ? gPalette : nullptr);
     HDC dc = ActivateDC();
     if (paletteEnabled)
