@@ -1,8 +1,7 @@
-// Fill styles (vFILLSPEC): kinds, ownership of the pattern bitmap, the
-// one-sided comparison and the stream form.
+// Fill styles (vFILLSPEC): ownership of the pattern bitmap, the one-sided
+// comparison and the stream form.
 #include <windows.h>
 #include <gtest/gtest.h>
-#include <cstring>
 #include <vector>
 #include "rl132.h"
 
@@ -36,7 +35,6 @@ std::vector<unsigned char> Pixels(const oDIB* d)
 }
 } // namespace
 
-// The fill keeps a deep copy of a pattern and carries it in its stream form.
 TEST(FillStyle, OwnsADeepCopyOfItsBitmapAndComparesOneSided)
 {
     oMEMDIB* pattern = Pattern();
@@ -49,20 +47,15 @@ TEST(FillStyle, OwnsADeepCopyOfItsBitmapAndComparesOneSided)
     EXPECT_NE(dynamic_cast<oSTREAMDIB*>(bm), nullptr);
     EXPECT_EQ(bm->GetPalette(nullptr), 256);
     EXPECT_EQ(Pixels(bm), pixels);
-
     vFILLSPEC g(f), h;
     h = f;
     h = h;  // self-assignment keeps the bitmap
     EXPECT_TRUE(BitmapOf(g) != bm && BitmapOf(h) != bm);
-    EXPECT_EQ(Pixels(BitmapOf(g)), pixels);
-    EXPECT_EQ(Pixels(BitmapOf(h)), pixels);
-
+    EXPECT_TRUE(Pixels(BitmapOf(g)) == pixels && Pixels(BitmapOf(h)) == pixels);
     // Only the left side's bitmap counts: a bitmap fill is unequal even to itself.
     vFILLSPEC plain(vFT_BITMAP);
     EXPECT_EQ(plain.Bitmap(nullptr), 0);  // the bitmap type alone brings no bitmap
-    EXPECT_FALSE(f == f);
-    EXPECT_TRUE(plain == f);
-    EXPECT_FALSE(f == plain);
+    EXPECT_TRUE(!(f == f) && plain == f && !(f == plain));
     g = vFILLSPEC();
     EXPECT_EQ(BitmapOf(g), nullptr);
 
@@ -82,8 +75,7 @@ TEST(FillStyle, OwnsADeepCopyOfItsBitmapAndComparesOneSided)
 
 TEST(FillStyle, StreamForm)
 {
-    vFILLSPEC c((vFILLTYPE)5, vCOLOUR(10, 20, 30), vCOLOUR(vCMYK, 0x01020304UL, 50, 1), vANGLE(-30),
-                (vFILLMODE)2);
+    vFILLSPEC c((vFILLTYPE)5, vCOLOUR(10, 20, 30), vCOLOUR(vCMYK, 0x01020304UL, 50, 1), vANGLE(-30), (vFILLMODE)2);
     vMEMSTREAM m;
     c >> m;
     // Type word, two 8-byte colours, the angle, the mode word, then the word 0 for no bitmap.
@@ -95,7 +87,6 @@ TEST(FillStyle, StreamForm)
     vFILLSPEC r(m);
     EXPECT_TRUE(r == c);
     EXPECT_EQ(m.CurrentPos(), m.Size());
-
     // Any word but 40 means no bitmap and is consumed.
     bytes[24] = 7;
     bytes.push_back(0xAB);

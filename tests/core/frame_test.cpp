@@ -1,5 +1,5 @@
-// The library frame: trace lines, profile switches, the memory shortage path,
-// the default exception and the string table.
+// The library frame: trace lines, profile switches, the memory shortage path
+// and its message boxes, the string table.
 #include <gtest/gtest.h>
 #include <cstring>
 #include <string>
@@ -14,13 +14,10 @@ public:
 };
 
 namespace {
-
 // Restores the process-wide switches a test changes.
 struct FrameState {
-    unsigned short level = vSYSTEM::GetTraceLevel();
-    int heap = vSYSTEM::CheckHeap();
-    int flag = vSYSTEM::GetExceptionFlag();
-    unsigned short limit = vPAGEOUT::GetResidentLimit();
+    unsigned short level = vSYSTEM::GetTraceLevel(), limit = vPAGEOUT::GetResidentLimit();
+    int heap = vSYSTEM::CheckHeap(), flag = vSYSTEM::GetExceptionFlag();
     ~FrameState()
     {
         vSYSTEM::SetTraceLevel(level);
@@ -30,7 +27,6 @@ struct FrameState {
         vPAGEOUT::SetProc(nullptr);
     }
 };
-
 // A thread start runs the library's entry point, which reads the profile again.
 DWORD WINAPI NothingToDo(LPVOID) { return 0; }
 void ReadProfile(const char* traceLevel, const char* checkHeap)
@@ -41,7 +37,6 @@ void ReadProfile(const char* traceLevel, const char* checkHeap)
     WaitForSingleObject(t, INFINITE);
     CloseHandle(t);
 }
-
 // Each pass of the page-out procedure frees the next scripted count.
 std::vector<unsigned short> gPageOuts;
 size_t gPageOutCall = 0;
@@ -50,7 +45,6 @@ unsigned short ScriptedPageOut()
     size_t call = gPageOutCall++;
     return call < gPageOuts.size() ? gPageOuts[call] : 0;
 }
-
 } // namespace
 
 TEST(Frame, TraceAndProfileSwitches)
@@ -61,15 +55,11 @@ TEST(Frame, TraceAndProfileSwitches)
     vTrace(3, "vTEST::At()");
     vTrace(4, "vTEST::Above()");
     EXPECT_EQ(out.Writes(), (std::vector<std::string>{"Trace: ", "vTEST::At()", "\n"}));
-
-    // Read at every notification. Capacity 4 including the terminator:
-    // "12345" is read as "123"; only a case-insensitive "Yes" is yes.
+    // Capacity 4 including the terminator: "12345" reads as "123"; only a case-insensitive "Yes" is yes.
     ReadProfile("12345", "yES");
-    EXPECT_EQ(vSYSTEM::GetTraceLevel(), 123);
-    EXPECT_EQ(vSYSTEM::CheckHeap(), 1);
+    EXPECT_TRUE(vSYSTEM::GetTraceLevel() == 123 && vSYSTEM::CheckHeap() == 1);
     ReadProfile(nullptr, "1");
-    EXPECT_EQ(vSYSTEM::GetTraceLevel(), 0);
-    EXPECT_EQ(vSYSTEM::CheckHeap(), 0);
+    EXPECT_TRUE(vSYSTEM::GetTraceLevel() == 0 && vSYSTEM::CheckHeap() == 0);
     ReadProfile(nullptr, nullptr);
 }
 
@@ -82,12 +72,10 @@ TEST(Frame, FailedResizeKeepsTheOldBlockAndAsksTheUser)
     char* p = (char*)vMemAlloc(64);
     ASSERT_NE(p, nullptr);
     strcpy(p, "still here");
-    // More than a 32-bit process can ever have: the heap refuses for real.
-    EXPECT_EQ(vMemRealloc(p, 0x7FFFFFF0ul), nullptr);
+    EXPECT_EQ(vMemRealloc(p, 0x7FFFFFF0ul), nullptr);   // more than a 32-bit process can have
     EXPECT_STREQ(p, "still here");
     ASSERT_EQ(boxes.Calls().size(), 1u);
-    EXPECT_EQ(boxes.Calls()[0].text, " Application may be unstable !");
-    EXPECT_EQ(boxes.Calls()[0].caption, "<null>");
+    EXPECT_TRUE(boxes.Calls()[0].text == " Application may be unstable !" && boxes.Calls()[0].caption == "<null>");
     EXPECT_EQ(boxes.Calls()[0].type, (unsigned)(MB_RETRYCANCEL | MB_ICONHAND | MB_SYSTEMMODAL));
     EXPECT_EQ(vSYSTEM::GetExceptionFlag(), 1);
     EXPECT_FALSE(vSYSTEM::GetDefaultException().HasReserve());   // gone for good
@@ -97,9 +85,8 @@ TEST(Frame, FailedResizeKeepsTheOldBlockAndAsksTheUser)
 TEST(Frame, PageOutLoopArithmetic)
 {
     FrameState keep;
-    // Near the floor the limit steps down by one and 2 stops the loop; a pass
-    // that frees nothing stops it; there are at most five passes; nothing
-    // freed at all is a failure.
+    // Near the floor the limit steps down by one and 2 stops the loop; a pass that frees
+    // nothing stops it; at most five passes; nothing freed at all is a failure.
     const struct { unsigned short limit; std::vector<unsigned short> counts; int result; unsigned short after; size_t calls; } cases[] = {
         { 3, {1, 1, 1, 1, 1}, 1, 2, 1 }, { 20, {5, 5, 0, 7}, 1, 10, 3 },
         { 1000, {1, 1, 1, 1, 1, 1, 1, 1}, 1, 995, 5 }, { 10, {}, 0, 10, 1 },
@@ -110,8 +97,7 @@ TEST(Frame, PageOutLoopArithmetic)
         gPageOuts = c.counts;
         gPageOutCall = 0;
         EXPECT_EQ(vSYSTEM::GetDefaultException().NewFailureException(0), c.result) << c.limit;
-        EXPECT_EQ(vPAGEOUT::GetResidentLimit(), c.after) << c.limit;
-        EXPECT_EQ(gPageOutCall, c.calls) << c.limit;
+        EXPECT_TRUE(vPAGEOUT::GetResidentLimit() == c.after && gPageOutCall == c.calls) << c.limit;
     }
 }
 
@@ -123,35 +109,17 @@ TEST(Frame, ReportShowsWarningOnceThenSevere)
     bool warningLeft = e.WarningText() != nullptr;
     vSYSTEM::SetExceptionFlag(1);
     EXPECT_EQ(vAPPFRAME::Report(nullptr), 1);
-    EXPECT_EQ(vSYSTEM::GetExceptionFlag(), 0);
-    EXPECT_EQ(e.WarningText(), nullptr);
-    // Not acknowledged with OK: the flag stays set.
+    EXPECT_TRUE(vSYSTEM::GetExceptionFlag() == 0 && e.WarningText() == nullptr);
     vSYSTEM::SetExceptionFlag(1);
-    boxes.Answer(IDCANCEL);
+    boxes.Answer(IDCANCEL);   // not acknowledged with OK: the flag stays set
     EXPECT_EQ(vAPPFRAME::Report(nullptr), 0);
     EXPECT_EQ(vSYSTEM::GetExceptionFlag(), 1);
     ASSERT_EQ(boxes.Calls().size(), 2u);
-    if (warningLeft) {
+    if (warningLeft)
         EXPECT_EQ(boxes.Calls()[0].text, "Error: Free Memory is getting low.\nTry closing some of your other applications.");
-    }
     EXPECT_EQ(boxes.Calls()[1].text, "Error: Free Memory is extremely low.\nTry closing some of your other applications.");
     EXPECT_EQ(boxes.Calls()[0].caption, "");   // no window, no title
     EXPECT_EQ(boxes.Calls()[1].type, (unsigned)(MB_OK | MB_ICONHAND | MB_SYSTEMMODAL));
-}
-
-TEST(Frame, ExceptionObjectsComeFromTheGlobalHeapWithoutTheHandler)
-{
-    rltest::MessageBoxes boxes;
-    // Read back through a volatile: the compiler takes any operator new's
-    // result as non-null and would fold the comparison away.
-    void* volatile refused = vEXCEPTION::operator new(0x7FFFFFF0u);
-    EXPECT_EQ(refused, nullptr);
-    EXPECT_TRUE(boxes.Calls().empty());
-    unsigned char* p = (unsigned char*)vEXCEPTION::operator new(256);
-    ASSERT_NE(p, nullptr);
-    for (int i = 0; i < 256; ++i)
-        ASSERT_EQ(p[i], 0) << "exception memory is zero-initialised";
-    vEXCEPTION::operator delete(p);
 }
 
 TEST(Frame, StringTableKeepsItsTextsAsTheyAre)
@@ -160,12 +128,11 @@ TEST(Frame, StringTableKeepsItsTextsAsTheyAre)
     const struct { unsigned short id; const char* text; } texts[] = {
         { 31306, "Ouvrivr" }, { 31425, "Neues Ansicht" }, { 31625, "Nytt f\xF6nter" }, { 31017, "" },
     };
-    char text[256];
+    char text[256], small[6];
     for (const auto& t : texts) {
         EXPECT_EQ(vRESID(t.id).Load(text, sizeof text), (int)strlen(t.text)) << t.id;
         EXPECT_STREQ(text, t.text);
     }
-    char small[6];
     EXPECT_EQ(vRESID(31102).Load(small, sizeof small), 5);   // the caller's capacity holds
     EXPECT_STREQ(small, " Appl");
 }

@@ -7,7 +7,6 @@
 #include "rl132/core/vgeom.h"
 
 namespace {
-
 ::testing::AssertionResult RectIs(const vRECT& r, long l, long t, long rt, long b)
 {
     if (r.Left()() == l && r.Top()() == t && r.Right()() == rt && r.Bottom()() == b)
@@ -15,7 +14,6 @@ namespace {
     return ::testing::AssertionFailure() << "(" << r.Left()() << "," << r.Top()() << ","
                                          << r.Right()() << "," << r.Bottom()() << ")";
 }
-
 } // namespace
 
 TEST(Geometry, PointComparisonsDistancesAndExpansion)
@@ -38,10 +36,8 @@ TEST(Geometry, PointComparisonsDistancesAndExpansion)
         ASSERT_TRUE(dd == fl || (sum > 0 && dd == fl + 1)) << x << "," << y;
     }
     // Scaling goes through vINT * vREAL, with its quirk on negative reals.
-    EXPECT_EQ((vPOINT(2L, 2L) * vREAL(-0.5)).x(), -3);
-    EXPECT_EQ((vPOINT(7L, -7L) / vREAL(2)).y(), -3);
-    // Odd growths lose a unit; shrinks use one more than the magnitude, and
-    // shrinking past empty turns the rectangle over.
+    EXPECT_TRUE((vPOINT(2L, 2L) * vREAL(-0.5)).x() == -3 && (vPOINT(7L, -7L) / vREAL(2)).y() == -3);
+    // Odd growths lose a unit; shrinks use one more than the magnitude; past empty the rectangle turns over.
     const struct { long d, lo, hi; } cases[] = {
         { 1, 10, 20 }, { 2, 9, 21 }, { 3, 9, 21 }, { -1, 11, 19 }, { -2, 11, 19 }, { -3, 12, 18 }, { -20, 20, 10 },
     };
@@ -53,9 +49,7 @@ TEST(Geometry, PointComparisonsDistancesAndExpansion)
         EXPECT_TRUE(RectIs(h, 10, c.lo, 20, c.hi)) << c.d;
     }
     vRECT d(0L, 0L, 10L, 10L);
-    EXPECT_EQ(d.DistFrom(vPOINT(10L, 10L))(), 0);
-    EXPECT_EQ(d.DistFrom(vPOINT(13L, 14L))(), 5);
-    EXPECT_EQ(d.DistFrom(vPOINT(5L, -7L))(), 7);
+    EXPECT_TRUE(d.DistFrom(vPOINT(10L, 10L))() == 0 && d.DistFrom(vPOINT(13L, 14L))() == 5 && d.DistFrom(vPOINT(5L, -7L))() == 7);
 }
 
 TEST(Geometry, OverlapUnionIntersectionAgainstAGrid)

@@ -1,9 +1,6 @@
-// The exported value classes' sizes and field offsets are part of the binary
-// interface: a host compiled against these headers lays the objects out
-// itself. Most are larger than their fields, because the empty root vOBJECT
-// cannot share its address with a member that is itself a vOBJECT (vPOINT's
-// x is one), so the first such member starts 4 bytes in. Each field is found
-// by the bytes a known value leaves in the object.
+// Sizes and field offsets of the exported classes are binary interface. The empty
+// root vOBJECT cannot share its address with a member that is itself a vOBJECT, so
+// such a first member starts 4 bytes in. Each field is found by a known value's bytes.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <cstdint>
@@ -13,11 +10,7 @@
 
 namespace {
 
-struct Field {
-    size_t offset;
-    size_t width;     // bytes: 1, 2 or 4
-    uint32_t value;   // what the field holds
-};
+struct Field { size_t offset, width; uint32_t value; };
 
 template <class T>
 void ExpectLayout(const char* name, const T& object, size_t size, std::vector<Field> fields)
@@ -51,63 +44,45 @@ TEST(Layout, ValueClassesKeepTheirSizesAndOffsets)
                  {{4, 4, 1}, {8, 4, 2}, {12, 4, 30}, {16, 4, 40}});
     ExpectLayout("vBEZPOINT", vBEZPOINT(vPOINT(vINT(5L), vINT(6L)), vBEZPOINT::CURVETO | vBEZPOINT::LAST), 20,
                  {{8, 4, 5}, {12, 4, 6}, {16, 1, 0x12}});
-
     const vCOLOUR spot(vCMYK, 0x64000A0BUL, 40, 1);
     ExpectLayout("vCOLOUR", spot, 8,
                  {{0, 4, 0x64000A0Bu}, {4, 1, (uint32_t)vCMYK}, {5, 1, 40}, {6, 2, spot.Flags()}});
     EXPECT_EQ(spot.Flags(), (unsigned)vCOLOUR::SPOT_FLAG);
-
     const unsigned char dashes[vLINESPEC::PATTERN_SIZE] = {9, 8, 7, 6, 5, 4};
     const vLINESPEC line(vLT_USER, spot, vINT(12L), (vCORNERTYPE)3, (vDASHTYPE)2, dashes);
     ExpectLayout("vLINESPEC", line, 36,
                  {{4, 4, 0x64000A0Bu}, {9, 1, 40}, {12, 4, 12}, {16, 4, (uint32_t)vLT_USER}, {20, 4, 3},
                   {24, 4, 2}, {28, 4, 0x06070809u}, {32, 2, 0x0405u}});
-
     const vFILLSPEC fill((vFILLTYPE)3, spot, vCOLOUR(vRGB, 0x00FF8040UL, 100, 0), vANGLE::FromRaw(0x002D0000L),
                          (vFILLMODE)2);
     ExpectLayout("vFILLSPEC", fill, 36,
                  {{4, 4, 0x64000A0Bu}, {12, 4, 0x00FF8040u}, {20, 4, 0x002D0000u}, {24, 4, 3}, {28, 4, 2},
                   {32, 4, 0}});
-
     const vSTRING text("layout");
     ExpectLayout("vSTRING", text, 4, {{0, 4, P(text())}});
     ExpectLayout("vCHAR", vCHAR('Q'), 1, {{0, 1, 'Q'}});
-
     HINSTANCE module = (HINSTANCE)(uintptr_t)0x00400000u;
     ExpectLayout("vRESID", vRESID(31100, module), 8, {{0, 2, 31100}, {4, 4, 0x00400000u}});
     ExpectLayout("vMODULE", vMODULE(module), 4, {{0, 4, 0x00400000u}});
-
     unsigned char buffer[16];
     const vCOLLECTION points(buffer, vARRAY_POINT, 16, 6);
     ExpectLayout("vCOLLECTION", points, 24,
                  {{0, 4, P(buffer)}, {4, 4, P(buffer)}, {8, 4, P(buffer)}, {12, 4, 1}, {16, 2, 16}, {18, 2, 6},
                   {20, 4, 0}});
-
     fLINK link(nullptr);
     ITERATOR it;
     it.SetLink(&link);
     it.Next();
     it.SetLink(&link);
     ExpectLayout("ITERATOR", it, 8, {{0, 2, 1}, {4, 4, P(&link)}});
-
     // The header's own fields start at once: none of them is a vOBJECT.
     const oDIBHEADER header(33, 17, 96, 72, oCM_PAL256);
     ExpectLayout("oDIBHEADER", header, 48,
                  {{0, 4, 40}, {4, 4, 33}, {8, 4, 17}, {12, 2, 1}, {14, 2, 8}, {16, 4, 0}, {20, 4, 36 * 17},
                   {24, 4, 96 * oDIB_DPI_FACTOR}, {28, 4, 72 * oDIB_DPI_FACTOR}, {40, 4, oCM_PAL256},
                   {44, 4, 0}});
-}
-
-TEST(Layout, PolymorphicClassesKeepTheirSizes)
-{
-    // The table pointer comes first; the empty root shares its address.
-    EXPECT_EQ(sizeof(fLINK), 16u);
-    EXPECT_EQ(sizeof(fLIST), 16u);
-    EXPECT_EQ(sizeof(fQUEUE), 16u);
-    EXPECT_EQ(sizeof(fSTACK), 16u);
-    EXPECT_EQ(sizeof(vEXCEPTION), 4u);
-    EXPECT_EQ(sizeof(DEFEXCEP), 16u);
-    EXPECT_EQ(sizeof(oPROGRESS), 28u);
-    EXPECT_EQ(sizeof(vSYSTEM), 4u);
-    EXPECT_EQ(sizeof(vPAGEOUT), 1u);
+    // Polymorphic classes: the table pointer comes first; the empty root shares its address.
+    EXPECT_EQ((std::vector<size_t>{sizeof(fLINK), sizeof(fLIST), sizeof(fQUEUE), sizeof(fSTACK), sizeof(vEXCEPTION),
+                                   sizeof(DEFEXCEP), sizeof(oPROGRESS), sizeof(vSYSTEM), sizeof(vPAGEOUT)}),
+              (std::vector<size_t>{16, 16, 16, 16, 4, 16, 28, 4, 1}));
 }

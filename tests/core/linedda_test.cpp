@@ -18,8 +18,7 @@ TEST(LineDDA, PaintsOneSquareDotFromTheLowWordOfItsWidth)
     std::fill(bits, bits + kSize * kSize, 0xFFFFFFu);
     SelectObject(dc, GetStockObject(BLACK_BRUSH));
     HDC previous = vLineDDASetDC(dc);
-    // Only the low 16 bits carry the width; an even width puts the extra pixel
-    // on the top-left side: a 4 x 4 dot from (28, 28) to (31, 31).
+    // Only the low 16 bits carry the width; an even width puts the extra pixel top-left: (28, 28)-(31, 31).
     fnLineDDA(30, 30, 0x12340004);
     GdiFlush();
     int black = 0;

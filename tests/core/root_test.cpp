@@ -1,14 +1,12 @@
-// Every class of the library derives from vOBJECT, so that containers can hold
-// any of them by a vOBJECT reference. The list of exported classes is read
-// from the headers at each build, so a class added anywhere is checked too.
+// Every class derives from vOBJECT, so containers can hold any of them. The list of
+// exported classes is read from the headers at each build: new classes are checked too.
 #include <gtest/gtest.h>
 #include <type_traits>
 #include "rl132.h"
 #include "exported_classes.inc"
 
-// Shapes keep the point table's layout without a root: their first field is a
-// vRECT, and an empty vOBJECT base before it would move every field by four
-// bytes. They are the only exceptions, and stay rootless on purpose.
+// Shapes keep the point table's layout: a vOBJECT base before their first field, a vRECT,
+// would move every field by four bytes. They alone stay rootless, on purpose.
 template <class T> struct RootExempt : std::false_type {};
 template <> struct RootExempt<vSHAPE> : std::true_type {};
 template <> struct RootExempt<vRECTSHAPE> : std::true_type {};
@@ -23,9 +21,7 @@ namespace {
 #define RL132_COUNT_CLASS(T) +1
 const int kExportedClasses = 0 RL132_EXPORTED_CLASSES(RL132_COUNT_CLASS);
 }
-
 TEST(Root, TheHeadersListEveryExportedClass)
 {
-    // A broken reading of the headers would check nothing at all.
-    EXPECT_GE(kExportedClasses, 38);
+    EXPECT_GE(kExportedClasses, 38);   // a broken reading of the headers would check nothing
 }

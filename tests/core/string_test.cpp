@@ -10,12 +10,9 @@
 #include "rl132.h"
 
 namespace {
-
 std::string S(const vSTRING& s) { return std::string(s()); }
-
 // A string holding text as it stands: the constructor from text formats it.
 vSTRING Plain(const std::string& text) { vSTRING s; s = text.c_str(); return s; }
-
 // Random text over a small alphabet, so separators and runs of them are common.
 std::string RandomText(std::mt19937& rng, const char* alphabet, size_t maxLength)
 {
@@ -24,20 +21,7 @@ std::string RandomText(std::mt19937& rng, const char* alphabet, size_t maxLength
         s += chars[rng() % chars.size()];
     return s;
 }
-
 } // namespace
-
-TEST(String, FormattingIsCutAtTheScratchBufferAndReadsStayInside)
-{
-    std::string big(3000, 'q');
-    EXPECT_EQ(S(vSTRING("%s", big.c_str())), big.substr(0, 1023));
-    EXPECT_EQ(S(Plain(big)), big);   // plain assignment is not limited
-    vSTRING s("hello world");
-    s = s() + 6;                     // text from inside the string itself
-    EXPECT_EQ(S(s), "world");
-    EXPECT_EQ(s[200], 0);
-    EXPECT_EQ(S(vSTRING("hello world").GetSubString(6, 500)), "world");
-}
 
 TEST(String, ComparisonsKeepTheirReversedSense)
 {
@@ -50,8 +34,7 @@ TEST(String, ComparisonsKeepTheirReversedSense)
         ASSERT_EQ(vx > vy, sense > 0 ? 1 : 0) << x << " / " << y;
         ASSERT_EQ(vx < vy, sense < 0 ? 1 : 0) << x << " / " << y;
         ASSERT_EQ(vx == vy, sense == 0 ? 1 : 0) << x << " / " << y;
-        ASSERT_EQ(vx >= vy, vx != vy);
-        ASSERT_EQ(vx <= vy, vx != vy);
+        ASSERT_TRUE((vx >= vy) == (vx != vy) && (vx <= vy) == (vx != vy)) << x << " / " << y;
     }
 }
 
@@ -101,8 +84,15 @@ TEST(String, ExtractsAgainstStdString)
     }
 }
 
-TEST(String, PercentInExtractedTextIsAFormat)
+TEST(String, FormattingIsCutAtTheScratchBufferAndPercentInExtractsIsAFormat)
 {
+    std::string big(3000, 'q');
+    EXPECT_EQ(S(vSTRING("%s", big.c_str())), big.substr(0, 1023));
+    EXPECT_EQ(S(Plain(big)), big);   // plain assignment is not limited
+    vSTRING h("hello world");
+    h = h() + 6;                     // text from inside the string itself
+    EXPECT_TRUE(S(h) == "world" && h[200] == 0);
+    EXPECT_EQ(S(vSTRING("hello world").GetSubString(6, 500)), "world");
     vSTRING s = Plain("rate 50%% of %d items ");
     EXPECT_EQ(S(s.Word(1)), "50%");
     EXPECT_EQ(S(s.Word(3)), "0");   // "%d" reads a zero
@@ -112,8 +102,7 @@ TEST(String, PercentInExtractedTextIsAFormat)
     EXPECT_EQ(S(fields.GetPreDelimitedSubString(',', 1)), "a%b");
     vSTRING path = Plain("dir,100%%");
     EXPECT_EQ(S(path.RemoveFromEnd(',')), "100%");
-    // The whole string, returned when no word is found, is a plain copy.
-    EXPECT_EQ(S(Plain("%%d").Word(0)), "%%d");
+    EXPECT_EQ(S(Plain("%%d").Word(0)), "%%d");   // no word found: the whole string, a plain copy
     // Directives that expand past the scratch buffer are cut there.
     std::string wide, expect;
     for (int i = 0; i < 146; ++i) {
@@ -127,13 +116,10 @@ TEST(String, CountingCaseAndLanguages)
 {
     // Pattern occurrences count the string's own start at every position.
     EXPECT_EQ(vSTRING("abcabc").NoOfOccurance(vSTRING("abc")), 6);
-    EXPECT_EQ(vSTRING("xabc").NoOfOccurance(vSTRING("abc")), 0);
-    EXPECT_EQ(vSTRING("bbb").NoOfOccurance(vCHAR(0)), 0);
-    // Only ASCII letters change case.
+    EXPECT_EQ(vSTRING("xabc").NoOfOccurance(vSTRING("abc")) + vSTRING("bbb").NoOfOccurance(vCHAR(0)), 0);
     vSTRING s("\xe9t\xc9 PARIS");
-    EXPECT_EQ(S(s.Capitalise()), "\xe9t\xc9 paris");
-    // United States English, and every language the table does not name,
-    // read the French block.
+    EXPECT_EQ(S(s.Capitalise()), "\xe9t\xc9 paris");   // only ASCII letters change case
+    // United States English, and every language the table does not name, read the French block.
     const struct { unsigned short id, offset; } languages[] = {
         { 2057, 0 }, { 1033, 200 }, { 1036, 200 }, { 1031, 400 }, { 1053, 600 },
         { 0, 200 }, { 1034, 200 }, { 65535, 200 },

@@ -8,7 +8,7 @@ namespace rltest {
 namespace {
 MessageBoxes* gBoxes = nullptr;
 DebugOutput* gOutput = nullptr;
-}
+} // namespace
 
 int AnswerBox(HWND, const char* text, const char* caption, unsigned int type)
 {
@@ -65,9 +65,7 @@ std::string DataDir()
 {
     char path[MAX_PATH];
     DWORD n = GetEnvironmentVariableA("RL132_DATA", path, sizeof path);
-    if (n > 0 && n < sizeof path)
-        return path;
-    return RL132_DATA_DIR;
+    return (n > 0 && n < sizeof path) ? std::string(path) : std::string(RL132_DATA_DIR);
 }
 
 std::string TempPath(const char* stem)

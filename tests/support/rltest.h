@@ -14,12 +14,12 @@ struct MessageBoxCall {
     unsigned int type;
 };
 
-// Every test program answers the library's boxes itself: no box ever waits for
-// a person. The answer defaults to IDOK for MB_OK boxes and IDRETRY otherwise.
+// Records the library's boxes while it lives. No box ever waits for a person:
+// the answer defaults to IDOK for MB_OK boxes and IDRETRY otherwise.
 class MessageBoxes {
 public:
-    MessageBoxes();   // starts recording with the default answers
-    ~MessageBoxes();  // back to the default answers
+    MessageBoxes();
+    ~MessageBoxes();
     void Answer(int answer) { answer_ = answer; }
     const std::vector<MessageBoxCall>& Calls() const { return calls_; }
 
@@ -29,14 +29,13 @@ private:
     std::vector<MessageBoxCall> calls_;
 };
 
-// Collects what the library writes with OutputDebugStringA while it lives.
+// Collects what the library writes with OutputDebugStringA while it lives:
+// one piece per call, or all of it concatenated.
 class DebugOutput {
 public:
     DebugOutput();
     ~DebugOutput();
-    // Everything written so far, concatenated.
     std::string Text() const;
-    // The pieces, one per OutputDebugStringA call.
     const std::vector<std::string>& Writes() const { return writes_; }
     void Clear() { writes_.clear(); }
 
@@ -46,8 +45,7 @@ private:
     std::vector<std::string> writes_;
 };
 
-// The repository's test data folder (tests/data) as a Windows path; the
-// environment variable RL132_DATA names another one.
+// The test data folder (tests/data, or the one RL132_DATA names) as a Windows path.
 std::string DataDir();
 // A fresh temporary file name in the build's temporary folder.
 std::string TempPath(const char* stem);
