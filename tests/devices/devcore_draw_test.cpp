@@ -75,18 +75,14 @@ TEST(DeviceDraw, OnePixelLinesIncludeTheirLastPixel)
         for (int i = 0; i < 6; ++i)
             dev[i] = {Map(pts[i].x, 0, 96, u), Map(pts[i].y, 0, 96, u)};
         OraclePolyline(want.dc, dev, 6, kRed);
-        {
-            DEVICE d(args.dc);
-            d.LogUnitsPerHorzInch(vINT(u));
-            d.LogUnitsPerVertInch(vINT(u));
-            d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(200, 30, 40), vINT(1L)));
-            EXPECT_EQ(d.DrawLine(vINT(6L), P(3, 4), P(40, 9), P(22, 37), P(5, 30), P(3, 4), P(44, 44)), 1);
+        DEVICE a(args.dc), d(coll.dc);
+        for (DEVICE* x : {&a, &d}) {
+            x->LogUnitsPerHorzInch(vINT(u));
+            x->LogUnitsPerVertInch(vINT(u));
+            x->LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(200, 30, 40), vINT(1L)));
         }
+        EXPECT_EQ(a.DrawLine(vINT(6L), P(3, 4), P(40, 9), P(22, 37), P(5, 30), P(3, 4), P(44, 44)), 1);
         {
-            DEVICE d(coll.dc);
-            d.LogUnitsPerHorzInch(vINT(u));
-            d.LogUnitsPerVertInch(vINT(u));
-            d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(200, 30, 40), vINT(1L)));
             vCOLLECTION c(vARRAY_POINT);
             for (const POINT& p : pts)
                 c.AddPoint(P(p.x, p.y));
