@@ -44,7 +44,8 @@ public:
     std::uint32_t Pixel(int x, int y) const
     {
         GdiFlush();
-        const unsigned char* row = static_cast<const unsigned char*>(bits) + (size_t)(bottomUp ? height - 1 - y : y) * stride;
+        const unsigned char* row =
+            static_cast<const unsigned char*>(bits) + (size_t)(bottomUp ? height - 1 - y : y) * stride;
         if (depth == 8)
             return row[x];
         std::uint32_t v;
