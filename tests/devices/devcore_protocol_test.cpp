@@ -1,155 +1,9 @@
-// The context protocol (one active device, the paint bracket, the screen's
-// context as fallback), the state stacks, the mapping and vDEVICEID's
-// adoption of its caller's mapping.
+// The context protocol (one active device, the paint bracket), the mapping
+// over generated values, and vDEVICEID's adoption of its caller's mapping.
 #include <gtest/gtest.h>
-#include <string>
 #include "devcore_support.h"
-#include "devices/gdipoints.h"
 
 using namespace devtest;
-
-namespace {
-// Counts how often the protocol gives the context back.
-class COUNTING : public DEVICE {
-public:
-    explicit COUNTING(HDC dc) : DEVICE(dc) {}
-    int releases = 0;
-
-private:
-    int ReleaseMSDC() override
-    {
-        ++releases;
-        return 1;
-    }
-};
-
-// A device that cannot obtain a context of its own.
-class NOCONTEXT : public vDEVICEID {
-public:
-    using vDEVICE::ActivateDC;
-};
-
-// Makes `screen` the registered screen device for one scope.
-struct SCREENSWAP {
-    explicit SCREENSWAP(vDEVICE* screen) : saved(DEVICE::ScreenDevice()) { DEVICE::RegisterScreen(nullptr, screen); }
-    ~SCREENSWAP() { DEVICE::RegisterScreen(nullptr, saved); }
-    vDEVICE* saved;
-};
-
-// Records the order of the stack members that PushState and PopState call.
-class LOGGING : public DEVICE {
-public:
-    explicit LOGGING(HDC dc) : DEVICE(dc) {}
-    std::string log;
-    int PushClipArea() override { log += "clip "; return DEVICE::PushClipArea(); }
-    int PopClipArea() override { log += "clip "; return DEVICE::PopClipArea(); }
-    int PushFillSpec() override { log += "fill "; return DEVICE::PushFillSpec(); }
-    int PopFillSpec() override { log += "fill "; return DEVICE::PopFillSpec(); }
-    int PushLineSpec() override { log += "line "; return DEVICE::PushLineSpec(); }
-    int PopLineSpec() override { log += "line "; return DEVICE::PopLineSpec(); }
-    int PushFontSpec() override { log += "font "; return DEVICE::PushFontSpec(); }
-    int PopFontSpec() override { log += "font "; return DEVICE::PopFontSpec(); }
-};
-
-} // namespace
-
-// Activating a second device gives the first one's context back, unless the
-// first is painting; the paint device draws on the paint context until
-// EndDraw, and then on its own again.
-TEST(DeviceProtocol, OneActiveDeviceAndThePaintBracket)
-{
-    SURFACE own(16, 16), paint(16, 16), other(16, 16);
-    COUNTING a(own.dc), b(other.dc);  // b, built last, is active
-    a.releases = b.releases = 0;
-    EXPECT_EQ(a.ActivateDC(), own.dc);
-    EXPECT_EQ(b.releases, 1);
-    EXPECT_EQ(vDEVICE::GetRLDC(), own.dc);
-    EXPECT_EQ(a.ActivateDC(), own.dc);  // already active: nothing changes
-    EXPECT_EQ(b.ActivateDC(), other.dc);
-    EXPECT_EQ(a.releases, 1);
-    EXPECT_EQ(vDEVICE::GetRLDC(), other.dc);
-
-    a.BeginDraw(paint.dc);
-    EXPECT_EQ(b.releases, 2);
-    EXPECT_EQ(vDEVICE::GetRLDC(), paint.dc);
-    PlainFill(a, vCOLOUR(0, 0, 0));
-    a.DrawRect(R(0, 0, 4, 4));
-    EXPECT_EQ(b.ActivateDC(), other.dc);
-    EXPECT_EQ(a.releases, 1);  // the paint context is not released
-    a.DrawRect(R(8, 8, 12, 12));
-    EXPECT_EQ(paint.Count(0xFFFFFF), 32);
-    EXPECT_EQ(own.Count(0xFFFFFF), 0);
-    EXPECT_EQ(b.releases, 3);
-    a.EndDraw();
-    EXPECT_EQ(vDEVICE::GetRLDC(), nullptr);
-    EXPECT_EQ(a.releases, 1);  // still the paint device when it let go
-    a.DrawRect(R(0, 0, 4, 4));
-    EXPECT_EQ(own.Count(0xFFFFFF), 16);
-    b.ActivateDC();
-    EXPECT_EQ(a.releases, 2);
-}
-
-// Without a context of its own a device draws on the screen's; without a
-// screen it has none, and its resolution reads as 300 per inch.
-TEST(DeviceProtocol, FallsBackToTheScreenContext)
-{
-    {
-        SCREENSWAP none(nullptr);
-        NOCONTEXT lost;
-        EXPECT_EQ(lost.ActivateDC(), nullptr);
-        EXPECT_EQ(lost.DevUnitsPerHorzInch(), vINT(300L));
-        EXPECT_EQ(lost.DevUnitsPerVertInch(), vINT(300L));
-        EXPECT_EQ(lost.LPtoDP(P(7, 9)) == P(7, 9), 1);
-        EXPECT_EQ(lost.DrawLine(P(0, 0), P(3, 3)), 0);
-    }
-    SURFACE screen(16, 16);
-    DEVICE screenDevice(screen.dc);
-    SCREENSWAP swap(&screenDevice);
-    NOCONTEXT lost;
-    EXPECT_EQ(lost.ActivateDC(), screen.dc);
-    PlainFill(lost, vCOLOUR(0, 0, 0));
-    lost.DrawRect(R(2, 2, 6, 6));
-    EXPECT_EQ(screen.Count(0xFFFFFF), 16);
-}
-
-// Pushes and pops run clip area, fill, line, font, both in that order, and a
-// pop brings back all four.
-TEST(DeviceState, PushAndPopStateRestoreAllFourInOneOrder)
-{
-    SURFACE s(32, 32);
-    LOGGING d(s.dc);
-    const vLINESPEC line(vLT_DASH2, vCOLOUR(1, 2, 3), vINT(4L));
-    const vFILLSPEC fill(vFT_SOLID, vCOLOUR(200, 0, 0), vCOLOUR(0, 0, 9));
-    const vFONTSPEC font(vSTRING("Arial"), vFS_BOLD, vINT(12L), vREAL(0), 0, vFH_POINTS, vANGLE(0));
-    d.ClipArea(R(4, 4, 20, 20));
-    d.LineSpec(line);
-    d.FillSpec(fill);
-    d.FontSpec(font);
-    EXPECT_EQ(d.PushState(), 1);
-    EXPECT_EQ(d.log, "clip fill line font ");
-
-    d.ClipArea(R(10, 10, 32, 32));
-    d.LineSpec(vLINESPEC(vLT_NONE));
-    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(0, 0, 0), vCOLOUR(0, 0, 0)));
-    d.FontSpec(vFONTSPEC(vSTRING("Times"), vFS_NORMAL, vINT(20L), vREAL(0), 0, vFH_PIXELS, vANGLE(0)));
-    d.log.clear();
-    EXPECT_EQ(d.PopState(), 1);
-    EXPECT_EQ(d.log, "clip fill line font ");
-
-    EXPECT_TRUE(d.LineSpec() == line);
-    EXPECT_EQ(d.LineSpec().Pattern(0), 5);
-    EXPECT_TRUE(d.FillSpec() == fill);
-    EXPECT_TRUE(d.FontSpec() == font);
-    EXPECT_TRUE(d.ClipArea() == R(4, 4, 21, 21));
-    d.LineSpec(vLINESPEC(vLT_NONE));
-    d.DrawRect(R(0, 0, 31, 31));
-    EXPECT_EQ(s.Count(0xFFFFFF), 16 * 16);
-    EXPECT_EQ(s.Pixel(10, 10), 0xC80000u);
-
-    // Each stack pops once per push; the font stack like the others.
-    EXPECT_EQ(d.PushFontSpec() + d.PopFontSpec() + d.PopFontSpec(), 2);
-    EXPECT_EQ(d.PopLineSpec() + d.PopFillSpec(), 0);
-}
 
 // A device with no logical resolution of its own works in pixels; lengths
 // and coordinates follow the rounding formula, negative coordinates pulled
@@ -169,7 +23,6 @@ TEST(DeviceMapping, ResolutionsOriginsAndRounding)
     EXPECT_EQ(d.LHtoDH(vINT(1L)), vINT(0L));
     d.LogUnitsPerHorzInch(vINT(0L));                // refused
     EXPECT_EQ(d.LogUnitsPerHorzInch(), vINT(600L));
-
     const long units[] = {1, 72, 96, 254, 300, 1200, -254};
     const long origins[] = {0, 13, -40};
     for (long u : units)
@@ -226,7 +79,6 @@ TEST(DeviceMapping, DeviceOverAContextAdoptsItsMapping)
                   Map(200, oy, 96, 300) + 1);
     }
     EXPECT_TRUE(Same(got, want));
-
     // An upward y axis gives a negative vertical resolution, and the mapping
     // then turns positive logical y into pixels above the origin.
     SURFACE up(64, 64);
@@ -239,27 +91,4 @@ TEST(DeviceMapping, DeviceOverAContextAdoptsItsMapping)
     EXPECT_LT(p.y(), 60);
     EXPECT_GT(p.y(), 0);
     EXPECT_EQ(d.DeviceType(), vDT_DISPLAY);
-}
-
-// Points and rectangles for GDI: copied one by one (a vPOINT is not a
-// POINT), on the stack up to the inline size and in one heap block past it.
-TEST(DeviceGdiPoints, CopiesArraysOnEitherSideOfTheInlineSize)
-{
-    for (unsigned n : {1u, 64u, 65u, 300u}) {
-        std::vector<vPOINT> pts;
-        std::vector<vRECT> rects;
-        for (unsigned i = 0; i < n; ++i) {
-            pts.push_back(P((long)i * 70001 - 5, -(long)i));
-            rects.push_back(R(i, -(long)i, 2 * i, 0x7FFFFFFF - i));
-        }
-        GDIPOINTS g(pts.data(), n);
-        GDIRECTS r(rects.data(), n);
-        ASSERT_NE(g.Data(), nullptr);
-        ASSERT_NE(r.Data(), nullptr);
-        for (unsigned i = 0; i < n; ++i) {
-            ASSERT_EQ(g.Data()[i].x, (LONG)i * 70001 - 5);
-            ASSERT_EQ(g.Data()[i].y, -(LONG)i);
-            ASSERT_EQ(r.Data()[i].bottom, (LONG)(0x7FFFFFFF - i));
-        }
-    }
 }

@@ -1,7 +1,5 @@
-// Display modes and colour separation: Convert over generated colours and
-// plates against a computation of the rules written out here, the plate a
-// separation colour selects, printers, and the visible flag the line and
-// fill setters share.
+// Colour separation: Convert over generated colours and plates against the
+// rules written out here, and the plate a separation colour selects.
 #include <gtest/gtest.h>
 #include <cstdint>
 #include "devcore_support.h"
@@ -95,36 +93,7 @@ EXPECTED Rules(int mode, const vCOLOUR& plateColour, const vCOLOUR& sep, int kno
     }
     return {vCOLOUR(vRGB, 0, 0, 0), visibleBefore};
 }
-
-class PRINTER : public DEVICE {
-public:
-    explicit PRINTER(HDC dc) : DEVICE(dc) {}
-    vDEV_TYPE DeviceType() const override { return vDT_PRINTER; }
-};
 } // namespace
-
-TEST(DeviceSeparation, SeparationColourSelectsThePlate)
-{
-    SURFACE s(4, 4);
-    DEVICE d(s.dc);
-    struct CASE {
-        vCOLOUR sep;
-        int mode, plate;
-    };
-    const CASE cases[] = {
-        {Cmyk(100, 0, 0, 0), 2, 0},       {Cmyk(0, 100, 0, 0), 2, 1},      {Cmyk(0, 0, 100, 0), 2, 2},
-        {Cmyk(0, 0, 0, 100), 2, 3},       {Cmyk(0, 100, 0, 1), 2, 3},      // not pure: plate stays
-        {vCOLOUR(0, 255, 255), 2, 0},     // RGB cyan reads as 100 % cyan
-        {Cmyk(0, 100, 0, 0, 100, 1), 4, 0},  // a spot separation colour: plate stays
-        {Cmyk(0, 100, 0, 0), 4, 1},       {Cmyk(0, 0, 100, 0), 3, 1},      // spot mode: plate stays
-        {Cmyk(0, 0, 100, 0), 0, 1},       {Cmyk(100, 100, 0, 0), 2, 1}};
-    for (const CASE& c : cases) {
-        vCOLOUR sep = c.sep;
-        d.DisplayMode((vDISPLAY_MODE)c.mode, sep, 1, 1);
-        EXPECT_EQ(d.GetPlate(), c.plate) << std::hex << sep.Value() << " mode " << c.mode;
-        EXPECT_EQ(d.GetDisplayMode(), (vDISPLAY_MODE)c.mode);
-    }
-}
 
 // Every mode (and an unknown one) with every plate and flag combination,
 // over generated colours, with and without a tint colour.
@@ -168,54 +137,4 @@ TEST(DeviceSeparation, ConvertFollowsTheRulesOverGeneratedColours)
     vCOLOUR sep = plates[0];
     d.DisplayMode(vDM_SPOT, sep, 0, 0);
     EXPECT_TRUE(d.Convert(vCOLOUR(1, 2, 3), nullptr, nullptr) == AtLevel(plates[0], 0));
-}
-
-// On a printer every conversion first resets the plate colour to black.
-TEST(DeviceSeparation, PrintersDrawPlatesInBlack)
-{
-    SURFACE s(4, 4);
-    PRINTER d(s.dc);
-    vCOLOUR red = vCOLOUR(255, 0, 0);
-    d.DisplayMode(vDM_GREYSCALE, red, 1, 1);
-    int visible = 0;
-    vCOLOUR got = d.Convert(vCOLOUR(0, 0, 0), &visible, nullptr);
-    EXPECT_TRUE(got == vCOLOUR(vRGB, 0, 100, 0));
-    EXPECT_EQ(visible, 1);
-    got = d.Convert(vCOLOUR(255, 255, 255), &visible, nullptr);
-    EXPECT_TRUE(got == vCOLOUR(vRGB, 0, 0, 0));
-
-    DEVICE screen(s.dc);
-    screen.DisplayMode(vDM_GREYSCALE, red, 1, 1);
-    EXPECT_TRUE(screen.Convert(vCOLOUR(0, 0, 0), &visible, nullptr) == red);
-}
-
-// The fill's first colour, converted last, decides the shared flag; the
-// line setter decides it when it comes after. Stored colours are converted.
-TEST(DeviceSeparation, LineAndFillSettersShareOneVisibleFlag)
-{
-    SURFACE s(4, 4);
-    DEVICE d(s.dc);
-    vCOLOUR plate = Cmyk(0, 0, 100, 0, 100, 1);
-    d.DisplayMode(vDM_SPOT, plate, 0, 0);
-    const vCOLOUR shows = plate, hidden = vCOLOUR(0, 200, 0);
-    d.FillSpec(vFILLSPEC(vFT_SOLID, hidden, shows));
-    EXPECT_EQ(d.IsVisible(), 0);
-    d.FillSpec(vFILLSPEC(vFT_SOLID, shows, hidden));
-    EXPECT_EQ(d.IsVisible(), 1);
-    EXPECT_TRUE(d.FillSpec().ColourFrom() == plate);
-    EXPECT_TRUE(d.FillSpec().ColourTo() == AtLevel(plate, 0));
-    d.LineSpec(vLINESPEC(vLT_SOLID, hidden));
-    EXPECT_EQ(d.IsVisible(), 0);
-    EXPECT_TRUE(d.LineSpec().Colour() == AtLevel(plate, 0));
-    d.FillSpec(vFILLSPEC(vFT_NONE, shows, shows));
-    EXPECT_EQ(d.IsVisible(), 1);
-
-    // The stored line keeps the type's own pattern rules: a user pattern is
-    // copied, a stock type gets its stock pattern.
-    const unsigned char user[6] = {9, 8, 7, 6, 5, 4};
-    d.LineSpec(vLINESPEC(vLT_USER, shows, vINT(2L), (vCORNERTYPE)1, (vDASHTYPE)2, user));
-    EXPECT_EQ(d.LineSpec().Pattern(5), 4);
-    EXPECT_EQ(d.LineSpec().CornerType(), (vCORNERTYPE)1);
-    d.LineSpec(vLINESPEC(vLT_DASH4, shows));
-    EXPECT_EQ(d.LineSpec().Pattern(5), 3);
 }

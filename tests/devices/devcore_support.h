@@ -1,6 +1,7 @@
 // Drawing surfaces for the device tests: a DIB section selected into a memory
 // context, whose pixels are read back after GdiFlush. The same surface type
-// serves the device under test and the oracle (plain GDI calls).
+// serves the device under test and the oracle (plain GDI calls); ORACLE is
+// the one beside a vMEMDEVICE, with its bitmap's header and colour table.
 #ifndef DEVCORE_SUPPORT_H
 #define DEVCORE_SUPPORT_H
 #include <windows.h>
@@ -12,32 +13,16 @@
 
 namespace devtest {
 
+struct DIBINFO {
+    BITMAPINFOHEADER h;
+    RGBQUAD colours[256];
+};
+
 class SURFACE {
 public:
-    // 32 bits per pixel, or 8 with the palette given (256 entries).
-    SURFACE(int w, int h, int bpp = 32, const RGBQUAD* palette = nullptr) : width(w), height(h), depth(bpp)
-    {
-        struct {
-            BITMAPINFOHEADER h;
-            RGBQUAD colours[256];
-        } info;
-        memset(&info, 0, sizeof info);
-        info.h.biSize = sizeof(BITMAPINFOHEADER);
-        info.h.biWidth = w;
-        info.h.biHeight = -h;  // top-down: row y starts at y * stride
-        info.h.biPlanes = 1;
-        info.h.biBitCount = (WORD)bpp;
-        info.h.biCompression = BI_RGB;
-        if (bpp == 8) {
-            info.h.biClrUsed = 256;
-            memcpy(info.colours, palette, sizeof info.colours);
-        }
-        dc = CreateCompatibleDC(nullptr);
-        bitmap = CreateDIBSection(dc, (BITMAPINFO*)&info, DIB_RGB_COLORS, &bits, nullptr, 0);
-        old = SelectObject(dc, bitmap);
-        stride = ((w * bpp + 31) / 32) * 4;
-        Clear(0xFF);
-    }
+    // 32 bits per pixel, or 8 with the palette given (256 entries); top-down.
+    SURFACE(int w, int h, int bpp = 32, const RGBQUAD* palette = nullptr) { Make(Info(w, h, bpp, palette), 0xFF); }
+    SURFACE(const DIBINFO& info, unsigned char fill) { Make(info, fill); }
     ~SURFACE()
     {
         SelectObject(dc, old);
@@ -55,11 +40,12 @@ public:
         const unsigned char* p = static_cast<const unsigned char*>(bits);
         return std::vector<unsigned char>(p, p + (size_t)stride * height);
     }
-    // The pixel as 0x00RRGGBB (32-bit) or its palette index (8-bit).
+    // The pixel as 0x00RRGGBB (32-bit) or its palette index (8-bit), y from the top.
     std::uint32_t Pixel(int x, int y) const
     {
         GdiFlush();
-        const unsigned char* row = static_cast<const unsigned char*>(bits) + (size_t)y * stride;
+        const unsigned char* row =
+            static_cast<const unsigned char*>(bits) + (size_t)(bottomUp ? height - 1 - y : y) * stride;
         if (depth == 8)
             return row[x];
         std::uint32_t v;
@@ -76,12 +62,61 @@ public:
         return n;
     }
     int Count(std::uint32_t background) const { return Count(0, 0, width, height, background); }
-
     HDC dc;
     HBITMAP bitmap;
     HGDIOBJ old;
     void* bits;
     int width, height, depth, stride;
+    bool bottomUp;
+
+private:
+    static DIBINFO Info(int w, int h, int bpp, const RGBQUAD* palette)
+    {
+        DIBINFO info;
+        memset(&info, 0, sizeof info);
+        info.h.biSize = sizeof(BITMAPINFOHEADER);
+        info.h.biWidth = w;
+        info.h.biHeight = -h;
+        info.h.biPlanes = 1;
+        info.h.biBitCount = (WORD)bpp;
+        if (bpp == 8) {
+            info.h.biClrUsed = 256;
+            memcpy(info.colours, palette, sizeof info.colours);
+        }
+        return info;
+    }
+    void Make(const DIBINFO& info, unsigned char fill)
+    {
+        width = info.h.biWidth;
+        bottomUp = info.h.biHeight > 0;
+        height = bottomUp ? info.h.biHeight : -info.h.biHeight;
+        depth = info.h.biBitCount;
+        stride = ((width * depth + 31) / 32) * 4;
+        dc = CreateCompatibleDC(nullptr);
+        bitmap = CreateDIBSection(dc, (const BITMAPINFO*)&info, DIB_RGB_COLORS, &bits, nullptr, 0);
+        old = SelectObject(dc, bitmap);
+        Clear(fill);
+    }
+};
+
+// The memory device's header and colours (read in the device's own context,
+// since a bitmap can be in one context only).
+inline DIBINFO InfoOf(vMEMDEVICE& device)
+{
+    DIBSECTION ds;
+    memset(&ds, 0, sizeof ds);
+    GetObjectA(device.Bitmap(), sizeof ds, &ds);
+    DIBINFO info;
+    memset(&info, 0, sizeof info);
+    info.h = ds.dsBmih;
+    if (info.h.biBitCount <= 8) {
+        EXPECT_EQ(GetDIBColorTable(device.GetWinDC(), 0, 256, info.colours), 1u << info.h.biBitCount);
+    }
+    return info;
+}
+
+struct ORACLE : SURFACE {
+    ORACLE(vMEMDEVICE& device, unsigned char fill) : SURFACE(InfoOf(device), fill) {}
 };
 
 // The palette of the 8-bit surfaces: a 6 x 6 x 6 cube at multiples of 51
@@ -90,15 +125,12 @@ inline std::vector<RGBQUAD> CubePalette()
 {
     std::vector<RGBQUAD> p(256);
     for (int i = 0; i < 256; ++i) {
-        RGBQUAD q = {0, 0, 0, 0};
-        if (i < 216) {
-            q.rgbRed = (BYTE)(51 * (i / 36));
-            q.rgbGreen = (BYTE)(51 * (i / 6 % 6));
-            q.rgbBlue = (BYTE)(51 * (i % 6));
-        } else {
-            q.rgbRed = q.rgbGreen = q.rgbBlue = (BYTE)((i - 216) * 6 + 3);
-        }
-        p[i] = q;
+        BYTE r, g, b;
+        if (i < 216)
+            r = (BYTE)(51 * (i / 36)), g = (BYTE)(51 * (i / 6 % 6)), b = (BYTE)(51 * (i % 6));
+        else
+            r = g = b = (BYTE)((i - 216) * 6 + 3);
+        p[i] = {b, g, r, 0};
     }
     return p;
 }
@@ -108,17 +140,13 @@ class DEVICE : public vDEVICEID {
 public:
     explicit DEVICE(HDC dc) : vDEVICEID(dc) {}
     using vDEVICE::ActivateDC;
-    using vDEVICE::BeginDraw;
-    using vDEVICE::EndDraw;
-    using vDEVICE::RegisterScreen;
-    using vDEVICE::ScreenDevice;
     using vDEVICE::GetScreenPalette;
     using vDEVICE::SetScreenPalette;
     using vDEVICE::PaletteFlag;
 };
 
 // Plain GDI on the oracle surface: a solid null-pen brush or a pen, selected
-// for one call and removed again.
+// for one scope.
 struct WITHBRUSH {
     WITHBRUSH(HDC d, COLORREF c) : dc(d), brush(CreateSolidBrush(c))
     {
@@ -137,10 +165,7 @@ struct WITHBRUSH {
 };
 
 struct WITHPEN {
-    WITHPEN(HDC d, int width, COLORREF c) : dc(d), pen(CreatePen(PS_SOLID, width, c))
-    {
-        old = SelectObject(dc, pen);
-    }
+    WITHPEN(HDC d, int width, COLORREF c) : dc(d), pen(CreatePen(PS_SOLID, width, c)) { old = SelectObject(dc, pen); }
     ~WITHPEN()
     {
         SelectObject(dc, old);
@@ -151,25 +176,54 @@ struct WITHPEN {
     HGDIOBJ old;
 };
 
-// Byte-for-byte equality of two surfaces, naming the first differing pixel.
-inline ::testing::AssertionResult Same(const SURFACE& got, const SURFACE& want)
+// Byte-for-byte equality of two pixel buffers, naming the first differing pixel.
+inline ::testing::AssertionResult SameBuffers(const unsigned char* a, const SURFACE& want, size_t size)
 {
-    std::vector<unsigned char> a = got.Bytes(), b = want.Bytes();
-    if (a.size() != b.size())
-        return ::testing::AssertionFailure() << "sizes differ";
-    int bytes = got.depth / 8, differing = 0, first = -1;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (a[i] != b[i]) {
-            ++differing;
-            if (first < 0)
-                first = (int)i;
-        }
+    std::vector<unsigned char> b = want.Bytes();
+    if (!a || size != b.size())
+        return ::testing::AssertionFailure() << "no pixels or sizes differ";
+    size_t differing = 0, first = 0;
+    for (size_t i = 0; i < size; ++i)
+        if (a[i] != b[i] && differing++ == 0)
+            first = i;
     if (!differing)
         return ::testing::AssertionSuccess();
-    int x = first % got.stride / bytes, y = first / got.stride;
-    return ::testing::AssertionFailure() << differing << " bytes differ, first at pixel (" << x << ", " << y
-                                         << "): " << got.Pixel(x, y) << " drawn, " << want.Pixel(x, y)
-                                         << " expected";
+    int x = (int)(first % want.stride) / (want.depth / 8 ? want.depth / 8 : 1), y = (int)(first / want.stride);
+    return ::testing::AssertionFailure() << differing << " bytes differ, first at pixel (" << x << ", "
+                                         << (want.bottomUp ? want.height - 1 - y : y) << "): " << (int)a[first]
+                                         << " drawn, " << (int)b[first] << " expected";
+}
+
+inline ::testing::AssertionResult Same(const SURFACE& got, const SURFACE& want)
+{
+    std::vector<unsigned char> a = got.Bytes();
+    return SameBuffers(a.data(), want, a.size());
+}
+
+inline ::testing::AssertionResult SameBytes(vMEMDEVICE& device, const SURFACE& want)
+{
+    return SameBuffers(device.GetDIB(), want, device.BufferSize());
+}
+
+// The memory device's pixel at (x, y), y from the top: 0x00RRGGBB at 32 bits,
+// the index at 8; and its pixels in [x0, x1) x [y0, y1) other than `background`.
+inline unsigned long Pixel(vMEMDEVICE& d, int x, int y)
+{
+    int h = (int)d.Height()(), w = (int)d.Width()();
+    unsigned long stride = ((unsigned long)w * d.BitsPerPixel() + 31) / 32 * 4;
+    const unsigned char* row = d.GetDIB() + (unsigned long)(h - 1 - y) * stride;
+    if (d.BitsPerPixel() == 8)
+        return row[x];
+    return (row[4 * x] | row[4 * x + 1] << 8 | (unsigned long)row[4 * x + 2] << 16);
+}
+
+inline int Ink(vMEMDEVICE& d, int x0, int y0, int x1, int y1, unsigned long background)
+{
+    int n = 0;
+    for (int y = y0; y < y1; ++y)
+        for (int x = x0; x < x1; ++x)
+            n += Pixel(d, x, y) != background;
+    return n;
 }
 
 // Logical to device as the mapping defines it, in 64-bit arithmetic.
@@ -182,7 +236,22 @@ inline long Map(long l, long origin, long device, long logical)
 inline vRECT R(long l, long t, long r, long b) { return vRECT(vINT(l), vINT(t), vINT(r), vINT(b)); }
 inline vPOINT P(long x, long y) { return vPOINT(vINT(x), vINT(y)); }
 
-// A fill-only or line-only device state.
+struct PT {
+    long x, y;
+};
+
+// A contour through the points, open or closed.
+inline void AddContour(vSHAPE& s, const std::vector<PT>& pts, bool closed = true)
+{
+    for (size_t i = 0; i < pts.size(); ++i) {
+        unsigned char f = i == 0 ? 0x09 : 0x08;
+        if (i + 1 == pts.size())
+            f = (unsigned char)((i == 0 ? 0x01 : 0) | 0x02 | (closed ? 0x08 : 0));
+        s.AppendPoint(vBEZPOINT(P(pts[i].x, pts[i].y), f));
+    }
+}
+
+// A fill-only device state.
 inline void PlainFill(vDEVICE& d, const vCOLOUR& c)
 {
     d.FillSpec(vFILLSPEC(vFT_SOLID, c, c));

@@ -1,10 +1,9 @@
-// The memory device: its bitmap (size, depth, white start, refusals), and
-// drawing on it checked byte for byte against plain GDI calls on a second
-// bitmap of the same kind.
+// The memory device: its bitmap (size, depth, white start, refusals, copies)
+// and drawing on it byte for byte against plain GDI on a second bitmap.
 #include <gtest/gtest.h>
-#include "memdev_oracle.h"
+#include "devcore_support.h"
 
-using namespace memtest;
+using namespace devtest;
 
 TEST(MemDevice, BitmapOfTheScreensDepthStartsWhite)
 {
@@ -33,7 +32,6 @@ TEST(MemDevice, BitmapOfTheScreensDepthStartsWhite)
         EXPECT_EQ(ds.dsBmih.biHeight, c.h);   // bottom-up
         EXPECT_EQ(ds.dsBm.bmBits, d.GetDIB());
     }
-
     // Preparing again gives a fresh white bitmap of the new size; a refused
     // size leaves none.
     vMEMDEVICE d(vINT(8L), vINT(8L));
@@ -50,49 +48,6 @@ TEST(MemDevice, BitmapOfTheScreensDepthStartsWhite)
     EXPECT_EQ(d.GetDIB(), nullptr);
     EXPECT_EQ(d.DrawRect(R(2, 0, 4, 2)), 1);   // drawn into nothing, harmlessly
 }
-
-TEST(MemDevice, CopyHasItsOwnBitmapWithTheSamePixels)
-{
-    vMEMDEVICE a(vINT(9L), vINT(4L));
-    a.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(10, 20, 30), vCOLOUR(10, 20, 30)));
-    a.LineSpec(vLINESPEC(vLT_NONE));
-    a.DrawRect(R(1, 1, 3, 2));
-    vMEMDEVICE b(a);
-    ASSERT_NE(b.GetDIB(), nullptr);
-    EXPECT_NE(b.GetDIB(), a.GetDIB());
-    EXPECT_EQ(memcmp(a.GetDIB(), b.GetDIB(), a.BufferSize()), 0);
-    b.DrawRect(R(5, 0, 8, 3));
-    EXPECT_EQ(Ink(a, 0, 0, 9, 4, 0xFFFFFF), 2);
-    EXPECT_EQ(Ink(b, 0, 0, 9, 4, 0xFFFFFF), 2 + 9);
-    vMEMDEVICE c;
-    EXPECT_EQ(c.GetDIB(), nullptr);
-    c = b;
-    EXPECT_EQ(memcmp(c.GetDIB(), b.GetDIB(), b.BufferSize()), 0);
-}
-
-namespace {
-// A null pen and a solid brush, or a one-pixel pen, for one block of calls.
-struct GDIOBJECTS {
-    GDIOBJECTS(HDC d, COLORREF c, bool fill) : dc(d), pen(fill ? nullptr : CreatePen(PS_SOLID, 1, c)),
-          brush(CreateSolidBrush(c))
-    {
-        oldPen = SelectObject(dc, pen ? (HGDIOBJ)pen : GetStockObject(NULL_PEN));
-        oldBrush = SelectObject(dc, brush);
-    }
-    ~GDIOBJECTS()
-    {
-        SelectObject(dc, oldPen);
-        SelectObject(dc, oldBrush);
-        if (pen)
-            DeleteObject(pen);
-        DeleteObject(brush);
-    }
-    HDC dc;
-    HPEN pen;
-    HBRUSH brush;
-    HGDIOBJ oldPen, oldBrush;
-};
-} // namespace
 
 // Plain fills, one-pixel lines, arcs, pies and chords on the memory device,
 // against the same GDI calls on a second DIB section, under a logical
@@ -116,12 +71,13 @@ TEST(MemDevice, PrimitivesMatchGdi)
     EXPECT_EQ(d.DrawPie(R(60, 60, 100, 110), P(100, 85), P(80, 60)), 1);
     EXPECT_EQ(d.DrawChord(R(100, 60, 150, 110), P(150, 85), P(100, 85)), 1);
     {
-        GDIOBJECTS fill(want.dc, rgb, true);
+        WITHBRUSH fill(want.dc, rgb);
         Rectangle(want.dc, 3, 2, 33, 20);
         Ellipse(want.dc, 37, 0, 77, 24);
     }
     {
-        GDIOBJECTS line(want.dc, rgb, false);
+        WITHBRUSH brush(want.dc, rgb);
+        WITHPEN line(want.dc, 1, rgb);
         MoveToEx(want.dc, 2, 54, nullptr);
         LineTo(want.dc, 77, 29);
         SetPixel(want.dc, 77, 29, rgb);
@@ -130,4 +86,23 @@ TEST(MemDevice, PrimitivesMatchGdi)
         Chord(want.dc, 52, 29, 77, 54, 77, 42, 52, 42);
     }
     EXPECT_TRUE(SameBytes(d, want));
+}
+
+TEST(Screen, TrueColourDisplayHasNoPalette)
+{
+    vSCREEN& screen = vDEVICE::GetScreen();
+    ASSERT_NE(&screen, nullptr);
+    HDC dc = GetDC(nullptr);
+    int bits = GetDeviceCaps(dc, BITSPIXEL) * GetDeviceCaps(dc, PLANES);
+    ReleaseDC(nullptr, dc);
+    ASSERT_EQ(bits, 32);
+    EXPECT_EQ(screen.GetNoColours()(), 32);
+    EXPECT_EQ(screen.NoColours(), 0xFFFFFFFFul);   // 2^32 does not fit: saturated
+    EXPECT_EQ(screen.PaletteEnabled(), 0);
+    EXPECT_EQ(vSCREEN::Palette(), nullptr);
+    EXPECT_EQ(vSCREEN::LogPalette(), nullptr);
+    EXPECT_EQ(screen.PatternBlock(), nullptr);
+    screen.EnablePalette(1);
+    EXPECT_EQ(screen.PaletteEnabled(), 0);
+    EXPECT_EQ(vSCREEN::Palette(), nullptr);
 }

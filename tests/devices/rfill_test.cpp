@@ -1,7 +1,7 @@
 // The fill renderer by its pixels: brush fills against the same polygons and
 // brushes drawn with plain GDI; graded fills against bands worked out here
 // from the banding rules (frame, band count, blend) and drawn with plain GDI
-// under the shape's region; the clip area before and after a graded fill.
+// under the shape's region; bitmap fills against a DIB pattern brush.
 #include <gtest/gtest.h>
 #include <cstdlib>
 #include <vector>
@@ -10,20 +10,6 @@
 using namespace devtest;
 
 namespace {
-
-struct PT {
-    long x, y;
-};
-
-void AddContour(vSHAPE& s, const std::vector<PT>& pts)
-{
-    for (size_t i = 0; i < pts.size(); ++i) {
-        unsigned char f = i == 0 ? 0x09 : 0x08;
-        if (i + 1 == pts.size())
-            f = 0x0A;
-        s.AppendPoint(vBEZPOINT(P(pts[i].x, pts[i].y), f));
-    }
-}
 
 const std::vector<PT> kOuter = {{10, 8}, {110, 14}, {96, 90}, {4, 80}};
 const std::vector<PT> kHole = {{40, 30}, {70, 32}, {60, 60}, {36, 56}};
@@ -46,18 +32,6 @@ std::vector<POINT> Pts(const std::vector<PT>& a, const std::vector<PT>& b = {})
         v.push_back({p.x, p.y});
     return v;
 }
-
-// Row bytes of a few pattern entries, top row first (entry -1 is the grey).
-struct ENTRY {
-    int entry;
-    unsigned char rows[8];
-};
-const ENTRY kEntries[] = {
-    {-1, {0xaa, 0x55, 0xaa, 0x55, 0xaa, 0x55, 0xaa, 0x55}}, {0, {0xff, 0xff, 0xef, 0xff, 0xff, 0xff, 0xfe, 0xff}},
-    {5, {0x00, 0x55, 0x00, 0x55, 0x00, 0x55, 0x00, 0x55}},  {15, {0x83, 0x27, 0x72, 0x38, 0x1c, 0x4e, 0xe4, 0xc1}},
-    {23, {0x00, 0xdd, 0xbb, 0x77, 0x00, 0x77, 0xbb, 0xdd}}, {24, {0xee, 0xdd, 0xbb, 0x77, 0xee, 0xdd, 0xbb, 0x77}},
-    {35, {0xef, 0xef, 0xef, 0x00, 0xef, 0xef, 0xef, 0xef}},
-};
 
 HBRUSH EntryBrush(const unsigned char rows[8])
 {
@@ -219,14 +193,19 @@ int RadialOracle(HDC dc, RECT box, int type, COLORREF c1, COLORREF c2, int quali
 TEST(FillRender, BrushFillsPaintThePolygonsWithTheirBrush)
 {
     const COLORREF colour = RGB(200, 40, 90);
+    // Pattern entries by their row bytes, top row first.
     struct CASE {
-        int type;
-        int hatch;  // -1: none
-        int entry;  // -2: none
+        int type, hatch;  // hatch -1: none
+        unsigned char rows[8];  // all zero: none
     } cases[] = {
-        {1, -1, -2},  {8, HS_HORIZONTAL, -2}, {9, HS_VERTICAL, -2}, {10, HS_FDIAGONAL, -2}, {11, HS_BDIAGONAL, -2},
-        {12, HS_CROSS, -2}, {13, HS_DIAGCROSS, -2}, {15, -1, 0}, {20, -1, 5}, {30, -1, 15}, {38, -1, 23},
-        {39, -1, 24}, {50, -1, 35},
+        {1, -1, {}}, {8, HS_HORIZONTAL, {}}, {9, HS_VERTICAL, {}}, {10, HS_FDIAGONAL, {}}, {11, HS_BDIAGONAL, {}},
+        {12, HS_CROSS, {}}, {13, HS_DIAGCROSS, {}},
+        {15, -1, {0xff, 0xff, 0xef, 0xff, 0xff, 0xff, 0xfe, 0xff}},
+        {20, -1, {0x00, 0x55, 0x00, 0x55, 0x00, 0x55, 0x00, 0x55}},
+        {30, -1, {0x83, 0x27, 0x72, 0x38, 0x1c, 0x4e, 0xe4, 0xc1}},
+        {38, -1, {0x00, 0xdd, 0xbb, 0x77, 0x00, 0x77, 0xbb, 0xdd}},
+        {39, -1, {0xee, 0xdd, 0xbb, 0x77, 0xee, 0xdd, 0xbb, 0x77}},
+        {50, -1, {0xef, 0xef, 0xef, 0x00, 0xef, 0xef, 0xef, 0xef}},
     };
     for (const CASE& k : cases) {
         SCOPED_TRACE(k.type);
@@ -234,50 +213,12 @@ TEST(FillRender, BrushFillsPaintThePolygonsWithTheirBrush)
         DEVICE d(got.dc);
         Fill(d, (vFILLTYPE)k.type, colour, RGB(0, 0, 0), 0);
         EXPECT_EQ(d.DrawShape(Holed()), 1);
-        HBRUSH b;
-        if (k.hatch >= 0)
-            b = CreateHatchBrush(k.hatch, colour);
-        else if (k.entry >= -1) {
-            const ENTRY* e = nullptr;
-            for (const ENTRY& x : kEntries)
-                if (x.entry == k.entry)
-                    e = &x;
-            ASSERT_NE(e, nullptr);
-            b = EntryBrush(e->rows);
-        } else
-            b = CreateSolidBrush(colour);
+        HBRUSH b = k.hatch >= 0 ? CreateHatchBrush(k.hatch, colour) : k.rows[0] | k.rows[1] ? EntryBrush(k.rows)
+                                                                                             : CreateSolidBrush(colour);
         PaintHoled(want.dc, b);
         EXPECT_TRUE(Same(got, want));
         EXPECT_GT(got.Count(0xFFFFFF), 150);
     }
-}
-
-// Rectangles and ellipses with a pattern fill go the shape road: the
-// rectangle's four corners, the ellipse's flattened quarters, both inside
-// their rectangle.
-TEST(FillRender, RectanglesTakeThePolygonOfTheirCorners)
-{
-    SURFACE got(100, 80), want(100, 80);
-    DEVICE d(got.dc);
-    Fill(d, vFT_HATCH_FIRST, RGB(0, 0, 255), RGB(0, 0, 0), 0);
-    EXPECT_EQ(d.DrawRect(R(10, 12, 80, 60)), 1);
-    POINT q[4] = {{10, 12}, {80, 12}, {80, 60}, {10, 60}};
-    HBRUSH b = CreateHatchBrush(HS_HORIZONTAL, RGB(0, 0, 255));
-    HGDIOBJ op = SelectObject(want.dc, GetStockObject(NULL_PEN));
-    HGDIOBJ ob = SelectObject(want.dc, b);
-    Polygon(want.dc, q, 4);
-    SelectObject(want.dc, ob);
-    SelectObject(want.dc, op);
-    DeleteObject(b);
-    EXPECT_TRUE(Same(got, want));
-
-    got.Clear(0xFF);
-    Fill(d, (vFILLTYPE)17, RGB(0, 0, 0), RGB(0, 0, 0), 0);
-    EXPECT_EQ(d.DrawEllipse(R(10, 12, 80, 60)), 1);
-    EXPECT_GT(got.Count(0xFFFFFF), 500);
-    EXPECT_EQ(got.Count(0, 0, 100, 12, 0xFFFFFF) + got.Count(0, 61, 100, 80, 0xFFFFFF) +
-                  got.Count(0, 0, 10, 80, 0xFFFFFF) + got.Count(81, 0, 100, 80, 0xFFFFFF),
-              0);
 }
 
 TEST(FillRender, LinearBandsFollowTheFrameCountAndBlend)
@@ -340,85 +281,6 @@ TEST(FillRender, RadialBandsAreRingsOfTheirPointCount)
             }
 }
 
-// Whatever the bands reach, nothing lands outside the shape, and the clip
-// area the device had before the fill is the one it has after it, in the
-// context and at the next activation alike.
-TEST(FillRender, GradedFillsStayInTheShapeAndKeepTheClipArea)
-{
-    SURFACE got(120, 100), other(20, 20);
-    DEVICE d(got.dc);
-    DEVICE e(other.dc);
-    std::vector<PT> tri = {{60, 5}, {115, 95}, {5, 80}};
-    vSHAPE s;
-    AddContour(s, tri);
-    std::vector<POINT> v = Pts(tri);
-    HRGN rgn = CreatePolygonRgn(v.data(), 3, ALTERNATE);
-    for (int type = 2; type <= 6; ++type) {
-        SCOPED_TRACE(type);
-        got.Clear(0xFF);
-        Fill(d, (vFILLTYPE)type, RGB(0, 0, 0), RGB(0, 128, 255), 45);
-        EXPECT_EQ(d.DrawShape(s), 1);
-        int inside = 0, outside = 0;
-        for (int y = 0; y < 100; ++y)
-            for (int x = 0; x < 120; ++x) {
-                bool ink = got.Pixel(x, y) != 0xFFFFFF;
-                if (PtInRegion(rgn, x, y))
-                    inside += ink;
-                else
-                    outside += ink;
-            }
-        EXPECT_EQ(outside, 0);
-        EXPECT_GT(inside, 4000);
-    }
-    DeleteObject(rgn);
-
-    // A clip rectangle, then a graded fill over all of it, then a plain
-    // fill of the whole surface: only the rectangle takes ink.
-    for (int reactivate = 0; reactivate <= 1; ++reactivate) {
-        got.Clear(0xFF);
-        d.ClearClipArea();
-        EXPECT_EQ(d.ClipArea(R(20, 20, 70, 60)), 1);
-        vRECT before = d.ClipArea();
-        Fill(d, vFT_LINEAR3, RGB(255, 0, 0), RGB(0, 0, 255), 0);
-        vRECTSHAPE all(R(0, 0, 119, 99));
-        EXPECT_EQ(d.DrawShape(all), 1);
-        if (reactivate)
-            e.ActivateDC();
-        vRECT after = d.ClipArea();
-        EXPECT_EQ(before.left(), after.left());
-        EXPECT_EQ(before.top(), after.top());
-        EXPECT_EQ(before.right(), after.right());
-        EXPECT_EQ(before.bottom(), after.bottom());
-        PlainFill(d, vCOLOUR(0, 255, 0));
-        EXPECT_EQ(d.DrawRect(R(0, 0, 119, 99)), 1);
-        EXPECT_EQ(got.Count(0xFFFFFF), 50 * 40);
-        EXPECT_EQ(got.Count(20, 20, 70, 60, 0x00FF00), 0);
-    }
-    d.ClearClipArea();
-
-    // Without a clip area the fill leaves none behind.
-    got.Clear(0xFF);
-    Fill(d, vFT_RADIAL, RGB(255, 0, 0), RGB(0, 0, 255), 0);
-    vRECTSHAPE small(R(10, 10, 30, 30));
-    EXPECT_EQ(d.DrawShape(small), 1);
-    PlainFill(d, vCOLOUR(0, 255, 0));
-    EXPECT_EQ(d.DrawRect(R(0, 0, 119, 99)), 1);
-    EXPECT_EQ(got.Count(0, 0, 119, 99, 0x00FF00), 0);
-}
-
-// Fill types without a rendering draw nothing and succeed.
-TEST(FillRender, TypesWithoutARenderingDrawNothing)
-{
-    for (int type : {7, 51, 60}) {
-        SURFACE got(60, 60);
-        DEVICE d(got.dc);
-        Fill(d, (vFILLTYPE)type, RGB(0, 0, 0), RGB(0, 0, 0), 0);
-        vRECTSHAPE r(R(5, 5, 50, 50));
-        EXPECT_EQ(d.DrawShape(r), 1);
-        EXPECT_EQ(got.Count(0xFFFFFF), 0);
-    }
-}
-
 // A bitmap fill tiles the fill's own image: the same rows as a packed DIB
 // pattern brush over the same polygon.
 TEST(FillRender, BitmapFillsTileTheFillsImage)
@@ -440,7 +302,6 @@ TEST(FillRender, BitmapFillsTileTheFillsImage)
     d.LineSpec(vLINESPEC(vLT_NONE));
     ASSERT_EQ(d.FillSpec().Type(), vFT_BITMAP);
     EXPECT_EQ(d.DrawShape(Holed()), 1);
-
     std::vector<unsigned char> packed(sizeof(BITMAPINFOHEADER) + rows.size());
     BITMAPINFOHEADER h = {};
     h.biSize = sizeof h;
@@ -453,49 +314,4 @@ TEST(FillRender, BitmapFillsTileTheFillsImage)
     PaintHoled(want.dc, CreateDIBPatternBrushPt(packed.data(), DIB_RGB_COLORS));
     EXPECT_TRUE(Same(got, want));
     EXPECT_GT(got.Count(0xFFFFFF), 4000);
-}
-
-// Whole degrees of 360 and more take the unrotated box, as 0 does; the
-// angle is given raw since a whole-degree angle is reduced below 360.
-TEST(FillRender, AnglesFrom360UpUseTheBoxItself)
-{
-    SURFACE base(130, 110);
-    DEVICE b(base.dc);
-    Fill(b, vFT_LINEAR3, RGB(255, 0, 0), RGB(0, 0, 255), 0);
-    EXPECT_EQ(b.DrawShape(Holed()), 1);
-    for (long degrees : {360L, 361L, 720L}) {
-        SURFACE got(130, 110);
-        DEVICE d(got.dc);
-        vFILLSPEC style(vFT_LINEAR3, vCOLOUR(255, 0, 0), vCOLOUR(0, 0, 255), vANGLE::FromRaw(degrees << 16));
-        d.FillSpec(style);
-        d.LineSpec(vLINESPEC(vLT_NONE));
-        EXPECT_EQ(d.DrawShape(Holed()), 1);
-        EXPECT_TRUE(Same(got, base)) << degrees;
-    }
-}
-
-// The band frame and the clip polygon go through the same mapping: with an
-// origin, a graded fill is the fill of the moved shape without one.
-TEST(FillRender, GradedFillsFollowTheOrigin)
-{
-    for (int type : {2, 4, 5}) {
-        SCOPED_TRACE(type);
-        SURFACE got(140, 120), want(140, 120);
-        DEVICE d(got.dc), e(want.dc);
-        Fill(d, (vFILLTYPE)type, RGB(255, 128, 0), RGB(0, 64, 128), 20);
-        Fill(e, (vFILLTYPE)type, RGB(255, 128, 0), RGB(0, 64, 128), 20);
-        d.Origin(P(13, 9));
-        EXPECT_EQ(d.DrawShape(Holed()), 1);
-        vSHAPE moved;
-        std::vector<PT> outer = kOuter, hole = kHole;
-        for (PT& p : outer)
-            p.x += 13, p.y += 9;
-        for (PT& p : hole)
-            p.x += 13, p.y += 9;
-        AddContour(moved, outer);
-        AddContour(moved, hole);
-        EXPECT_EQ(e.DrawShape(moved), 1);
-        EXPECT_TRUE(Same(got, want));
-        EXPECT_GT(got.Count(0xFFFFFF), 4000);
-    }
 }

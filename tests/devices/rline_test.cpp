@@ -1,7 +1,7 @@
 // The outline renderer by its pixels: wide pieces, dashes, pen outlines and
 // brush blocks against the plain GDI calls that draw the polygons, pen runs and
-// blocks the width rules give; joins and caps by what any join must cover and
-// must not reach; shape clipping against GDI's own polygon region.
+// blocks the width rules give; shape clipping against GDI's own polygon
+// region; the point tables of the rectangle and ellipse shapes.
 #include <gtest/gtest.h>
 #include <cmath>
 #include <vector>
@@ -12,21 +12,6 @@ using namespace devtest;
 namespace {
 
 const COLORREF kGrey = RGB(128, 128, 128);
-
-struct PT {
-    long x, y;
-};
-
-// An open (or, with `closed`, closed) contour through the points.
-void AddContour(vSHAPE& s, const std::vector<PT>& pts, bool closed)
-{
-    for (size_t i = 0; i < pts.size(); ++i) {
-        unsigned char f = i == 0 ? 0x09 : 0x08;
-        if (i + 1 == pts.size())
-            f = (unsigned char)((i == 0 ? 0x01 : 0) | 0x02 | (closed ? 0x08 : 0));
-        s.AppendPoint(vBEZPOINT(P(pts[i].x, pts[i].y), f));
-    }
-}
 
 void Outline(DEVICE& d, const vSHAPE& s, vLINETYPE type, COLORREF c, long width, int corner, int dash)
 {
@@ -70,25 +55,6 @@ void Quad(HDC dc, PT a, PT b, long w)
     Polygon(dc, q, 4);
 }
 
-// Distance from (x, y) to the segment a-b.
-double SegDist(double x, double y, PT a, PT b)
-{
-    double dx = b.x - a.x, dy = b.y - a.y, l2 = dx * dx + dy * dy;
-    double t = l2 ? ((x - a.x) * dx + (y - a.y) * dy) / l2 : 0;
-    t = t < 0 ? 0 : t > 1 ? 1 : t;
-    double ex = a.x + t * dx - x, ey = a.y + t * dy - y;
-    return std::sqrt(ex * ex + ey * ey);
-}
-double PathDist(double x, double y, const std::vector<PT>& pts, bool closed)
-{
-    double best = 1e9;
-    for (size_t i = 0; i + 1 < pts.size(); ++i)
-        best = std::min(best, SegDist(x, y, pts[i], pts[i + 1]));
-    if (closed)
-        best = std::min(best, SegDist(x, y, pts.back(), pts.front()));
-    return best;
-}
-
 } // namespace
 
 // Single straight pieces along both axes, both directions, and on a 3-4-5
@@ -113,26 +79,6 @@ TEST(LineRender, WidePiecesAreTheQuadrilateralsOfTheWidthRule)
             EXPECT_TRUE(Same(got, want)) << "width " << w << " from " << e[0].x << "," << e[0].y << " to " << e[1].x
                                          << "," << e[1].y;
         }
-}
-
-// A polyline that goes straight on at its inner points is one band: the
-// pieces share their edges and no join is added.
-TEST(LineRender, StraightOnJointsAddNothing)
-{
-    for (long w : {6L, 12L}) {
-        SURFACE got(120, 120), want(120, 120);
-        DEVICE d(got.dc);
-        vSHAPE s;
-        AddContour(s, {{10, 10}, {40, 50}, {70, 90}}, false);
-        AddContour(s, {{100, 10}, {100, 60}, {100, 110}}, false);
-        Outline(d, s, vLT_SOLID, RGB(0, 0, 255), w, 1, 1);
-        {
-            WITHBRUSH b(want.dc, RGB(0, 0, 255));
-            Quad(want.dc, {10, 10}, {70, 90}, w);
-            Quad(want.dc, {100, 10}, {100, 110}, w);
-        }
-        EXPECT_TRUE(Same(got, want)) << "width " << w;
-    }
 }
 
 // Dashes at width 12: each on entry of the pattern, scaled by half the width,
@@ -251,155 +197,6 @@ TEST(LineRender, ThinMixedColoursArePaintedInBlocks)
     }
 }
 
-// Joins and caps are this renderer's own construction; whatever it is, a wide
-// outline covers everything within half its width (less a pixel) of the
-// centre line and nothing beyond half the width plus the mitre's reach.
-TEST(LineRender, WideOutlinesCoverTheirBandAndNoMore)
-{
-    const std::vector<PT> zig = {{30, 30}, {150, 50}, {60, 130}, {170, 160}};
-    const std::vector<PT> box = {{40, 40}, {160, 40}, {160, 150}, {40, 150}};
-    for (int corner : {0, 1, 2})
-        for (int dash : {0, 1})
-            for (int closed = 0; closed < 2; ++closed) {
-                const std::vector<PT>& path = closed ? box : zig;
-                const long w = 12;
-                SURFACE got(200, 200);
-                DEVICE d(got.dc);
-                vSHAPE s;
-                AddContour(s, path, closed != 0);
-                Outline(d, s, vLT_SOLID, RGB(0, 0, 0), w, corner, dash);
-                // A mitre of the zigzag's sharpest turn reaches furthest; the
-                // limit keeps it within four half-widths.
-                double reach = corner == 1 ? 4.0 * w / 2 + 1 : w / 2.0 + 1.5;
-                // Joins and caps are checked for what they must not reach; the
-                // band is checked away from the path's points.
-                int stray = 0, missing = 0;
-                for (int y = 0; y < 200; ++y)
-                    for (int x = 0; x < 200; ++x) {
-                        double dist = PathDist(x + 0.5, y + 0.5, path, closed != 0);
-                        bool drawn = got.Pixel(x, y) != 0xFFFFFFu;
-                        double fromPoints = 1e9;
-                        for (const PT& p : path)
-                            fromPoints = std::min(fromPoints, std::hypot(x + 0.5 - p.x, y + 0.5 - p.y));
-                        stray += drawn && dist > reach;
-                        missing += !drawn && dist < w / 2.0 - 1 && fromPoints > w;
-                    }
-                EXPECT_EQ(stray, 0) << "corner " << corner << " dash " << dash << " closed " << closed;
-                EXPECT_EQ(missing, 0) << "corner " << corner << " dash " << dash << " closed " << closed;
-            }
-}
-
-// At the right-angled corners of a closed rectangle the three corner types
-// differ where they should: a mitre fills the outer corner square, a bevel
-// cuts it diagonally, a round join keeps to the circle.
-TEST(LineRender, CornerTypesShapeTheOuterCorner)
-{
-    const long w = 12;
-    for (int corner : {0, 1, 2}) {
-        SURFACE got(120, 120);
-        DEVICE d(got.dc);
-        vSHAPE s;
-        AddContour(s, {{30, 30}, {90, 30}, {90, 90}, {30, 90}}, true);
-        Outline(d, s, vLT_SOLID, RGB(0, 0, 0), w, corner, 1);
-        // The pixels whose centres lie 5.5 out from each corner on both axes
-        // (the tip of the outer corner square, 7.8 from the corner), and 2.5
-        // out (3.5 from it, well inside any join).
-        const PT corners[4] = {{30, 30}, {90, 30}, {90, 90}, {30, 90}};
-        const int sx[4] = {-1, 1, 1, -1}, sy[4] = {-1, -1, 1, 1};
-        for (int i = 0; i < 4; ++i) {
-            int ox = sx[i] < 0 ? -6 : 5, oy = sy[i] < 0 ? -6 : 5, ix = sx[i] < 0 ? -3 : 2, iy = sy[i] < 0 ? -3 : 2;
-            int outerHit = got.Pixel(corners[i].x + ox, corners[i].y + oy) != 0xFFFFFFu;
-            int innerHit = got.Pixel(corners[i].x + ix, corners[i].y + iy) != 0xFFFFFFu;
-            EXPECT_EQ(outerHit, corner == 1) << "corner type " << corner << " at " << i;
-            EXPECT_EQ(innerHit, 1) << "corner type " << corner << " at " << i;
-        }
-        // The hole stays empty.
-        EXPECT_EQ(got.Count(40, 40, 80, 80, 0xFFFFFF), 0);
-    }
-}
-
-// Rounded rectangles and ellipses at widths 1, 3 and 12 keep to a band
-// around their outline and are symmetric where the pixels can be.
-TEST(LineRender, RoundRectsAndEllipsesStayInTheirBand)
-{
-    for (long w : {1L, 3L, 12L}) {
-        SURFACE got(140, 120);
-        DEVICE d(got.dc);
-        d.FillSpec(vFILLSPEC(vFT_NONE));
-        d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(w), (vCORNERTYPE)0, (vDASHTYPE)0));
-        EXPECT_EQ(d.DrawRoundRect(R(20, 20, 120, 100), vSIZE(vINT(40L), vINT(30L))), 1);
-        // Straight runs of the rounded rectangle sit on its edges.
-        for (int x = 45; x <= 95; ++x) {
-            EXPECT_NE(got.Pixel(x, 20), 0xFFFFFFu);
-            EXPECT_NE(got.Pixel(x, 100), 0xFFFFFFu);
-        }
-        for (int y = 40; y <= 80; ++y) {
-            EXPECT_NE(got.Pixel(20, y), 0xFFFFFFu);
-            EXPECT_NE(got.Pixel(120, y), 0xFFFFFFu);
-        }
-        // The corners are cut off: the rectangle's own corner stays clear.
-        EXPECT_EQ(got.Pixel(20 - w / 2 + 1, 20 - w / 2 + 1) == 0xFFFFFFu || w == 1, true);
-        // Inside, away from the rounded corners, nothing.
-        EXPECT_EQ(got.Count(20 + w, 35, 120 - w, 85, 0xFFFFFF) + got.Count(40, 20 + w, 100, 100 - w, 0xFFFFFF), 0)
-            << "width " << w;
-        EXPECT_EQ(got.Count(0, 0, 140, 20 - w, 0xFFFFFF) + got.Count(0, 100 + w + 1, 140, 120, 0xFFFFFF), 0);
-
-        got.Clear(0xFF);
-        EXPECT_EQ(d.DrawEllipse(R(20, 20, 120, 100)), 1);
-        int drawn = got.Count(0xFFFFFF);
-        EXPECT_GT(drawn, 0);
-        // Within half a width (and a pixel of flattening) of the ellipse.
-        int stray = 0;
-        for (int y = 0; y < 120; ++y)
-            for (int x = 0; x < 140; ++x) {
-                if (got.Pixel(x, y) == 0xFFFFFFu)
-                    continue;
-                double u = (x + 0.5 - 70.5) / 50.0, v = (y + 0.5 - 60.5) / 40.0;
-                double r = std::sqrt(u * u + v * v);
-                stray += std::fabs(r - 1.0) * 40.0 > w / 2.0 + 2;
-            }
-        EXPECT_EQ(stray, 0) << "width " << w;
-    }
-}
-
-// A zero-length outline draws nothing in any method.
-TEST(LineRender, ZeroLengthDrawsNothing)
-{
-    for (long w : {1L, 3L, 12L})
-        for (COLORREF c : {RGB(0, 0, 0), kGrey}) {
-            SURFACE got(40, 40);
-            DEVICE d(got.dc);
-            vSHAPE s;
-            AddContour(s, {{20, 20}, {20, 20}, {20, 20}}, false);
-            Outline(d, s, vLT_SOLID, c, w, 2, 1);
-            int drawn = got.Count(0xFFFFFF);
-            // The pen sets the last pixel of a contour only when it drew.
-            EXPECT_EQ(drawn, 0) << "width " << w;
-        }
-}
-
-// In fast-update mode wide lines are outlined polygons in black: the band
-// itself stays empty.
-TEST(LineRender, FastUpdateOutlinesThePolygons)
-{
-    SURFACE got(100, 60), want(100, 60);
-    DEVICE d(got.dc);
-    vSHAPE s;
-    AddContour(s, {{10, 30}, {90, 30}}, false);
-    vDEVICE::FastUpdate(1);
-    Outline(d, s, vLT_SOLID, RGB(200, 30, 40), 12, 2, 1);
-    vDEVICE::FastUpdate(0);
-    {
-        HGDIOBJ oldBrush = SelectObject(want.dc, GetStockObject(NULL_BRUSH));
-        HGDIOBJ oldPen = SelectObject(want.dc, GetStockObject(BLACK_PEN));
-        Quad(want.dc, {10, 30}, {90, 30}, 12);
-        SelectObject(want.dc, oldPen);
-        SelectObject(want.dc, oldBrush);
-    }
-    EXPECT_TRUE(Same(got, want));
-    EXPECT_EQ(got.Pixel(50, 30), 0xFFFFFFu);
-}
-
 // A shape replaces the clip area with its polygons under the fill rule; a
 // fill over everything then lands exactly where GDI's own region of the same
 // polygons lets it, and nowhere outside the shape.
@@ -446,38 +243,49 @@ TEST(LineRender, ClipAreaByShapeMatchesGdiRegions)
     }
 }
 
-// A rectangle and a text hand themselves to the device: the rectangle is the
-// device's own DrawRect, pixel for pixel.
-TEST(LineRender, ValuesDrawThroughTheDevice)
-{
-    SURFACE got(60, 60), want(60, 60);
-    {
-        DEVICE d(got.dc);
-        d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(10, 20, 220), vCOLOUR(10, 20, 220)));
-        d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(12L), (vCORNERTYPE)1, (vDASHTYPE)1));
-        EXPECT_EQ(R(15, 15, 45, 40).Draw(d), 1);
-    }
-    {
-        DEVICE d(want.dc);
-        d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(10, 20, 220), vCOLOUR(10, 20, 220)));
-        d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 0), vINT(12L), (vCORNERTYPE)1, (vDASHTYPE)1));
-        EXPECT_EQ(d.DrawRect(R(15, 15, 45, 40)), 1);
-    }
-    EXPECT_TRUE(Same(got, want));
-    // The mitred 12-pixel frame covers the rectangle's corner square.
-    EXPECT_EQ(got.Pixel(9, 9), 0u);
-    EXPECT_EQ(got.Pixel(30, 28), 0x0A14DCu);
+namespace {
 
-    SURFACE text(120, 40), oracle(120, 40);
-    vSTRING s("Abc");
-    {
-        DEVICE d(text.dc);
-        EXPECT_EQ(s.Draw(d, R(0, 0, 120, 40), vTA_LEFT), 1);
-    }
-    {
-        DEVICE d(oracle.dc);
-        EXPECT_EQ(d.DrawTextA(s, R(0, 0, 120, 40), vTA_LEFT), 1);
-    }
-    EXPECT_TRUE(Same(text, oracle));
-    EXPECT_GT(text.Count(0xFFFFFF), 0);
+::testing::AssertionResult Box(const vSHAPE& s, long l, long t, long r, long b)
+{
+    const vRECT& x = s.BoundBox();
+    if (x.left() == l && x.top() == t && x.right() == r && x.bottom() == b)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "(" << x.left() << "," << x.top() << "," << x.right() << ","
+                                         << x.bottom() << ")";
+}
+
+// The points of a shape as (x, y, flags) triples.
+std::vector<long> Table(const vSHAPE& s)
+{
+    std::vector<long> v;
+    for (unsigned short i = 0; i < s.NoPoint(); ++i)
+        v.insert(v.end(), {s[i].point.x(), s[i].point.y(), (long)s[i].flags});
+    return v;
+}
+
+} // namespace
+
+TEST(Shape, RectangleAndEllipseTables)
+{
+    vRECTSHAPE r(vRECT(vINT(10L), vINT(20L), vINT(110L), vINT(70L)));
+    EXPECT_EQ((std::vector<long>{10, 20, 9, 110, 20, 8, 110, 70, 8, 10, 70, 10}), Table(r));
+    EXPECT_TRUE(r.Closed());
+    EXPECT_TRUE(Box(r, 10, 20, 110, 70));
+    // 100 x 50: control offsets 100 * 0.27614 = 27 and 50 * 0.27614 = 13
+    // (truncated); centre (50, 25).
+    vELPSSHAPE e(vRECT(vINT(0L), vINT(0L), vINT(100L), vINT(50L)));
+    EXPECT_EQ((std::vector<long>{50, 0, 0x11, 77, 0, 0x20, 100, 12, 0x20, 100, 25, 0x10,
+                                 100, 38, 0x20, 77, 50, 0x20, 50, 50, 0x10, 23, 50, 0x20,
+                                 0, 38, 0x20, 0, 25, 0x12, 0, 12, 0x20, 23, 0, 0x20}),
+              Table(e));
+    EXPECT_TRUE(e.Closed());
+    EXPECT_EQ(1, e.NoOfContours());
+    EXPECT_TRUE(Box(e, 0, 0, 100, 50));
+    // Odd sizes round the centre up; a rectangle stored right to left keeps
+    // its signs (offsets truncate toward zero: -27).
+    vELPSSHAPE odd(vRECT(vINT(-7L), vINT(-3L), vINT(0L), vINT(0L)));
+    EXPECT_EQ(-3, odd[0].point.x());
+    EXPECT_EQ(-1, odd[3].point.y());
+    vELPSSHAPE back(vRECT(vINT(100L), vINT(0L), vINT(0L), vINT(50L)));
+    EXPECT_EQ(50 - 27, back[1].point.x());
 }

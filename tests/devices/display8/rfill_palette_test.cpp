@@ -71,7 +71,6 @@ TEST(FillPalette, CubeColoursByIndexAndOthersDithered)
         savedColours = (unsigned short)probe.GetNoColours()();
     }
     vDEVICE::SetNoColours(8);
-
     struct CASE {
         BYTE r, g, b;
     } cases[] = {{51, 102, 204}, {100, 30, 220}, {250, 250, 3}, {0, 0, 0}};
@@ -103,7 +102,6 @@ TEST(FillPalette, CubeColoursByIndexAndOthersDithered)
         SelectPalette(got.dc, (HPALETTE)oldPal, FALSE);
         d.ActivateDC();
     }
-
     // Without the palette in the context the colour goes to GDI as it is.
     {
         SURFACE got(64, 48, 8, colours.data()), want(64, 48, 8, colours.data());
@@ -114,7 +112,6 @@ TEST(FillPalette, CubeColoursByIndexAndOthersDithered)
         Rectangle(want.dc, 3, 5, 51, 41);
         EXPECT_TRUE(Same(got, want));
     }
-
     DEVICE::SetScreenPalette(savedPal);
     vDEVICE::SetNoColours(savedColours);
     DeleteObject(pal);

@@ -1,11 +1,10 @@
 // The screen on a real 256-colour display (Xvfb at depth 8): the palette
-// worked out here from the system's reserved entries, the pattern block, and
-// palette use switched off and on again.
+// worked out here from the system's reserved entries.
 #include <gtest/gtest.h>
 #include <cstring>
-#include "../memdev_oracle.h"
+#include "../devcore_support.h"
 
-using namespace memtest;
+using namespace devtest;
 
 namespace {
 
@@ -52,7 +51,6 @@ TEST(Screen8, PaletteFromTheSystemsReservedColours)
     ASSERT_NE(log, nullptr);
     EXPECT_EQ(log->palVersion, 0x300);
     ASSERT_EQ(log->palNumEntries, 256);
-
     HDC dc = GetDC(nullptr);
     int size = GetDeviceCaps(dc, SIZEPALETTE);
     ASSERT_EQ(size, 256);
@@ -60,7 +58,6 @@ TEST(Screen8, PaletteFromTheSystemsReservedColours)
     ASSERT_EQ(GetSystemPaletteEntries(dc, 0, 10, low), 10u);
     ASSERT_EQ(GetSystemPaletteEntries(dc, 246, 10, high), 10u);
     ReleaseDC(nullptr, dc);
-
     PALETTEENTRY made[256];
     ASSERT_EQ(GetPaletteEntries(vSCREEN::Palette(), 0, 256, made), 256u);
     bool systemWhite = false;
@@ -80,75 +77,4 @@ TEST(Screen8, PaletteFromTheSystemsReservedColours)
     EXPECT_EQ(log->palPalEntry[235].peRed, white);
     EXPECT_EQ(log->palPalEntry[235].peGreen, white);
     EXPECT_EQ(log->palPalEntry[235].peBlue, white);
-}
-
-TEST(Screen8, PatternBlock)
-{
-    HGLOBAL block = vDEVICE::GetScreen().PatternBlock();
-    ASSERT_NE(block, nullptr);
-    EXPECT_GE(GlobalSize(block), 616u);
-    const unsigned char* p = static_cast<const unsigned char*>(GlobalLock(block));
-    ASSERT_NE(p, nullptr);
-    const BITMAPINFOHEADER* h = reinterpret_cast<const BITMAPINFOHEADER*>(p);
-    EXPECT_EQ(h->biSize, 40u);
-    EXPECT_EQ(h->biWidth, 8);
-    EXPECT_EQ(h->biHeight, 8);
-    EXPECT_EQ(h->biPlanes, 1);
-    EXPECT_EQ(h->biBitCount, 8);
-    EXPECT_EQ(h->biCompression, 0u);
-    EXPECT_EQ(h->biSizeImage, 64u);
-    EXPECT_EQ(h->biXPelsPerMeter, 4000);
-    EXPECT_EQ(h->biYPelsPerMeter, 4000);
-    EXPECT_EQ(h->biClrUsed, 256u);
-    EXPECT_EQ(h->biClrImportant, 256u);
-    const WORD* index = reinterpret_cast<const WORD*>(p + 40);
-    for (int i = 0; i < 256; ++i)
-        ASSERT_EQ(index[i], i);
-    // A pattern brush made from it paints palette indices on an 8-bit bitmap.
-    vMEMDEVICE d(vINT(8L), vINT(8L));
-    HDC dc = d.GetWinDC();
-    unsigned char* pixels = const_cast<unsigned char*>(p) + 40 + 512;
-    for (int i = 0; i < 64; ++i)
-        pixels[i] = (unsigned char)(20 + i);
-    HBRUSH brush = CreateDIBPatternBrushPt(p, DIB_PAL_COLORS);
-    GlobalUnlock(block);
-    ASSERT_NE(brush, nullptr);
-    SelectPalette(dc, vSCREEN::Palette(), FALSE);
-    RECT all = {0, 0, 8, 8};
-    FillRect(dc, &all, brush);
-    DeleteObject(brush);
-    const unsigned char* bits = d.GetDIB();
-    for (int y = 0; y < 8; ++y)
-        for (int x = 0; x < 8; ++x)
-            EXPECT_EQ(bits[y * 8 + x], 20 + y * 8 + x) << x << "," << y;
-    unsigned char* q = static_cast<unsigned char*>(GlobalLock(block));
-    memset(q + 40 + 512, 0, 64);
-    GlobalUnlock(block);
-}
-
-namespace {
-// Reads the palette that device activation realises.
-class PALETTEPROBE : public vDEVICE {
-public:
-    using vDEVICE::GetScreenPalette;
-};
-} // namespace
-
-// Palette use is on from the start; switched off, the screen's context gets
-// the default palette back and activation has no palette to realise;
-// switched on again, the screen's context has the library's palette.
-TEST(Screen8, PaletteUseSwitchedOffAndOn)
-{
-    vSCREEN& screen = vDEVICE::GetScreen();
-    EXPECT_EQ(PALETTEPROBE::GetScreenPalette(), vSCREEN::Palette());
-
-    screen.EnablePalette(0);
-    EXPECT_EQ(screen.PaletteEnabled(), 0);
-    EXPECT_EQ(PALETTEPROBE::GetScreenPalette(), nullptr);
-    EXPECT_EQ(GetCurrentObject(vDEVICE::GetRLDC(), OBJ_PAL), GetStockObject(DEFAULT_PALETTE));
-
-    screen.EnablePalette(1);
-    EXPECT_EQ(screen.PaletteEnabled(), 1);
-    EXPECT_EQ(PALETTEPROBE::GetScreenPalette(), vSCREEN::Palette());
-    EXPECT_EQ(GetCurrentObject(vDEVICE::GetRLDC(), OBJ_PAL), vSCREEN::Palette());
 }

@@ -1,22 +1,13 @@
-// Font descriptions: the two size forms and their conversion at the
-// screen's resolution, comparison, and the stream form byte for byte.
+// Font descriptions: the two size forms and their conversion at the screen's
+// resolution over a sweep, comparison, and the stream form byte for byte.
 #include <gtest/gtest.h>
-#include <cstring>
 #include "devcore_support.h"
-
-namespace {
-int ScreenDpiY()
-{
-    HDC dc = GetDC(nullptr);
-    int v = GetDeviceCaps(dc, LOGPIXELSY);
-    ReleaseDC(nullptr, dc);
-    return v;
-}
-} // namespace
 
 TEST(FontSpec, SizesInPointsOrPixels)
 {
-    int dpi = ScreenDpiY();
+    HDC screen = GetDC(nullptr);
+    int dpi = GetDeviceCaps(screen, LOGPIXELSY);
+    ReleaseDC(nullptr, screen);
     ASSERT_EQ(dpi, 96);
     vFONTSPEC points(vSTRING("Arial"), vFS_BOLD, vINT(12L), vREAL(0), 77, vFH_POINTS, vANGLE(0));
     EXPECT_FALSE(points.Pixels());
@@ -60,7 +51,6 @@ TEST(FontSpec, ComparesEveryFieldAndStreamsThemInOrder)
     EXPECT_TRUE(copy == vFONTSPEC());
     copy = base;
     EXPECT_TRUE(copy == base);
-
     vMEMSTREAM m;
     base >> m;
     const unsigned char expect[] = {5, 0, 'T', 'i', 'm', 'e', 's', 4, 0, 10, 0, 0, 0, 0, 0, 0, 0,
