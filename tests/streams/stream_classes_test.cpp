@@ -3,34 +3,12 @@
 // a memory stream and an OLE stream gives the same results, positions,
 // statuses and bytes, and all of them match a plain byte-vector model.
 #include <gtest/gtest.h>
-#include <objbase.h>
 #include <memory>
 #include "stream_util.h"
 
 using namespace streamtest;
 
 namespace {
-
-IStream* NewOleStream()
-{
-    typedef HRESULT(WINAPI * Create)(HGLOBAL, BOOL, IStream**);
-    static Create create = (Create)(void*)GetProcAddress(LoadLibraryA("ole32.dll"), "CreateStreamOnHGlobal");
-    IStream* s = nullptr;
-    return create && create(nullptr, TRUE, &s) == S_OK ? s : nullptr;
-}
-
-Bytes OleBytes(IStream* s)
-{
-    STATSTG st;
-    s->Stat(&st, STATFLAG_NONAME);
-    Bytes out(st.cbSize.LowPart);
-    LARGE_INTEGER zero;
-    zero.QuadPart = 0;
-    s->Seek(zero, STREAM_SEEK_SET, nullptr);
-    ULONG got = 0;
-    s->Read(out.data(), (ULONG)out.size(), &got);
-    return out;
-}
 
 // The model: the bytes, the position and the status a sequence leaves.
 struct Model {
