@@ -138,7 +138,7 @@ TEST(StreamMemory, CallerBuffersAndTheSpillAtOneHundredMillionBytes)
     EXPECT_EQ(spillFiles(), before);
 }
 
-TEST(StreamOle, TakesOverSizeAndPositionAndNeverReleases)
+TEST(StreamOle, TakesOverSizeAndPositionCompressesAndNeverReleases)
 {
     IStream* s = NewOleStream();
     ASSERT_NE(s, nullptr);
@@ -154,6 +154,19 @@ TEST(StreamOle, TakesOverSizeAndPositionAndNeverReleases)
         EXPECT_EQ(o.Size(), 40UL);
         EXPECT_EQ(o.CurrentPos(), 10UL);
         EXPECT_EQ(o.ReadUByte(), initial[10]);
+        // Frames work as on files: the longer attempt leaves nothing behind the raw bytes.
+        Bytes text = Compressible(3000), raw = Incompressible(500, 8), back(3500);
+        o.MoveFromEnd(0);
+        o.Compress(1);
+        unsigned long framed = o.WriteBlock(text.data(), 3000);
+        EXPECT_LT(framed, 3000UL);
+        EXPECT_EQ(o.WriteBlock(raw.data(), 500), 500UL);
+        EXPECT_EQ(o.Size(), 40UL + framed + 500);
+        o.MoveFromStart(40);
+        EXPECT_EQ(o.ReadByteString(back.data(), 3000), 3000);
+        EXPECT_EQ(o.ReadByteString(back.data() + 3000, 500), 500);
+        EXPECT_EQ(back, Cat(text, raw));
+        EXPECT_EQ(o.Status(), vSTREAM_OK);
     }
     s->AddRef();
     EXPECT_EQ(s->Release(), refs);
