@@ -261,34 +261,3 @@ TEST(Resize, TopDownRowsInCompressedFrames)
     DeleteFileA(path.c_str());
     delete pic;
 }
-
-// Found: the resampler's own output on a compressing file, whose raw palette or
-// first rows began with the frame marker and a length beyond the end, could not
-// be read again.
-TEST(Resize, OwnOutputBeginningLikeAFrameReadsBack)
-{
-    const unsigned char lead[8] = {0xB1, 0xAA, 0x12, 0x00, 0xFF, 0xFF, 0xFF, 0x7F};
-    for (unsigned bits : {8u, 24u}) {
-        const unsigned long w = 31, h = 9, stride = oDIBHEADER::Stride(bits, w);
-        std::vector<unsigned char> rows = RandomBytes(stride * h, 40 + bits);
-        std::vector<unsigned char> form = MakeStored(w, h, bits, 0, bits == 8 ? 256 : 0, rows);
-        std::memcpy(&form[40], lead, 8);
-        vMEMSTREAM in;
-        Fill(in, form);
-        std::string path = rltest::TempPath("dibown");
-        {
-            vFILE out(vSTRING("%s", path.c_str()), vFILE_WRITENEW, 1);
-            out.Compress(1);
-            vBMRESIZE r;
-            ASSERT_EQ(r.Scale(in, out, (unsigned short)w, (unsigned short)h, 0, 0), 1) << bits;
-        }
-        vMEMSTREAM again;
-        Fill(again, ScaledBytes(in, (unsigned short)w, (unsigned short)h, 0));
-        vFILE f(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
-        oMEMDIB back(f, 0);
-        ASSERT_EQ(back.Height(), h) << bits;
-        EXPECT_EQ(Rows(back), Rows(oMEMDIB(again, 0))) << bits;
-        f.Close();
-        DeleteFileA(path.c_str());
-    }
-}
