@@ -1,7 +1,9 @@
 // Helpers shared by the bitmap tests: stored DIBs made byte by byte, rows read
 // back, pictures to feed the images, and pixel indices by the test's own means.
 #pragma once
+#include <cstdio>
 #include <random>
+#include <string>
 #include <vector>
 #include "rl132.h"
 
@@ -48,6 +50,26 @@ inline std::vector<unsigned char> RandomBytes(size_t n, unsigned seed)
     for (auto& b : v)
         b = (unsigned char)rng();
     return v;
+}
+
+inline std::vector<unsigned char> Load(const std::string& path)
+{
+    std::vector<unsigned char> v;
+    if (FILE* f = std::fopen(path.c_str(), "rb")) {
+        for (int c; (c = std::fgetc(f)) != EOF;)
+            v.push_back((unsigned char)c);
+        std::fclose(f);
+    }
+    return v;
+}
+
+inline std::string Save(const std::string& path, const std::vector<unsigned char>& bytes)
+{
+    if (FILE* f = std::fopen(path.c_str(), "wb")) {
+        std::fwrite(bytes.data(), 1, bytes.size(), f);
+        std::fclose(f);
+    }
+    return path;
 }
 
 // Whole stored rows, bottom row first.

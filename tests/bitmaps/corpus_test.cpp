@@ -12,18 +12,6 @@
 
 namespace {
 
-std::vector<unsigned char> Load(const std::string& path)
-{
-    std::vector<unsigned char> v;
-    if (FILE* f = fopen(path.c_str(), "rb")) {
-        unsigned char buf[4096];
-        for (size_t n; (n = fread(buf, 1, sizeof buf, f)) > 0;)
-            v.insert(v.end(), buf, buf + n);
-        fclose(f);
-    }
-    return v;
-}
-
 unsigned long U32(const std::vector<unsigned char>& v, size_t at)
 {
     return v[at] | (v[at + 1] << 8) | (v[at + 2] << 16) | ((unsigned long)v[at + 3] << 24);
@@ -64,7 +52,7 @@ TEST(BmpSuite, GoodFilesReadToTheRightPixels)
         "pal8topdown", "pal8w124", "pal8w125", "pal8w126", "rgb16", "rgb24", "rgb24pal", "rgb32"};
     for (const char* stem : readable) {
         std::string name = std::string("good/") + stem + ".bmp";
-        std::vector<unsigned char> bytes = Load(Corpus(name));
+        std::vector<unsigned char> bytes = bmt::Load(Corpus(name));
         ASSERT_FALSE(bytes.empty()) << name;
         unsigned bits = bytes[28];
         long w = (long)U32(bytes, 18), h = std::labs((long)(int)U32(bytes, 22)), pels = (long)(int)U32(bytes, 38);
@@ -104,7 +92,7 @@ TEST(BmpSuite, EveryFileIsReadOrRefusedSafely)
         ASSERT_NE(h, INVALID_HANDLE_VALUE) << dir;
         do {
             std::string name = std::string(dir) + "/" + fd.cFileName, path = Corpus(name);
-            std::vector<unsigned char> bytes = Load(path);
+            std::vector<unsigned char> bytes = bmt::Load(path);
             vFILE f(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
             oMEMDIB d(f, 0);
             if (d.Height() == 0) {

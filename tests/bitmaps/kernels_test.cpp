@@ -1,6 +1,5 @@
-// The DIB row kernels, the pixel-format table, the dither and the stepping,
-// tested directly. The kernels are private to the DLL; this program links
-// their objects directly.
+// The DLL's private row kernels, pixel formats, dither and stepping, linked
+// into this program and tested directly.
 #include <gtest/gtest.h>
 #include <cmath>
 #include <cstdlib>
@@ -16,8 +15,7 @@ using namespace rldib;
 TEST(DibKernels, CheckedSizesAndGreyLevels)
 {
     std::uint32_t stride = 0, size = 0;
-    // At the 32-bit edges: 2^32 − 32 bytes fit, one row more does not, and the
-    // row's bit count itself must fit.
+    // 2^32 − 32 bytes fit, one row more does not; the row's bits must fit too.
     ASSERT_TRUE(CheckedImageSize(8, 0x1FFFFFFCu, 8, &stride, &size));
     EXPECT_EQ(size, 0xFFFFFFE0u);
     EXPECT_FALSE(CheckedImageSize(8, 0x1FFFFFFCu, 9, &stride, &size));
@@ -146,6 +144,15 @@ TEST(Dither, QuantisationAndErrorShares)
     d.Line8(px, out);
     EXPECT_EQ(out[0], 235);   // white
     EXPECT_EQ(out[1], 20);    // black
+    // The 16 standard colours map to themselves, two to a byte, high nibble first.
+    Ditherer d4;
+    ASSERT_TRUE(d4.Init(16));
+    unsigned char row16[48], out16[8];
+    for (int i = 0; i < 48; ++i)
+        row16[i] = kPalette16[i / 3][2 - i % 3];
+    d4.Line4(row16, out16);
+    for (int i = 0; i < 16; ++i)
+        EXPECT_EQ(i & 1 ? out16[i / 2] & 15 : out16[i / 2] >> 4, i);
     unsigned char quads[1024];
     FillCubePalette(quads);
     // Blue 51, green 102, red 153 is exact: (3 × 6 + 2) × 6 + 1 + 20.
@@ -194,20 +201,6 @@ TEST(Dither, FastLineEqualsThePlainLoop)
             ASSERT_EQ(oa, ob) << "width " << w << " row " << y;
         }
     }
-}
-
-TEST(Dither, FourBitsKeepTheStandardColours)
-{
-    // The 16 colours map to themselves, two to a byte, high nibble first.
-    Ditherer d4;
-    ASSERT_TRUE(d4.Init(16));
-    unsigned char row[48], out[8];
-    for (int i = 0; i < 16; ++i)
-        for (int c = 0; c < 3; ++c)
-            row[3 * i + c] = kPalette16[i][2 - c];
-    d4.Line4(row, out);
-    for (int i = 0; i < 16; ++i)
-        EXPECT_EQ(i & 1 ? out[i / 2] & 15 : out[i / 2] >> 4, i);
 }
 
 TEST(Stepping, MapsAndWalkerAgree)

@@ -65,8 +65,6 @@ TEST(StoredForm, PalettesBeyond256AreCarriedAsTheirFirst256)
 
 TEST(StoredForm, MisleadingStreamsAreRefused)
 {
-    // Headers that claim far more than the bytes behind them, on memory
-    // streams and on files whose reads expand compressed frames.
     std::vector<std::vector<unsigned char>> forms = {
         MakeStored(60000, 60000, 8, 0, 0, {}),     // 3.6 GB of rows, none present
         MakeStored(65535, 65535, 24, 16, 0, {}),   // beyond 32 bits
@@ -89,10 +87,7 @@ TEST(StoredForm, MisleadingStreamsAreRefused)
 
     std::string path = rltest::TempPath("dibhostile");
     for (size_t i = 0; i < forms.size(); ++i) {
-        FILE* file = std::fopen(path.c_str(), "wb");
-        ASSERT_NE(file, nullptr);
-        std::fwrite(forms[i].data(), 1, forms[i].size(), file);
-        std::fclose(file);
+        Save(path, forms[i]);
         vMEMSTREAM m;
         Fill(m, forms[i]);
         vFILE f(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
@@ -118,8 +113,7 @@ TEST(StoredForm, MisleadingStreamsAreRefused)
 
 TEST(StoredForm, ConvertingCopyStaysInsideTheSourceRows)
 {
-    // A header set far larger than the rows behind it: the copy takes the new
-    // size but reads nothing it was not given.
+    // A header far larger than the rows behind it: nothing outside them is read.
     for (int kind = 0; kind < 2; ++kind) {
         oMEMDIB* small = Picture(4, 2, 24, oCM_RGB24, 4, 256);
         oSTREAMDIB* onStream = kind ? new oSTREAMDIB(*small, 0) : nullptr;
@@ -136,10 +130,8 @@ TEST(StoredForm, ConvertingCopyStaysInsideTheSourceRows)
     }
 }
 
-// Found in valid files: a palette whose first entry, or rows whose first
-// pixel, read B1 AA 12 00 (the compressed-frame marker) made every reader
-// give up, because the would-be frame's length ran past the end. Such bytes
-// are raw data, in a plain bitmap file and in a stored form without one.
+// Found in valid files: a palette or first pixels reading B1 AA 12 00 (the
+// frame marker) made every reader give up. Such bytes are raw data.
 TEST(StoredForm, BytesThatOnlyLookLikeAFrameAreRaw)
 {
     const unsigned char magic[8] = {0xB1, 0xAA, 0x12, 0x00, 0xFF, 0xFF, 0xFF, 0x7F};
@@ -147,7 +139,7 @@ TEST(StoredForm, BytesThatOnlyLookLikeAFrameAreRaw)
     struct Case { unsigned bits; bool fileHeader; const unsigned char* lead; };
     const Case cases[] = {{8, true, magic}, {8, false, magic}, {8, false, fits},
                           {24, true, magic}, {24, false, magic}, {24, false, fits}};
-    std::string path = rltest::TempPath("dibmagic");
+    std::string path = rltest::TempPath("dibmagic"), scaled = rltest::TempPath("dibown");
     for (const Case& c : cases) {
         const unsigned long w = 5, h = 3, stride = oDIBHEADER::Stride(c.bits, w);
         std::vector<unsigned char> rows = RandomBytes(stride * h, c.bits);
@@ -157,11 +149,7 @@ TEST(StoredForm, BytesThatOnlyLookLikeAFrameAreRaw)
         std::memcpy(&form[at], c.lead, 8);
         if (c.bits == 24)
             std::memcpy(rows.data(), c.lead, 8);
-        FILE* file = std::fopen(path.c_str(), "wb");
-        ASSERT_NE(file, nullptr);
-        std::fwrite(form.data(), 1, form.size(), file);
-        std::fclose(file);
-
+        Save(path, form);
         vMEMSTREAM m;
         Fill(m, form);
         vFILE f(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
@@ -178,12 +166,24 @@ TEST(StoredForm, BytesThatOnlyLookLikeAFrameAreRaw)
             }
             s->MoveFromStart(0);
             EXPECT_EQ(Rows(oSTREAMDIB(*s, 0)), rows) << c.bits << " " << where;
+            // Found: the resampler's own output on a compressing file, beginning
+            // the same way, could not be read again.
             s->MoveFromStart(0);
             vMEMSTREAM out;
-            vBMRESIZE r;
-            EXPECT_EQ(r.Scale(*s, out, 0, 0, 0, 0), 1) << c.bits << " " << where;
+            {
+                vFILE again(vSTRING("%s", scaled.c_str()), vFILE_WRITENEW, 1);
+                again.Compress(1);
+                vBMRESIZE r;
+                ASSERT_EQ(r.Scale(*s, again, 0, 0, 0, 0), 1) << c.bits << " " << where;
+                s->MoveFromStart(0);
+                ASSERT_EQ(r.Scale(*s, out, 0, 0, 0, 0), 1) << c.bits << " " << where;
+            }
+            out.MoveFromStart(0);
+            vFILE again(vSTRING("%s", scaled.c_str()), vFILE_READONLY, 0);
+            EXPECT_EQ(Rows(oMEMDIB(again, 0)), Rows(oMEMDIB(out, 0))) << c.bits << " " << where;
         }
         f.Close();
     }
     DeleteFileA(path.c_str());
+    DeleteFileA(scaled.c_str());
 }

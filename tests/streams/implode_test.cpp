@@ -1,5 +1,5 @@
-// implode / explode: streams made elsewhere, hand-built bit streams, round trips
-// in every mode, damaged input, and the work-area contract.
+// implode / explode: streams made elsewhere, hand-built streams, round trips,
+// damaged input, and the work-area contract.
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <cstring>
@@ -17,7 +17,6 @@ struct Pipe {
     std::vector<unsigned> asked;
     Pipe(const Bytes* i, unsigned p) : in(i), piece(p) {}
 };
-
 unsigned PipeRead(char* buf, unsigned* size, void* param)
 {
     Pipe& p = *static_cast<Pipe*>(param);
@@ -27,12 +26,7 @@ unsigned PipeRead(char* buf, unsigned* size, void* param)
     p.pos += n;
     return unsigned(n);
 }
-
-void PipeWrite(char* buf, unsigned* size, void* param)
-{
-    Pipe& p = *static_cast<Pipe*>(param);
-    p.out.insert(p.out.end(), buf, buf + *size);
-}
+void PipeWrite(char* buf, unsigned* size, void* param) { static_cast<Pipe*>(param)->out.insert(static_cast<Pipe*>(param)->out.end(), buf, buf + *size); }
 
 // A work area at a small skew inside a larger block whose margins are checked.
 struct Guarded {
@@ -43,8 +37,7 @@ struct Guarded {
     bool Intact() const
     {
         auto mark = [](unsigned char c) { return c == 0xA5; };
-        return std::all_of(block.begin(), block.begin() + 64 + skew, mark) &&
-               std::all_of(block.end() - 72 + skew, block.end(), mark);
+        return std::all_of(block.begin(), block.begin() + 64 + skew, mark) && std::all_of(block.end() - 72 + skew, block.end(), mark);
     }
 };
 
@@ -70,12 +63,7 @@ unsigned Explode(const Bytes& in, Bytes& out, unsigned piece = ~0u, size_t* used
     return rc;
 }
 
-Bytes Shared(const std::string& rel)
-{
-    Bytes b = FileBytes(rltest::DataDir() + "/vectors/dcl/" + rel);
-    EXPECT_FALSE(b.empty()) << rel;
-    return b;
-}
+Bytes Shared(const std::string& rel) { return FileBytes(rltest::DataDir() + "/vectors/dcl/" + rel); }
 
 // LSB-first bit packer for hand-built streams.
 struct Bits {
@@ -110,16 +98,18 @@ TEST(Explode, StreamsFromOtherImplementations)
         {"unshield.rs/undhr.md.imploded", "unshield.rs/undhr.md"}};
     for (auto& c : pairs) {
         std::string dir = c[0][0] == 'z' ? "" : "implode_test_files/";
-        Bytes packed = Shared(dir + c[0]), plain = Shared(dir + c[1]), out;
+        Bytes out;
+        ASSERT_FALSE(Shared(dir + c[1]).empty()) << c[1];
         for (unsigned piece : {~0u, 1u}) {
-            EXPECT_EQ(Explode(packed, out, piece), CMP_NO_ERROR) << c[0];
-            EXPECT_TRUE(out == plain) << c[0];
+            EXPECT_EQ(Explode(Shared(dir + c[0]), out, piece), CMP_NO_ERROR) << c[0];
+            EXPECT_TRUE(out == Shared(dir + c[1])) << c[0];
         }
     }
     // Another compressor's output for every input, mode and dictionary.
     for (const char* name : {"text_short.txt", "text_medium.txt", "binary_small.bin", "edge_one_byte.bin",
                              "edge_run_2000.bin", "edge_all_bytes.bin", "edge_random_5000.bin", "edge_len2_pairs.bin"}) {
         Bytes plain = Shared(std::string("generated/") + name), out;
+        ASSERT_FALSE(plain.empty()) << name;
         for (const char* mode : {"bin", "ascii"})
             for (int dict : {1024, 2048, 4096}) {
                 std::string packed = std::string("generated/") + name + "." + mode + "." + std::to_string(dict) + ".imp";
@@ -127,11 +117,11 @@ TEST(Explode, StreamsFromOtherImplementations)
                 EXPECT_TRUE(out == plain) << packed;
             }
     }
-    // The empty input's stream is four bytes: too short for the expander.
+    // The empty input's four bytes are too short for the expander; then no
+    // end code, and a copy from before the start of the output.
     Bytes out;
     EXPECT_EQ(Explode(Shared("generated/edge_empty.bin.bin.4096.imp"), out), CMP_BAD_DATA);
     EXPECT_TRUE(out.empty());
-    // No end code, and a copy from before the start of the output.
     Bytes plain = Shared("implode_test_files/implode-decoder/no-explicit-end.decomp");
     EXPECT_EQ(Explode(Shared("implode_test_files/implode-decoder/no-explicit-end.imploded"), out), CMP_ABORT);
     ASSERT_LE(out.size(), plain.size());
@@ -188,10 +178,10 @@ TEST(Explode, HandBuiltStreamsHeadersAndWhatFollows)
 TEST(Implode, RoundTripsInEveryModeDictionaryAndLevel)
 {
     std::vector<Bytes> inputs = {Bytes(), Bytes(1, 0x41), Bytes{0x00, 0xFF}, Incompressible(20000, 7)};
-    for (size_t n : {516, 517, 518, 519, 1036, 1037, 5000})
+    for (size_t n : {517, 518, 519, 1037})
         inputs.push_back(Bytes(n, 'Z'));
     // Sizes around the engines' internal buffer and window sizes.
-    for (size_t n : {2047, 2048, 2049, 4096, 4097, 6153, 8192, 10368, 11781, 16384, 60000})
+    for (size_t n : {2048, 2049, 4097, 6153, 10368, 11781, 60000})
         inputs.push_back(Compressible(n, unsigned(n)));
     for (unsigned type : {unsigned(CMP_BINARY), unsigned(CMP_ASCII)})
         for (unsigned dict : {1024u, 2048u, 4096u}) {
@@ -260,7 +250,7 @@ TEST(Explode, DamagedStreamsEndCleanly)
     ASSERT_EQ(Implode(plain, CMP_ASCII, 1024, streams[1]), CMP_NO_ERROR);
     Rng r(4242);
     int aborted = 0;
-    for (int trial = 0; trial < 900; ++trial) {
+    for (int trial = 0; trial < 600; ++trial) {
         Bytes b = streams[trial % 2], out;
         // Past the header and short of the last two bytes, which hold the end code.
         size_t at = 5 + r.Next() % (b.size() - 6);
@@ -284,5 +274,5 @@ TEST(Explode, DamagedStreamsEndCleanly)
         }
         aborted += rc == CMP_ABORT;
     }
-    EXPECT_GT(aborted, 300);
+    EXPECT_GT(aborted, 200);
 }

@@ -42,7 +42,6 @@ TEST(StreamBlock, FramesAndRawRunsOnDisk)
         Bytes disk = FileBytes(tmp.path);
         ASSERT_EQ(disk.size(), 3710 + framed + 4);
         EXPECT_EQ(Bytes(disk.begin(), disk.begin() + 3710), Cat(Cat(ten, noise), small));
-        // Magic, packed length, then binary literals with a 4,096-byte dictionary.
         const unsigned char* fr = &disk[3710];
         EXPECT_EQ(LE32(fr), 0x0012AAB1UL);
         EXPECT_EQ(LE32(fr + 4) + 8, framed);
@@ -64,8 +63,7 @@ TEST(StreamBlock, FramesAndRawRunsOnDisk)
 TEST(StreamBlock, FrameWinsWhenTheCompressedDataAloneIsSmaller)
 {
     // The choice compares the compressed bytes with the count, without the
-    // frame's 8-byte header: compressed data one to eight bytes shorter than
-    // the count is still framed, and compressed data as long as it is not.
+    // frame's 8-byte header.
     Bytes noise = Incompressible(200, 44);
     int framedNearTheLine = 0;
     for (size_t run = 0; run < 400; ++run) {
@@ -76,8 +74,7 @@ TEST(StreamBlock, FrameWinsWhenTheCompressedDataAloneIsSmaller)
             continue;
         bool framed = packed < count;
         framedNearTheLine += framed;
-        // Over existing bytes the block is compressed in memory first; the
-        // choice must be the same, and the bytes behind it survive.
+        // Over existing bytes (compressed in memory first): the same choice.
         for (int over = 0; over < 2; ++over) {
             TempFile tmp;
             if (over)
@@ -102,8 +99,7 @@ TEST(StreamBlock, FrameWinsWhenTheCompressedDataAloneIsSmaller)
 
 TEST(StreamBlock, ReadingAFrameLeavesTheStreamJustAfterIt)
 {
-    // Found through frames read with counts larger than the frame: the read
-    // went past the frame into the bytes behind it and did not come back.
+    // Found: a frame read with a count larger than it went on past it.
     Bytes text = Compressible(5000, 9), small = Incompressible(64, 21);
     TempFile tmp;
     PutFile(tmp.path, Cat(Cat(Frame(text), {0xA5, 0xA5, 0xA5, 0xA5}), Cat(Frame(small), {9, 8, 7, 6})));
@@ -111,8 +107,7 @@ TEST(StreamBlock, ReadingAFrameLeavesTheStreamJustAfterIt)
     vFILE f(tmp.Name(), vFILE_READONLY, 0);
     struct Case { unsigned long at, count; long got; vSTREAMSTATUS status; } cases[] = {
         {0, 5000, 5000, vSTREAM_OK}, {0, 5, 5, vSTREAM_OK}, {0, 6000, 5000, vSTREAM_SHORTREAD},
-        // This frame barely compresses: it is longer than the data it holds,
-        // and counts below its header's size still expand it.
+        // A frame longer than its data: counts below its header's size expand it.
         {second, 64, 64, vSTREAM_OK}, {second, 4, 4, vSTREAM_OK}};
     for (const Case& c : cases) {
         const Bytes& want = c.at ? small : text;
@@ -135,11 +130,9 @@ TEST(StreamBlock, ReadingAFrameLeavesTheStreamJustAfterIt)
 
 TEST(StreamBlock, WouldBeFramesThatDoNotParseAreRawBytes)
 {
-    // Found: raw runs whose first bytes read B1 AA 12 00 (a palette's first
-    // entry, a row's first pixels) were taken for frames when the length behind
-    // them ran past the end or the data was no implode stream, and came back
-    // short or garbled. Only a frame that lies inside the stream and expands
-    // cleanly is one; everything else reads back as stored.
+    // Found: raw runs beginning B1 AA 12 00 (a palette's first entry, a row's
+    // first pixels) were taken for frames. Only a frame that lies inside the
+    // stream and expands cleanly is one; the rest reads back as stored.
     Bytes text = Compressible(8000, 12), frame = Frame(text);
     Bytes data(frame.begin() + 8, frame.end());
     auto header = [](unsigned long n) {
@@ -164,7 +157,6 @@ TEST(StreamBlock, WouldBeFramesThatDoNotParseAreRawBytes)
         PutFile(tmp.path, Cat(disk, {0x5A, 0x5A, 0x5A, 0x5A}));
         for (int cached = 0; cached < 2; ++cached) {
             vFILE f(tmp.Name(), vFILE_READONLY, cached);
-            // Exactly the run: all of it, nothing failed, and the stream behind it.
             Bytes back(n + 16, 0xEE);
             EXPECT_EQ(f.ReadByteString(back.data(), n), (long)n) << i;
             EXPECT_EQ(f.Status(), vSTREAM_OK) << i;
@@ -172,7 +164,6 @@ TEST(StreamBlock, WouldBeFramesThatDoNotParseAreRawBytes)
             EXPECT_EQ(Bytes(back.begin(), back.begin() + n), disk) << i;
             EXPECT_EQ(Bytes(back.begin() + n, back.end()), Bytes(16, 0xEE)) << i;
             EXPECT_EQ(f.ReadULong(), 0x5A5A5A5AUL) << i;
-            // More than there is: what exists, and a short read.
             f.MoveFromStart(0);
             Bytes more(n + 100, 0xEE);
             EXPECT_EQ(f.ReadByteString(more.data(), n + 90), (long)n + 4) << i;
@@ -190,8 +181,8 @@ TEST(StreamBlock, WouldBeFramesThatDoNotParseAreRawBytes)
 
 TEST(StreamBlock, RefusedWritesAndEarlierFailuresStand)
 {
-    // Found: a refused frame write moved the position past a frame never
-    // written, and a good frame read cleared a failure reported before it.
+    // Found: a refused frame write moved the position, and a good frame read
+    // cleared an earlier failure.
     TempFile tmp;
     Bytes text = Compressible(6000, 43), frame = Frame(text);
     PutFile(tmp.path, frame);
@@ -205,8 +196,6 @@ TEST(StreamBlock, RefusedWritesAndEarlierFailuresStand)
     }
     f.MoveFromStart(0);
     Bytes back(6000);
-    // The raw read of 6,000 runs into the end of the file: no failure once the
-    // frame delivers them all.
     EXPECT_EQ(f.ReadByteString(back.data(), 6000), 6000);
     EXPECT_EQ(f.Status(), vSTREAM_OK);
     EXPECT_EQ(back, text);
@@ -222,11 +211,9 @@ TEST(StreamBlock, RefusedWritesAndEarlierFailuresStand)
 
 TEST(StreamBlock, RunsThatAreThemselvesFramesReadBackAsWritten)
 {
-    // Found: a run whose bytes are a whole valid frame (the bytes of a block
-    // already compressed, copied into a compressing stream) does not shrink,
-    // was stored raw, and came back expanded. A compressing stream now keeps
-    // such a run in a frame of its own; with compression off it is written as
-    // it stands, so only a reader that does not look for frames gets it back.
+    // Found: a run that is itself a whole frame (a compressed block copied into
+    // a compressing stream) was stored raw and came back expanded. It now gets
+    // a frame of its own; with compression off it is written as it stands.
     const Bytes noise = Frame(Incompressible(3000, 21)), text = Frame(Compressible(5000, 22));
     const Bytes runs[] = {noise, text, Cat(text, Incompressible(50, 23)), Frame(Bytes{'a', 'b', 'c'})};
     for (size_t i = 0; i < sizeof runs / sizeof runs[0]; ++i) {
@@ -238,8 +225,7 @@ TEST(StreamBlock, RunsThatAreThemselvesFramesReadBackAsWritten)
                 unsigned long occupied;
                 {
                     vFILE f(tmp.Name(), vFILE_WRITENEW, cached);
-                    if (over) {
-                        // Over existing bytes: the frame is built in memory first.
+                    if (over) {  // over existing bytes: built in memory first
                         Bytes old(2 * n + 100, 0x33);
                         f.WriteBlock(old.data(), (unsigned long)old.size());
                         f.MoveFromStart(0);
@@ -276,7 +262,7 @@ TEST(StreamBlock, RunsThatAreThemselvesFramesReadBackAsWritten)
             EXPECT_EQ(f.ReadByteString(back.data(), n), (long)n) << i;
             EXPECT_EQ(back, run) << i;
         }
-        // A memory stream never compresses and never expands: as stored, either way.
+        // A memory stream never compresses nor expands.
         for (int compress = 0; compress < 2; ++compress) {
             vMEMSTREAM m;
             m.Compress(compress);

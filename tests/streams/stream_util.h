@@ -2,6 +2,7 @@
 #ifndef STREAM_UTIL_H
 #define STREAM_UTIL_H
 #include <windows.h>
+#include <objbase.h>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -64,6 +65,29 @@ inline Bytes Incompressible(size_t n, unsigned int seed = 11)
 }
 
 inline Bytes Cat(Bytes a, const Bytes& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
+
+// A stream on global memory; looked up at run time, as the test programs do
+// not link the OLE library.
+inline IStream* NewOleStream()
+{
+    typedef HRESULT(WINAPI * Create)(HGLOBAL, BOOL, IStream**);
+    static Create create = (Create)(void*)GetProcAddress(LoadLibraryA("ole32.dll"), "CreateStreamOnHGlobal");
+    IStream* s = nullptr;
+    return create && create(nullptr, TRUE, &s) == S_OK ? s : nullptr;
+}
+
+inline Bytes OleBytes(IStream* s)
+{
+    STATSTG st;
+    s->Stat(&st, STATFLAG_NONAME);
+    Bytes out(st.cbSize.LowPart);
+    LARGE_INTEGER zero;
+    zero.QuadPart = 0;
+    s->Seek(zero, STREAM_SEEK_SET, nullptr);
+    ULONG got = 0;
+    s->Read(out.data(), (ULONG)out.size(), &got);
+    return out;
+}
 
 inline unsigned long LE32(const unsigned char* b)
 {
