@@ -1,8 +1,5 @@
-// The graded fills' band counts, frames, band polygons and colours against a
-// second, 32-bit transcription of their rules built from the library's own
-// Sin, Cos, Log, vINT::Sqrt and the platform MulDiv, over generated boxes,
-// angles and colours inside the 16-bit plane; hand-worked rows; the pattern
-// table and fill classification; and a bounded loop over any input.
+// The graded fills' bands against a second transcription of their rules (built
+// from the library's Sin, Cos, Log, Sqrt and MulDiv), the pattern table, and any input.
 #include <gtest/gtest.h>
 #include <cstdint>
 #include <cstdlib>
@@ -136,27 +133,6 @@ std::vector<std::vector<GPOINT>> RefRadial(const GBOX& b, int type, std::uint32_
 
 TEST(NativeBand, CountsDistancesAndBlends)
 {
-    struct Row {
-        std::uint32_t c1, c2;
-        int quality;
-        std::int32_t n;
-    } rows[] = {
-        {0x000000, 0xFFFFFF, 0, 128}, // greys: shift 1
-        {0x000000, 0xFFFFFF, 1, 32},  // greys, coarse: shift 3
-        {0x0000FF, 0x000000, 0, 64},
-        {0x0000FF, 0x000000, 1, 16},
-        {0x000010, 0x000000, 0, 8},   // 17 >> 2 is below 8: shift 1
-        {0x000010, 0x000000, 1, 2},   // 17 >> 4 is below 8: shift 3
-        {0x101010, 0x101010, 0, 1},   // greys, no difference: 1 >> 0
-        {0x123456, 0x123456, 0, 0},   // no difference: 1 >> 1
-        {0x00FF00, 0xFF0000, 0, 64},
-    };
-    for (const Row& r : rows)
-        EXPECT_EQ(r.n, ColourRange(r.c1, r.c2, r.quality)) << std::hex << r.c1 << " " << r.c2;
-
-    EXPECT_EQ(7, rlstroke::CalcDist(GPOINT{3, 4}, GPOINT{3, -3}));
-    EXPECT_EQ(5, rlstroke::CalcDist(GPOINT{0, 0}, GPOINT{3, 4}));
-    EXPECT_EQ(4, rlstroke::CalcDist(GPOINT{0, 0}, GPOINT{1, 4})); // sqrt 17 by Newton's rounding
     Rng rng(7);
     for (int i = 0; i < 100000; ++i) {
         GPOINT a{(std::int32_t)rng.Below(65535) - 32767, (std::int32_t)rng.Below(65535) - 32767};
@@ -173,44 +149,8 @@ TEST(NativeBand, CountsDistancesAndBlends)
 
 TEST(NativeBand, LinearBandsFollowTheRule)
 {
-    // Hand-worked: a 100 × 50 box at angle 0, black to white, fine quality:
-    // 128 steps, 99 / 3 = 33 bands by the width, 34 polygons.
     LINEARBANDS plan;
-    GBOX box{0, 0, 99, 49};
-    PlanLinear(box, 6, 0, 0x000000, 0xFFFFFF, 0, &plan);
-    EXPECT_EQ(33, plan.bands);
     GPOINT q[4];
-    EXPECT_EQ(0u, LinearBand(plan, 0, q));
-    const GPOINT first[4] = {{0, 0}, {3, 0}, {3, 49}, {0, 49}};
-    for (int k = 0; k < 4; ++k)
-        EXPECT_EQ(first[k], q[k]);
-    EXPECT_EQ(0xFFFFFFu, LinearBand(plan, 33, q));
-    EXPECT_EQ(96, q[0].x);
-    EXPECT_EQ(99, q[1].x);
-
-    // Angle 0, 360 and 361 all use the box itself; 359 does not.
-    const std::int32_t degrees[] = {0, 360, 361, 720};
-    for (std::int32_t d : degrees) {
-        LINEARBANDS other;
-        PlanLinear(box, 6, d * 65536, 0x000000, 0xFFFFFF, 0, &other);
-        EXPECT_TRUE(other.p0 == plan.p0 && other.p1 == plan.p1 && other.p2 == plan.p2 && other.p3 == plan.p3) << d;
-    }
-    LINEARBANDS turned;
-    PlanLinear(box, 6, 359 * 65536, 0x000000, 0xFFFFFF, 0, &turned);
-    EXPECT_FALSE(turned.p0 == plan.p0);
-
-    // There and back: twice the steps, the first colour at both ends and the
-    // second in the middle. Equal colours: the minimum of 2 bands.
-    PlanLinear(box, 4, 0, 0x0000FF, 0xFF0000, 0, &plan);
-    ASSERT_EQ(33, plan.bands); // 2 · 64 steps, capped by the width
-    EXPECT_EQ(0x0000FFu, LinearBand(plan, 0, q));
-    EXPECT_EQ(0x0000FFu, LinearBand(plan, plan.bands, q));
-    PlanLinear(GBOX{0, 0, 599, 10}, 4, 0, 0x0000FF, 0xFF0000, 0, &plan);
-    ASSERT_EQ(128, plan.bands);
-    EXPECT_EQ(0xFF0000u, LinearBand(plan, 64, q));
-    PlanLinear(box, 6, 45 * 65536, 0x808080, 0x808080, 1, &plan);
-    EXPECT_EQ(2, plan.bands);
-
     Rng rng(13);
     for (int iter = 0; iter < 20000; ++iter) {
         auto coord = [&] { return (std::int32_t)rng.Below(32000) - 16000; };
@@ -232,22 +172,9 @@ TEST(NativeBand, LinearBandsFollowTheRule)
 
 TEST(NativeBand, RadialBandsFollowTheRule)
 {
-    // A 40 × 40 box: radius 28 from (20, 20), 12-point circles; equal colours
-    // give one band.
     RADIALBANDS plan;
-    PlanRadial(GBOX{0, 0, 39, 39}, 2, 0x336699, 0x336699, 0, &plan);
-    EXPECT_EQ(28, plan.radius);
-    EXPECT_EQ(12, plan.points);
-    EXPECT_EQ(1, plan.bands);
-    EXPECT_EQ(28, plan.step);
-    EXPECT_EQ(3, plan.rings); // r = 0, 28, 56
     GPOINT pts[2 * kMaxCirclePoints];
     int polys = 0;
-    EXPECT_EQ(0x336699u, RadialBand(plan, 2, pts, &polys));
-    EXPECT_EQ(2, polys);
-    EXPECT_EQ((GPOINT{20, 76}), pts[0]);  // r 56 straight down (sin 0, cos 1)
-    EXPECT_EQ((GPOINT{20, 48}), pts[12]); // the inner circle, r 28
-
     Rng rng(17);
     for (int iter = 0; iter < 4000; ++iter) {
         auto coord = [&] { return (std::int32_t)rng.Below(32000) - 16000; };

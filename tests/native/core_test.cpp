@@ -1,6 +1,4 @@
-// The core frame, strings and containers under the sanitizers, on the native
-// seams: every block comes from the C runtime's heap, so AddressSanitizer
-// reports the first byte touched outside one.
+// The core frame, strings and containers with every block from the C heap.
 #include <gtest/gtest.h>
 #include <cstring>
 #include <string>

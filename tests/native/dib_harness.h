@@ -1,20 +1,8 @@
-// The whole DIB read path under the sanitizers, shared by the bounded loop
-// (dibread_test.cpp) and the libFuzzer program (fuzz_dibread.cpp).
-//
-// One input is read as a stored DIB through every reader: the image kinds on
-// a memory stream (bytes as stored) and on a file stream (which expands
-// compressed frames), the stored rows over a byte range, row by row and all
-// at once. What was read is then copied and converted, handed out by
-// rectangle, taken in again top row first, written (plain and compressed)
-// and read back, and resampled. Any disagreement between readers, or any
-// image that does not come back from its own stored form, aborts: the
-// sanitizers see the first bad access, the checks see wrong answers.
-//
-// An input either is the stored form itself, or (first byte 0xFF, which no
-// stored form begins with) describes a picture that the harness writes in
-// compressed frames and then damages as the rest of the input says, so that
-// the frame and block code is reached with data that mostly parses (rows
-// stored bottom-up, or top row first behind a raw header).
+// The whole DIB read path, shared by dibread_test.cpp and fuzz_dibread.cpp: one
+// input read by every reader (memory, file, stored rows by range), then copied,
+// converted, cut into rectangles, written and read back, and resampled; any
+// disagreement aborts. First byte 0xFF: the input describes a picture written in
+// compressed frames and then damaged (Framed).
 #ifndef RL132_TESTS_NATIVE_DIB_HARNESS_H
 #define RL132_TESTS_NATIVE_DIB_HARNESS_H
 #include <unistd.h>
@@ -48,6 +36,7 @@ inline void Fail(const char* what)
 }
 #define DIBFUZZ_CHECK(c) ((c) ? (void)0 : dibfuzz::Fail(#c))
 
+// A file of this process's own, in TMPDIR when it is set.
 // A file of this process's own, in TMPDIR when it is set: `what` tells the
 // harness's files apart.
 inline vSTRING TempName(const char* what)
@@ -209,9 +198,8 @@ inline Bytes Framed(const std::uint8_t* data, std::size_t size)
     return b;
 }
 
-// Whether a block of the image's stored form, written as it stands, would be taken
-// for a frame that yields that whole block: the header, the palette,
-// and the rows (one block, or 12,000-byte blocks for 24 bits).
+// Whether a block of the stored form (header, palette, rows in one block or
+// 12,000-byte blocks for 24 bits) written as it stands reads as a whole frame.
 inline bool Ambiguous(const oMEMDIB& d)
 {
     vMEMSTREAM m;
@@ -246,12 +234,8 @@ inline void Exercise(const oMEMDIB& d, const std::uint8_t* data, std::size_t siz
     const Bytes rows = Rows(d), pal = PaletteOf(d);
     DIBFUZZ_CHECK(rows.size() == h * stride);
 
-    // Written to memory, and to a file plain and compressed, and read back by
-    // both kinds. A compressing stream keeps a block that would read as a frame
-    // in a frame of its own, so what it gives back is always what was written.
-    // A plain file writes blocks as they stand: one that is itself a whole frame
-    // of its size reads back as that frame's contents, so only then may it give
-    // back other pixels.
+    // Written to memory, a plain and a compressing file, and read back. Only a
+    // plain file may give back other pixels: a block that is itself a whole frame.
     const bool ambiguous = Ambiguous(d);
     for (int kind = 0; kind < 3; ++kind) {
         vMEMSTREAM m;

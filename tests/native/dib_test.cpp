@@ -1,7 +1,5 @@
-// DIB kernels under the sanitizers: header plans for hostile field values, then
-// every routine of the pixel-format table, the difference coder and the dither
-// through buffers of exactly the size each routine's contract names (a row of
-// ceil(width × bits / 8) bytes, one or three bytes per pixel, four per palette entry).
+// DIB header plans for hostile fields, and every pixel-format routine, the
+// difference coder and the dither in buffers of exactly their contract's size.
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <vector>

@@ -1,8 +1,5 @@
-// The whole DIB read path under the sanitizers, a bounded number of times:
-// stored forms of every kind the library reads (file header or not, every
-// depth, top-down, palettes of every size, 24-bit rows in difference-coded
-// compressed blocks) and the same forms damaged, through dib_harness.h. The
-// inputs that once found something are kept first, byte for byte.
+// The whole DIB read path (dib_harness.h) over stored forms of every kind, whole
+// and damaged, after the inputs that once found something.
 #include <gtest/gtest.h>
 #include "dib_harness.h"
 
@@ -67,26 +64,18 @@ void Damage(Rng& rng, Bytes& v)
 
 } // namespace
 
-// Inputs the fuzzer found something with, byte for byte.
 TEST(NativeDibRead, FoundInputs)
 {
-    // A 56 x 1 picture of 4 bits, its rows one compressed frame, read as a
-    // plain file ("BM" in front): its pixels are then the frame's own bytes,
-    // and a whole frame of exactly the rows' size. Written to a memory stream
-    // and read back, they came out expanded, as the pixels of the picture the
-    // frame was made from: a reader took frames from a stream that holds its
-    // bytes as stored.
+    // 56 x 1, 4 bits, rows one frame, behind "BM": written to memory and read
+    // back, the pixels came out expanded.
     static const unsigned char kPixelsThatAreAFrame[] = {0xff, 0x25, 0xff, 0x00, 0xff, 0xff, 0xd0, 0x25, 0x00, 0xd0};
     dibfuzz::Run(kPixelsThatAreAFrame, sizeof kPixelsThatAreAFrame);
 }
 
 TEST(NativeDibRead, RowsThatAreAFrameOfTheirOwnSizeComeBackAsWritten)
 {
-    // Found: rows whose bytes are a whole frame of exactly their size (8 bits,
-    // one block; 24 bits, whose difference-coded block does not shrink and
-    // was written again uncoded) were stored raw by a compressing file and
-    // read back as the frame's contents. The rows here are such a frame, one
-    // row high, from plain bytes that shrink and bytes that do not.
+    // Found: rows that are a whole frame of exactly their size were stored raw by
+    // a compressing file and read back as the frame's contents (8 and 24 bits).
     for (std::uint32_t seed = 1; seed < 40; ++seed) {
         Rng rng(seed);
         Bytes plain(200 + rng.Below(3000));

@@ -1,20 +1,9 @@
-// The file stream against a plain model, shared by the bounded loop of the
-// native tests and the libFuzzer program. The input is a script: its bytes
-// choose the cache, a disk that fills up at some size, and the operations with
-// their sizes and data. The model is a byte vector holding what a disk of that
-// size keeps.
-//
-// Without the cache every result, position, status and byte must match the
-// model exactly. With it, writes wait in memory and a full disk shows only
-// when the cache goes out, at a moment the model does not follow: until some
-// write reached past the disk's end the run is exact all the same; after that
-// a status may read 4 where the model has another, and the rest stays exact
-// (results, positions, bytes read and the bytes on disk at the end).
-//
-// Compressing writes are made only on a disk without limit (where the frame
-// and its raw fallback are exactly predictable). A failing medium (reads that
-// fail from some point on) is played too; then only the stream's own
-// consistency is checked.
+// The file stream against a plain model (a byte vector: what a disk of the
+// script's size keeps), shared by file_test.cpp and fuzz_file.cpp. Without the
+// cache all must match exactly. With it a full disk shows only when the cache
+// goes out: once a write reached past the disk's end a status may read 4 where
+// the model has another, the rest stays exact. Compressing writes only on a disk
+// without limit; on a failing medium only the stream's consistency is checked.
 #ifndef RL132_TESTS_NATIVE_FILE_HARNESS_H
 #define RL132_TESTS_NATIVE_FILE_HARNESS_H
 #include <cstdio>

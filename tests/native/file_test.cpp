@@ -1,6 +1,4 @@
-// The file stream natively, over the POSIX file seam: random scripts against a
-// byte-vector model with the disk filling up at a random size (file_harness.h,
-// shared with the fuzz program), and the defects found on the way.
+// The file stream against a model on a filling disk (file_harness.h), and the defects found.
 #include <gtest/gtest.h>
 #include "file_harness.h"
 
@@ -40,9 +38,7 @@ TEST(NativeFile, EmptyWritesWithNoDataAtAll)
 
 TEST(NativeFile, ACacheWriteOutCutShortKeepsThePosition)
 {
-    // Found by the model: when the disk filled up while the cache went out,
-    // the system's pointer stayed where the disk stopped taking bytes while
-    // the stream counted on from the end of the cache; its position then read
+    // Found: a disk that filled while the cache went out left the position at
     // 650 instead of 1,000, and later writes went to the wrong place.
     ScratchFile tmp;
     std::vector<unsigned char> data(1000);

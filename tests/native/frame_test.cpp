@@ -1,6 +1,4 @@
-// The compressed block frame over memory under the sanitizers: frames made by
-// Pack expand back exactly, and every damaged or coincidental would-be frame is
-// judged raw, with the input and output buffers of exactly the sizes given.
+// The compressed block frame: packed frames expand back exactly, damaged ones are raw.
 #include <gtest/gtest.h>
 #include <vector>
 #include "native_support.h"
@@ -134,10 +132,8 @@ TEST(NativeFrame, AnythingThatDoesNotParseIsRaw)
 
 TEST(NativeFrame, RunsThatReadAsFramesAreWrittenAsTheirOwnFrames)
 {
-    // Found: a run that is itself a whole valid frame does not shrink and was
-    // stored raw, so a reader expanded it. Written through a compressing file,
-    // appended and over existing bytes, it must come back byte for byte, and
-    // the writer must say it left a frame; a memory stream keeps it as stored.
+    // Found: a run that is itself a whole frame was stored raw, and read back
+    // expanded. A compressing file must frame it; a memory stream keeps it as is.
     Rng rng(17);
     const char* dir = std::getenv("TMPDIR");
     const std::string path = std::string(dir && *dir ? dir : "/tmp") + "/rl132-frame-" + std::to_string((long)getpid());

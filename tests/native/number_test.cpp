@@ -1,8 +1,5 @@
-// The 16.16 arithmetic, angles, table functions and geometry values under
-// UndefinedBehaviorSanitizer, over raw values that gather at the edges of
-// 32-bit arithmetic. The types wrap by design, so any signed overflow, shift out
-// of range or bad float conversion inside them is a fault; and where long has
-// 64 bits (a 64-bit host), results must still wrap at 32.
+// The 16.16 types at the edges of 32 bits under UBSan: they wrap by design (at 32
+// bits where long is 64), so any overflow, bad shift or float conversion is a fault.
 #include <gtest/gtest.h>
 #include <cmath>
 #include <cstdint>

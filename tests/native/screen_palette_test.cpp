@@ -1,7 +1,4 @@
-// The screen palette computed from generated system palettes: the system's
-// entries kept as given, the cube, greys and fixed entries at their places,
-// the flags, and the one-step lowering of library colours that meet one of the
-// system's upper ten colours.
+// The screen palette from generated system palettes against entries worked from their places.
 #include <gtest/gtest.h>
 #include "devices/screenpal.h"
 #include "native_support.h"
@@ -33,35 +30,6 @@ PALENTRY Raw(int i)
 bool Same(const PALENTRY& a, const PALENTRY& b)
 {
     return a.red == b.red && a.green == b.green && a.blue == b.blue && a.flags == b.flags;
-}
-
-// The static colours a 256-colour display usually reserves.
-const PALENTRY kLow[10] = {{0, 0, 0, 0},     {128, 0, 0, 0},   {0, 128, 0, 0},   {128, 128, 0, 0},
-                           {0, 0, 128, 0},   {128, 0, 128, 0}, {0, 128, 128, 0}, {192, 192, 192, 0},
-                           {192, 220, 192, 0}, {166, 202, 240, 0}};
-const PALENTRY kHigh[10] = {{255, 251, 240, 0}, {160, 160, 164, 0}, {128, 128, 128, 0}, {255, 0, 0, 0},
-                            {0, 255, 0, 0},     {255, 255, 0, 0},   {0, 0, 255, 0},     {255, 0, 255, 0},
-                            {0, 255, 255, 0},   {255, 255, 255, 0}};
-
-TEST(NativeScreenPalette, StandardStaticColours)
-{
-    PALENTRY out[256];
-    rlscreen::BuildScreenPalette(kLow, kHigh, out);
-    struct Row { int index, r, g, b; } const rows[] = {
-        {0, 0, 0, 0},        {9, 166, 202, 240},  {10, 0, 0, 0},      {11, 0, 0, 0},
-        {12, 0, 0, 0},       {13, 37, 37, 37},    {19, 148, 148, 148}, {20, 0, 0, 0},
-        {21, 0, 0, 81},      {25, 0, 0, 254},     {26, 0, 81, 0},      {50, 0, 254, 0},
-        {55, 0, 254, 254},   {56, 81, 0, 0},      {200, 254, 0, 0},    {205, 254, 0, 254},
-        {230, 254, 254, 0},  {234, 255, 255, 217}, {235, 254, 254, 254}, {236, 163, 163, 163},
-        {242, 243, 243, 243}, {243, 254, 254, 254}, {244, 0, 0, 0},   {245, 157, 233, 199},
-        {246, 255, 251, 240}, {255, 255, 255, 255}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.index);
-        EXPECT_EQ(out[row.index].red, row.r);
-        EXPECT_EQ(out[row.index].green, row.g);
-        EXPECT_EQ(out[row.index].blue, row.b);
-        EXPECT_EQ(out[row.index].flags, row.index >= 10 && row.index <= 245 ? 4 : 0);
-    }
 }
 
 TEST(NativeScreenPalette, GeneratedSystemPalettes)

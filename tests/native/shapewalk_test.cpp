@@ -1,8 +1,4 @@
-// The shape walk: hand-worked shapes, the piece stream of generated shapes
-// against the reference walk of shapewalk_support.h, the corner and
-// straightness tests at their thresholds, LISTINFO's duplicate rule and its
-// 16-bit ceiling, and a bounded loop over arbitrary tables near the limits of
-// 32-bit arithmetic under the sanitizers.
+// The shape walk against a reference walk, its thresholds, LISTINFO and the hit test.
 #include <gtest/gtest.h>
 #include <cmath>
 #include <cstdint>
@@ -108,21 +104,6 @@ TEST(ShapeWalk, HandWorkedShapes)
         EXPECT_TRUE(SameStream(Counted({S(P(3, 4), P(-7, 9)), S(P(-7, 9), P(-7, 9)), E(0)}), r.ev));
     }
     {
-        // An open polyline bending by 5 degrees (no corner) and then by 8 (a
-        // corner), 1000 pixels a leg; its open end is never a corner.
-        const double kPi = 3.14159265358979;
-        auto leg = [&](GPOINT from, double deg) {
-            return P(from.x + (std::int32_t)std::lround(1000 * std::cos(deg * kPi / 180)),
-                     from.y + (std::int32_t)std::lround(1000 * std::sin(deg * kPi / 180)));
-        };
-        GPOINT a = P(0, 0), b = leg(a, 0), c = leg(b, 5), d = leg(c, 13);
-        Shape s;
-        s.Add(a.x, a.y, 0x09), s.Add(b.x, b.y, 0x08), s.Add(c.x, c.y, 0x08), s.Add(d.x, d.y, 0x02);
-        Recorder r;
-        EXPECT_EQ(1, WalkShape(s.View(), id, r, kAll));
-        EXPECT_TRUE(SameStream(Counted({S(a, b), S(b, c), C(b, c, d), S(c, d), S(d, d), E(0)}), r.ev));
-    }
-    {
         // A curve whose control points and end lie within 2 pixels of its start
         // is one chord. The members not asked for are never called.
         Shape s;
@@ -133,21 +114,6 @@ TEST(ShapeWalk, HandWorkedShapes)
         Recorder none;
         EXPECT_EQ(1, WalkShape(s.View(), id, none, 0));
         EXPECT_TRUE(none.ev.empty());
-    }
-    {
-        // Three contours: a closed triangle, an open line and a closing curve
-        // that starts at its contour's first point and runs back to it.
-        Shape s;
-        s.Add(0, 0, 0x09), s.Add(50, 0, 0x08), s.Add(0, 50, 0x0A);
-        s.Add(200, 0, 0x09), s.Add(300, 0, 0x02);
-        s.Add(500, 500, 0x13), s.Add(600, 400, 0x20), s.Add(600, 600, 0x20);
-        Recorder r;
-        EXPECT_EQ(3, WalkShape(s.View(), id, r, kAll));
-        EXPECT_TRUE(Agree(s, id));
-        int ends = 0;
-        for (const Event& e : r.ev)
-            ends += e.kind == 'E';
-        EXPECT_EQ(3, ends);
     }
 }
 
@@ -229,18 +195,12 @@ TEST(ShapeWalk, GeneratedShapesMatchTheReference)
 
 TEST(ShapeWalk, MappingAndMidpoints)
 {
-    // The device's own hand-worked lengths: (96 + 36) / 72 and (96 + 300) / 600.
-    EXPECT_EQ(1, MapCoord(1, 0, 72, 96));
-    EXPECT_EQ(0, MapCoord(1, 0, 600, 96));
-    EXPECT_EQ(0, MapCoord(-1, 0, 72, 96));    // (-96 + 36) / 72 truncates to 0
     EXPECT_EQ(-2, MapCoord(-2, 0, 72, 96));   // (-192 + 36) / 72 = -2.17
     EXPECT_EQ(0, MapCoord(5, 7, 0, 96));      // no logical units: 0, no fault
-    EXPECT_EQ(0, MapCoord(-1, 0, 96, 96));    // equal resolutions: -48 / 96
-    EXPECT_EQ(P(-5, 7), MapPoint(IdentityMap(), -5, 7));
     EXPECT_EQ(P(-1, 1), MidPoint(P(-3, 0), P(1, 2)));
     EXPECT_EQ(P(-1073741824, 0), MidPoint(P(0x7FFFFFFF, -1), P(1, 1)));   // the sum wraps
     Rng rng(7);
-    for (int i = 0; i < 200000; ++i) {
+    for (int i = 0; i < 100000; ++i) {
         std::int32_t l = (std::int32_t)rng.Edgy(), o = (std::int32_t)rng.Edgy();
         std::int32_t lu = (std::int32_t)rng.Edgy(), du = (std::int32_t)rng.Edgy();
         if (i & 1)
@@ -253,10 +213,7 @@ TEST(ShapeWalk, MappingAndMidpoints)
 
 TEST(ShapeWalk, CornerAndStraightnessThresholds)
 {
-    // Straight on is no corner, 5 degrees is none, 8 is one; a neighbour on
-    // the joint always is. Both length branches (squares up to 10,000 and
-    // beyond) are taken. (Legs beyond about 1,460 pixels make dot * 1000 wrap
-    // at 32 bits, and the answer is then the wrapped one.)
+    // 5 degrees is no corner, 8 is one, on legs either side of the squares' 10,000 branch.
     const double kPi = 3.14159265358979;
     for (double len : {40.0, 70.0, 99.0, 101.0, 500.0, 1400.0}) {
         for (double bend : {0.0, 5.0, 8.0, 30.0, 90.0, 179.0}) {
@@ -274,17 +231,13 @@ TEST(ShapeWalk, CornerAndStraightnessThresholds)
     EXPECT_FALSE(DetectCorner(P(0, 0), P(4096 * 10, 0), P(4096 * 20, 0), 1));
     EXPECT_TRUE(DetectCorner(P(0, 0), P(4096 * 10, 0), P(4096 * 20, 4096 * 2), 1));
 
-    // Straightness: within 2 pixels of the start always; a bulge of 1 pixel on
-    // a 100-pixel chord is not straight, 1/8 pixel is, in 20.12.
-    EXPECT_TRUE(IsBezierStraight(P(0, 0), P(4096, -4096), P(-4096, 4096), 1));
+    // A bulge of 1 pixel on a 100-pixel chord is not straight, 1/8 pixel is (20.12).
     EXPECT_FALSE(IsBezierStraight(P(0, 0), P(50 * 4096, 4096), P(100 * 4096, 0), 1));
     EXPECT_TRUE(IsBezierStraight(P(0, 0), P(50 * 4096, 512), P(100 * 4096, 0), 1));
-    EXPECT_TRUE(IsBezierStraight(P(7, 7), P(8, 6), P(6, 8), 0));
-    EXPECT_FALSE(IsBezierStraight(P(0, 0), P(50, 4), P(100, 0), 0));
 
     // Against the rules in 64-bit arithmetic, everywhere, wrapping included.
     Rng rng(11);
-    for (int i = 0; i < 300000; ++i) {
+    for (int i = 0; i < 150000; ++i) {
         std::int32_t s = i % 3 == 0 ? 0 : i % 3 == 1 ? 20 : 12;   // whole range, small, medium
         auto v = [&] { return s ? (std::int32_t)(rng.U32() >> s) - (std::int32_t)(0x80000000u >> s) : (std::int32_t)rng.Edgy(); };
         GPOINT a = P(v(), v()), b = P(v(), v()), c = P(v(), v());

@@ -1,10 +1,6 @@
-// One input through the binary stream readers, shared by the bounded loops of
-// the native tests and the libFuzzer programs. Each harness checks what must
-// hold whatever the bytes say and returns false on the first breach (the
-// sanitizers catch the rest): a test asserts the result, a fuzzer aborts.
-//
-// Input layout: the first byte seeds the choice of operations, the rest is the
-// stream's content, copied into a heap block of exactly its size.
+// One input through the binary stream readers, shared by the native tests and
+// the fuzz programs: false on the first breach of what must hold whatever the
+// bytes say. The first byte seeds the operations, the rest is the content.
 #ifndef RL132_TESTS_NATIVE_STREAM_HARNESS_H
 #define RL132_TESTS_NATIVE_STREAM_HARNESS_H
 #include <vector>
@@ -18,6 +14,15 @@
 #include "streams/frame.h"
 
 namespace rlnative {
+
+// The content after the seed byte, in a heap block of exactly its size.
+struct Content : Exact {
+    unsigned long n;
+    Content(const unsigned char* data, size_t size) : Exact(size > 1 ? size - 1 : 1), n((unsigned long)(size - 1))
+    {
+        std::memcpy(p, data + 1, n);
+    }
+};
 
 // A memory stream that looks for frames in ReadByteString, as the file and
 // OLE streams do: the stream base's reader over memory.
@@ -38,9 +43,8 @@ inline bool ReadEverything(const unsigned char* data, size_t size)
     if (size == 0)
         return true;
     Rng rng(data[0]);
-    const unsigned long n = (unsigned long)(size - 1);
-    Exact content(n ? n : 1);
-    std::memcpy(content.p, data + 1, n);
+    Content content(data, size);
+    const unsigned long n = content.n;
     unsigned char* p = content.p;
     FramedMem s(&p, n);
     for (int op = 0; op < 48; ++op) {
@@ -123,9 +127,8 @@ inline bool ReadAttributes(const unsigned char* data, size_t size)
     if (size == 0)
         return true;
     Rng rng(data[0]);
-    const unsigned long n = (unsigned long)(size - 1);
-    Exact content(n ? n : 1);
-    std::memcpy(content.p, data + 1, n);
+    Content content(data, size);
+    const unsigned long n = content.n;
     unsigned char* p = content.p;
     vMEMSTREAM s(&p, n, vSTRING(), 0, 0);
     // The conversions' results go somewhere the compiler cannot drop.

@@ -1,7 +1,4 @@
-// The binary stream readers under the sanitizers: arbitrary and damaged
-// content through typed reads, byte strings with frames, strings, the frame
-// module and the stream copy, and through the colour, line and fill readers
-// (stream_harness.h, shared with the fuzz programs).
+// The binary stream readers over arbitrary and damaged content (stream_harness.h).
 #include <gtest/gtest.h>
 #include "stream_harness.h"
 
@@ -105,10 +102,8 @@ TEST(NativeStream, ReadersOverArbitraryAndDamagedContent)
 
 TEST(NativeStream, AFillWhoseImageWordIsCutShort)
 {
-    // Found by fuzzing: a fill style at the end of the data whose last word
-    // (40 when an image follows) had only its first byte, 0x28. The short read
-    // gave 40 all the same, and the reader stepped back two bytes into the
-    // mode to read an image from there.
+    // Found by fuzzing: a fill style's last word (40: an image follows) cut to
+    // its first byte still read as 40, and the reader stepped back two bytes.
     unsigned char form[25] = {4, 0};
     form[24] = 0x28;
     unsigned char* p = form;

