@@ -115,8 +115,9 @@ TEST(Frame, ReportShowsWarningOnceThenSevere)
     EXPECT_EQ(vAPPFRAME::Report(nullptr), 0);
     EXPECT_EQ(vSYSTEM::GetExceptionFlag(), 1);
     ASSERT_EQ(boxes.Calls().size(), 2u);
-    if (warningLeft)
+    if (warningLeft) {
         EXPECT_EQ(boxes.Calls()[0].text, "Error: Free Memory is getting low.\nTry closing some of your other applications.");
+    }
     EXPECT_EQ(boxes.Calls()[1].text, "Error: Free Memory is extremely low.\nTry closing some of your other applications.");
     EXPECT_EQ(boxes.Calls()[0].caption, "");   // no window, no title
     EXPECT_EQ(boxes.Calls()[1].type, (unsigned)(MB_OK | MB_ICONHAND | MB_SYSTEMMODAL));
