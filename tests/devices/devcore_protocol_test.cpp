@@ -92,3 +92,50 @@ TEST(DeviceMapping, DeviceOverAContextAdoptsItsMapping)
     EXPECT_GT(p.y(), 0);
     EXPECT_EQ(d.DeviceType(), vDT_DISPLAY);
 }
+
+namespace {
+class LOGGING : public DEVICE {
+public:
+    explicit LOGGING(HDC dc) : DEVICE(dc) {}
+    std::string log;
+    int PushClipArea() override { log += "clip "; return DEVICE::PushClipArea(); }
+    int PopClipArea() override { log += "clip "; return DEVICE::PopClipArea(); }
+    int PushFillSpec() override { log += "fill "; return DEVICE::PushFillSpec(); }
+    int PopFillSpec() override { log += "fill "; return DEVICE::PopFillSpec(); }
+    int PushLineSpec() override { log += "line "; return DEVICE::PushLineSpec(); }
+    int PopLineSpec() override { log += "line "; return DEVICE::PopLineSpec(); }
+    int PushFontSpec() override { log += "font "; return DEVICE::PushFontSpec(); }
+    int PopFontSpec() override { log += "font "; return DEVICE::PopFontSpec(); }
+};
+} // namespace
+
+// Pushes and pops run clip area, fill, line, font, both in that order, and a
+// pop brings back all four.
+TEST(DeviceState, PushAndPopStateRestoreAllFourInOneOrder)
+{
+    SURFACE s(32, 32);
+    LOGGING d(s.dc);
+    const vLINESPEC line(vLT_DASH2, vCOLOUR(1, 2, 3), vINT(4L));
+    const vFILLSPEC fill(vFT_SOLID, vCOLOUR(200, 0, 0), vCOLOUR(0, 0, 9));
+    const vFONTSPEC font(vSTRING("Arial"), vFS_BOLD, vINT(12L), vREAL(0), 0, vFH_POINTS, vANGLE(0));
+    d.ClipArea(R(4, 4, 20, 20));
+    d.LineSpec(line);
+    d.FillSpec(fill);
+    d.FontSpec(font);
+    EXPECT_EQ(d.PushState(), 1);
+    EXPECT_EQ(d.log, "clip fill line font ");
+    d.ClipArea(R(10, 10, 32, 32));
+    d.LineSpec(vLINESPEC(vLT_NONE));
+    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(0, 0, 0), vCOLOUR(0, 0, 0)));
+    d.FontSpec(vFONTSPEC(vSTRING("Times"), vFS_NORMAL, vINT(20L), vREAL(0), 0, vFH_PIXELS, vANGLE(0)));
+    d.log.clear();
+    EXPECT_EQ(d.PopState(), 1);
+    EXPECT_EQ(d.log, "clip fill line font ");
+    EXPECT_TRUE(d.LineSpec() == line);
+    EXPECT_TRUE(d.FillSpec() == fill);
+    EXPECT_TRUE(d.FontSpec() == font);
+    EXPECT_TRUE(d.ClipArea() == R(4, 4, 21, 21));
+    // Each stack pops once per push.
+    EXPECT_EQ(d.PushFontSpec() + d.PopFontSpec() + d.PopFontSpec(), 2);
+    EXPECT_EQ(d.PopLineSpec() + d.PopFillSpec(), 0);
+}

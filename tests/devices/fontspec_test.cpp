@@ -2,6 +2,7 @@
 // resolution over a sweep, comparison, and the stream form byte for byte.
 #include <gtest/gtest.h>
 #include "devcore_support.h"
+#include "rltest.h"
 
 TEST(FontSpec, SizesInPointsOrPixels)
 {
@@ -62,4 +63,36 @@ TEST(FontSpec, ComparesEveryFieldAndStreamsThemInOrder)
     back << m;
     EXPECT_TRUE(back == base);
     EXPECT_EQ(back.Angle()(), -0x5A0000L);
+}
+
+// The device's font cache: a new description is made and traced once;
+// returning to one already made finds the same entry and says so.
+TEST(FontSpec, DeviceCacheFindsEntriesAgain)
+{
+    unsigned short level = vSYSTEM::GetTraceLevel();
+    vSYSTEM::SetTraceLevel(1);
+    {
+        rltest::DebugOutput out;
+        vMEMDEVICE d(vINT(10L), vINT(10L));
+        vFONTSPEC start = d.FontSpec();
+        vFONTSPEC a(vSTRING("DejaVu Sans"), vFS_NORMAL, vINT(10L), vREAL(0), 0, vFH_POINTS, vANGLE(0));
+        vFONTSPEC b(vSTRING("DejaVu Sans"), vFS_NORMAL, vINT(10L), vREAL(0), 0, vFH_POINTS, vANGLE(90));
+        const vFONTSPEC* steps[] = {&a, &a, &b, &a, &start, &b};
+        const char* traces[] = {"vDEVICE - New Font", "", "vDEVICE - New Font", "vDEVICE::Found Font",
+                                "vDEVICE::Found Font", "vDEVICE::Found Font"};
+        vFONTDETAIL* seen[6];
+        for (int i = 0; i < 6; ++i) {
+            out.Clear();
+            d.FontSpec(*steps[i]);
+            std::string text = out.Text();
+            EXPECT_EQ(text.find("Font") != std::string::npos, *traces[i] != 0) << i << text;
+            if (*traces[i]) {
+                EXPECT_NE(text.find(traces[i]), std::string::npos) << i << text;
+            }
+            seen[i] = d.GetCurFontDetail();
+            EXPECT_TRUE(*seen[i] == *steps[i]);
+        }
+        EXPECT_TRUE(seen[0] == seen[1] && seen[0] == seen[3] && seen[2] == seen[5] && seen[0] != seen[2]);
+    }
+    vSYSTEM::SetTraceLevel(level);
 }
