@@ -49,27 +49,38 @@ const struct { long width, height; uint32_t sector; } kBase[3] = {
 
 constexpr int32_t Fix(double v) { return (int32_t)(v * 65536.0 + (v < 0 ? -0.5 : 0.5)); }
 
+// A sum of one luma and one or two chroma terms lies within -347 .. 567 once
+// shifted down; the clip table covers -384 .. 639 so that no sum needs a test.
+const int kClipLow = 384, kClipSize = 1024;
+
 struct YccTables {
+    // luma carries the rounding half (0x8000), so a sum shifts down to the
+    // nearest integer.
     int32_t luma[256], bFromC1[256], gFromC1[256], gFromC2[256], rFromC2[256];
-    constexpr YccTables() : luma(), bFromC1(), gFromC1(), gFromC2(), rFromC2()
+    uint8_t clip[kClipSize];
+    constexpr YccTables() : luma(), bFromC1(), gFromC1(), gFromC2(), rFromC2(), clip()
     {
         for (int i = 0; i < 256; ++i) {
             double c1 = 2.2179 * (i - 156), c2 = 1.8215 * (i - 137);
-            luma[i] = Fix(1.3584 * i);
+            luma[i] = Fix(1.3584 * i) + 0x8000;
             bFromC1[i] = Fix(c1);
             gFromC1[i] = Fix(-0.194 * c1);
             gFromC2[i] = Fix(-0.509 * c2);
             rFromC2[i] = Fix(c2);
         }
+        for (int i = 0; i < kClipSize; ++i)
+            clip[i] = (uint8_t)(i < kClipLow ? 0 : i - kClipLow > 255 ? 255 : i - kClipLow);
     }
 };
 constexpr YccTables kYcc;
+static_assert((kYcc.luma[255] >> 16) + (kYcc.bFromC1[255] >> 16) + kClipLow + 1 < kClipSize &&
+              (kYcc.luma[0] >> 16) + (kYcc.bFromC1[0] >> 16) + kClipLow - 1 >= 0 &&
+              (kYcc.luma[0] + kYcc.rFromC2[0]) >> 16 > -kClipLow &&
+              (kYcc.luma[0] + kYcc.gFromC1[255] + kYcc.gFromC2[255]) >> 16 > -kClipLow &&
+              (kYcc.luma[255] + kYcc.gFromC1[0] + kYcc.gFromC2[0]) >> 16 < kClipSize - kClipLow,
+              "the clip table covers every sum");
 
-inline uint8_t Clip(int32_t fixed)
-{
-    int32_t v = (fixed + 0x8000) >> 16;
-    return (uint8_t)(v < 0 ? 0 : v > 255 ? 255 : v);
-}
+inline uint8_t Clip(int32_t fixed) { return kYcc.clip[(fixed >> 16) + kClipLow]; }
 
 // One chroma row of half width to full width: even columns take the sample,
 // odd ones the mean of their two neighbours (the last repeats its left one).
