@@ -67,6 +67,14 @@ struct BLOCK {
     void* p;
 };
 
+// Whether StretchDIBits drew: it answers the number of lines, which for a
+// top-down DIB comes back negative on some systems, 0 for nothing drawn and
+// GDI_ERROR (the same bits as -1) for a failure.
+int Drew(int answer, long lines)
+{
+    return answer != 0 && (answer != (int)GDI_ERROR || lines == 1);
+}
+
 void TopDownInfo(FULLINFO& info, long w, long h, WORD bits)
 {
     memset(&info, 0, sizeof info);
@@ -137,8 +145,9 @@ int vDEVICE::DrawDIB(const oDIB& dib, vRECT* source, vCOLOUR* tint, int rop, int
             memcpy(info.colours, quads, 4u * colours);
         // Rows are bottom-up, so GDI counts the source rectangle from the
         // picture's bottom edge.
-        drawn = StretchDIBits(dc, dx, dy, dw, dh, sx, src.height - sy1, sw, sh, src.rows, (BITMAPINFO*)&info,
-                              DIB_RGB_COLORS, op) > 0;
+        drawn = Drew(StretchDIBits(dc, dx, dy, dw, dh, sx, src.height - sy1, sw, sh, src.rows, (BITMAPINFO*)&info,
+                                   DIB_RGB_COLORS, op),
+                     sh);
         SetStretchBltMode(dc, oldMode);
         return drawn;
     }
@@ -185,7 +194,7 @@ int vDEVICE::DrawDIB(const oDIB& dib, vRECT* source, vCOLOUR* tint, int rop, int
     for (unsigned long i = 0; i < count; ++i)
         hiddenCount += hidden[i];
     if (!hiddenCount) {
-        drawn = StretchDIBits(dc, dx, dy, dw, dh, 0, 0, sw, sh, canvas, (BITMAPINFO*)&info, DIB_RGB_COLORS, op) > 0;
+        drawn = Drew(StretchDIBits(dc, dx, dy, dw, dh, 0, 0, sw, sh, canvas, (BITMAPINFO*)&info, DIB_RGB_COLORS, op), sh);
     } else if (hiddenCount == count) {
         drawn = 1;   // nothing of the picture shows
     } else {
@@ -196,10 +205,12 @@ int vDEVICE::DrawDIB(const oDIB& dib, vRECT* source, vCOLOUR* tint, int rop, int
             TopDownInfo(mask, sw, sh, 1);
             mask.h.biClrUsed = 2;
             mask.colours[1].rgbRed = mask.colours[1].rgbGreen = mask.colours[1].rgbBlue = 255;
-            drawn = StretchDIBits(dc, dx, dy, dw, dh, 0, 0, sw, sh, maskBlock.p, (BITMAPINFO*)&mask, DIB_RGB_COLORS,
-                                  SRCAND) > 0 &&
-                    StretchDIBits(dc, dx, dy, dw, dh, 0, 0, sw, sh, canvas, (BITMAPINFO*)&info, DIB_RGB_COLORS,
-                                  SRCPAINT) > 0;
+            drawn = Drew(StretchDIBits(dc, dx, dy, dw, dh, 0, 0, sw, sh, maskBlock.p, (BITMAPINFO*)&mask,
+                                       DIB_RGB_COLORS, SRCAND),
+                         sh) &&
+                    Drew(StretchDIBits(dc, dx, dy, dw, dh, 0, 0, sw, sh, canvas, (BITMAPINFO*)&info, DIB_RGB_COLORS,
+                                       SRCPAINT),
+                         sh);
         }
     }
     SetStretchBltMode(dc, oldMode);
