@@ -16,7 +16,7 @@
 // Exported for the test programs only; not part of the installed interface.
 class RL132_API LEADBRIDGE : public vOBJECT {
 public:
-    LEADBRIDGE();
+    LEADBRIDGE() : library("LEAD51N.DLL"), tried(0), entries{} {}
 
     // The process's one bridge.
     static LEADBRIDGE& Instance();

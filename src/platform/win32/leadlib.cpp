@@ -1,4 +1,7 @@
-// The imaging library bridge (see leadlib.h).
+// The imaging library bridge (see platform/leadlib.h). It lives with the
+// Win32 edge because everything it hands over is the system's: DIB headers and
+// movable global memory. The native builds have no imaging library; they
+// construct the bridge (inline in the header) and never use it.
 #include <windows.h>
 #include <cstring>
 #include "platform/leadlib.h"
@@ -46,11 +49,6 @@ template <class USE> bool TakePacked(HGLOBAL block, long w, long h, USE use)
 }
 
 } // namespace
-
-LEADBRIDGE::LEADBRIDGE() : library("LEAD51N.DLL"), tried(0)
-{
-    memset(entries, 0, sizeof entries);
-}
 
 LEADBRIDGE& LEADBRIDGE::Instance()
 {
