@@ -9,8 +9,10 @@
 // monochrome source gives the destination's background colour for 1 and its
 // text colour for 0.
 #include <windows.h>
+#include <cstring>
 #include <initializer_list>
 #include "rl132/bitmaps/vdisplaybmp.h"
+#include "rl132/devices/vscreen.h"
 #include "bitmaps/displayseam.h"
 #include "core/rlstate.h"
 
@@ -70,13 +72,43 @@ int SurfaceSize(HBITMAP bitmap, int& w, int& h)
 void Fill(HBITMAP bitmap, HPALETTE palette, int w, int h, COLORREF colour)
 {
     BITMAPDC b(bitmap, palette);
-    HBRUSH brush = CreateSolidBrush(colour);
+    // With a palette, the nearest entry: a plain RGB brush would be dithered.
+    HBRUSH brush = CreateSolidBrush(palette ? PALETTERGB(GetRValue(colour), GetGValue(colour), GetBValue(colour)) : colour);
     if (b.dc && brush) {
         RECT all = {0, 0, w, h};
         ::FillRect(b.dc, &all, brush);
     }
     if (brush)
         DeleteObject(brush);
+}
+
+// A surface of the display's kind. On a palette display that is an 8-bit
+// section whose colour table is the screen palette, so that its indices mean
+// what the display's do and every blit between it, the memory devices and the
+// mask is exact; elsewhere the system's compatible bitmap.
+HBITMAP MakeSurface(HDC screen, int w, int h, HPALETTE palette)
+{
+    const LOGPALETTE* log = palette ? vSCREEN::LogPalette() : nullptr;
+    if (!log)
+        return CreateCompatibleBitmap(screen, w, h);
+    struct {
+        BITMAPINFOHEADER h;
+        RGBQUAD colours[256];
+    } info;
+    memset(&info, 0, sizeof info);
+    info.h.biSize = sizeof(BITMAPINFOHEADER);
+    info.h.biWidth = w;
+    info.h.biHeight = h;
+    info.h.biPlanes = 1;
+    info.h.biBitCount = 8;
+    info.h.biClrUsed = 256;
+    for (int i = 0; i < 256; ++i) {
+        info.colours[i].rgbRed = log->palPalEntry[i].peRed;
+        info.colours[i].rgbGreen = log->palPalEntry[i].peGreen;
+        info.colours[i].rgbBlue = log->palPalEntry[i].peBlue;
+    }
+    void* bits = nullptr;
+    return CreateDIBSection(screen, (BITMAPINFO*)&info, DIB_RGB_COLORS, &bits, nullptr, 0);
 }
 
 } // namespace
@@ -109,12 +141,16 @@ vDISPLAYBMP::vDISPLAYBMP(short width, short height, int transp)
         RealizePalette(screen);
     }
     dualMode = bits == 4;
-    surface0 = CreateCompatibleBitmap(screen, width, height);
+    surface0 = MakeSurface(screen, width, height, palette);
     mask = CreateBitmap(width, height, 1, 1, nullptr);
-    if (dualMode)
-        surface1 = CreateCompatibleBitmap(screen, width, height);
-    else
-        key = GetNearestColor(screen, kKeyColour);
+    if (dualMode) {
+        surface1 = MakeSurface(screen, width, height, nullptr);
+    } else if (surface0) {
+        // Nearest among the colours the surface can hold: on a palette
+        // display those are the screen palette's, which has this very colour.
+        BITMAPDC s(surface0, palette);
+        key = GetNearestColor(s.dc ? s.dc : screen, kKeyColour);
+    }
 
     if (!surface0 || !mask || (dualMode && !surface1)) {
         for (HBITMAP* b : {&surface0, &surface1, &mask})
