@@ -7,5 +7,6 @@
 #include "rl132/bitmaps/odibhead.h"
 #include "rl132/bitmaps/odib.h"
 #include "rl132/bitmaps/vbmresize.h"
+#include "rl132/bitmaps/vdisplaybmp.h"
 
 #endif

@@ -19,8 +19,10 @@ unsigned short residentLimit = 0;
 
 OUTLIBFILEMAP outlibFileMap = nullptr;
 OUTLIB pantoneLibrary("POCE.DLL");
+LEADBRIDGE imagingBridge;
 
 DEVSTATE devState = {nullptr, nullptr, nullptr, nullptr, 0, 0, nullptr, nullptr, nullptr};
+DISPLAYBITSPROC displayBits = nullptr;
 
 // The line and point work objects are defined with the outline renderer
 // (src/devices/vdevice_line.cpp); the rest of the drawing half joins here, in

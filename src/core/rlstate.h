@@ -25,6 +25,7 @@
 #include "rl132/core/vexcept.h"
 #include "rl132/core/vpageout.h"
 #include "platform/outlib.h"
+#include "platform/leadlib.h"
 
 class vDEVICE;
 class vSCREEN;
@@ -87,9 +88,12 @@ extern OUTLIBFILEMAP outlibFileMap;
 // The Pantone colour library, held only for the length of one lookup
 // (vCOLOUR::PantToRgb).
 extern OUTLIB pantoneLibrary;
-// To come with their features: the Photo CD access library and its entry
-// table (held from the first volume to the last), the imaging library (from
-// first need to the bridge's release).
+// The imaging library and its five operations, held from the first DIB that
+// needs it to the bridge's release (LEADBRIDGE::Release) or the library's
+// unloading. Owner: LEADBRIDGE (src/platform/leadlib.cpp).
+extern LEADBRIDGE imagingBridge;
+// To come with its feature: the Photo CD access library and its entry table
+// (held from the first volume to the last).
 
 // ---------------------------------------------------------------- drawing
 // Owner: the device core (src/devices/vdevice_dc.cpp) and the screen device.
@@ -116,6 +120,12 @@ struct DEVSTATE {
     HPALETTE palette;
 };
 extern DEVSTATE devState;
+
+// Where display bitmaps read the display's bits per pixel (times planes) from
+// the screen's context; null reads GetDeviceCaps. The test seam for displays
+// no test machine has (vDisplayBitsSource, src/bitmaps/displayseam.h).
+typedef int (*DISPLAYBITSPROC)(HDC screen);
+extern DISPLAYBITSPROC displayBits;
 
 // The renderers' shared work objects, one for the whole library: the state
 // of the outline being drawn (vDEVICE::GetLineInfo; owner: the outline

@@ -1,10 +1,10 @@
-// The device's roads into the bitmap, DIB and metafile subsystems. Until
+// The device's roads into the bitmap and metafile subsystems. Until
 // those serve them, each of these members draws nothing and returns 0, so
 // that a caller is told the primitive was not drawn.
 #include <windows.h>
 #include "rl132/devices/vdevice.h"
 
-// Bitmaps, DIBs and metafiles are drawn by their own subsystems.
+// Bitmaps and metafiles are drawn by their own subsystems.
 int vDEVICE::DrawMetafile(vMETAFILE&, const vRECT&)
 {
     return 0;
@@ -21,16 +21,6 @@ int vDEVICE::DrawBitmap(const vBITMAP&, const vRECT&)
 }
 
 int vDEVICE::DrawBitmap(const vBITMAP&, const vPOINT&)
-{
-    return 0;
-}
-
-int vDEVICE::DrawDIB(const oDIB&, const vRECT&, vCOLOUR*)
-{
-    return 0;
-}
-
-int vDEVICE::DrawDIB(const oDIB&, vRECT*, vCOLOUR*, int, int, vRECT*, int, vCOLOUR*)
 {
     return 0;
 }

@@ -82,12 +82,20 @@ enum vPLATE : int {
     vPLATE_BLACK = 3
 };
 
+// Flags of the long DrawDIB, or'ed together.
+enum vDIBFLAGS : int {
+    vDIB_INVERT = 0x01,   // the negative of the picture (before any conversion)
+    vDIB_ASIS = 0x02      // the picture's own colours whatever the display mode
+};
+
 // The fields are byte-packed, in the order the device has always kept them.
 #pragma pack(push, 1)
 
 class RL132_API vDEVICE : public vOBJECT {
     friend class vFONTDETAIL;
     friend class LINEINFO;
+    // A display bitmap activates the device it is drawn on.
+    friend class vDISPLAYBMP;
 
 public:
     // The two integers are accepted and not used.
@@ -181,7 +189,26 @@ public:
     /* 50 */ virtual int DrawBitmap(const vBITMAP& bitmap, const vRECT& source, const vRECT& target);
     /* 51 */ virtual int DrawBitmap(const vBITMAP& bitmap, const vRECT& target);
     /* 52 */ virtual int DrawBitmap(const vBITMAP& bitmap, const vPOINT& at);
-    /* 53 */ virtual int DrawDIB(const oDIB& dib, const vRECT& target, vCOLOUR* tint);
+    // The whole DIB stretched into `target` (logical units), its pixels
+    // converted under the display mode like every colour the device draws, so
+    // that a separated page shows the picture on its plate too. Pixels of the
+    // `transparent` colour (may be null), as the DIB stores them, are not
+    // drawn. 1 when drawn; 0 for an empty or unreadable DIB or no context.
+    /* 53 */ virtual int DrawDIB(const oDIB& dib, const vRECT& target, vCOLOUR* transparent);
+    // The long form:
+    //   source       the part drawn, in the DIB's pixels from its top-left
+    //                corner (null: all of it), cut to the picture;
+    //   tint         null, or each pixel replaced by this colour at the pixel's
+    //                grey level before the display mode converts it;
+    //   rop          the raster operation of the picture (0: SRCCOPY); with
+    //                hidden pixels the picture is ANDed and ORed instead;
+    //   mode         the stretch mode (0: COLORONCOLOR);
+    //   target       the rectangle drawn into (null: the source's size in
+    //                device pixels at the logical origin); reversed corners
+    //                mirror the picture;
+    //   flags        vDIB_INVERT, vDIB_ASIS (vDIBFLAGS);
+    //   transparent  as in the short form.
+    // Pixels that do not show on the current plate are not drawn either.
     /* 54 */ virtual int DrawDIB(const oDIB& dib, vRECT* source, vCOLOUR* tint, int rop, int mode,
                                  vRECT* target, int flags, vCOLOUR* transparent);
     /* 55 */ virtual int DrawTransparentBitmap(const vBITMAP& bitmap, const vPOINT& at, const vCOLOUR& transparent);

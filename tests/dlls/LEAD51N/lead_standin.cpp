@@ -1,0 +1,165 @@
+// A stand-in for the outside imaging library, for the tests only, built from
+// the library's own declaration of what it calls (src/platform/leadabi.h).
+//
+// It does each job in the plainest way: pixels kept as 32-bit words, top row
+// first; the negative byte by byte; the ink planes by full grey-component
+// replacement in half-percent steps, the rule the library's colours follow,
+// so that both roads of a separated picture can be compared pixel for pixel.
+// Only 32-bit uncompressed DIBs are taken in, which is all the library hands
+// over. The environment variable LEAD_STANDIN selects a failure:
+//   "short-dib"  L_ChangeToDIB hands back a block one byte too short
+//   "no-invert"  L_InvertBitmap answers 0
+// Loads, unloads and calls are counted in LEAD_STANDIN_LOADS, _UNLOADS, _CALLS.
+#include <windows.h>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include "../../../src/platform/leadabi.h"
+
+namespace {
+
+bool Mode(const char* name)
+{
+    char v[64];
+    DWORD n = GetEnvironmentVariableA("LEAD_STANDIN", v, sizeof v);
+    return n > 0 && n < sizeof v && strcmp(v, name) == 0;
+}
+
+void Count(const char* name)
+{
+    char v[32];
+    DWORD n = GetEnvironmentVariableA(name, v, sizeof v);
+    long c = (n > 0 && n < sizeof v) ? atol(v) : 0;
+    snprintf(v, sizeof v, "%ld", c + 1);
+    SetEnvironmentVariableA(name, v);
+}
+
+unsigned long Stride(const LEADBITMAP* b)
+{
+    return ((unsigned long)b->width * b->bitsPerPixel + 31) / 32 * 4;
+}
+
+// Half-percent inks, rounded: 200 × (255 − v) / 255.
+int Ink2(int v)
+{
+    return (200 * (255 - v) + 127) / 255;
+}
+
+} // namespace
+
+extern "C" {
+
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
+{
+    if (reason == DLL_PROCESS_ATTACH)
+        Count("LEAD_STANDIN_LOADS");
+    else if (reason == DLL_PROCESS_DETACH)
+        Count("LEAD_STANDIN_UNLOADS");
+    return TRUE;
+}
+
+int WINAPI L_InitBitmap(LEADBITMAP* b, int width, int height, int bits)
+{
+    Count("LEAD_STANDIN_CALLS");
+    if (!b || width < 1 || height < 1 || (bits != 8 && bits != 32))
+        return 0;
+    memset(b, 0, sizeof *b);
+    b->structSize = sizeof *b;
+    b->width = width;
+    b->height = height;
+    b->bitsPerPixel = bits;
+    b->bytesPerLine = Stride(b);
+    return LEAD_SUCCESS;
+}
+
+int WINAPI L_ConvertFromDIB(LEADBITMAP* b, const void* info, const void* bits)
+{
+    Count("LEAD_STANDIN_CALLS");
+    const BITMAPINFOHEADER* h = static_cast<const BITMAPINFOHEADER*>(info);
+    if (!b || b->structSize != sizeof *b || b->bitsPerPixel != 32 || !h || !bits || h->biBitCount != 32 ||
+        h->biCompression != BI_RGB || h->biWidth != b->width || labs(h->biHeight) != b->height)
+        return 0;
+    unsigned long size = b->bytesPerLine * b->height;
+    b->pixels = HeapAlloc(GetProcessHeap(), 0, size);
+    if (!b->pixels)
+        return 0;
+    for (long y = 0; y < b->height; ++y) {
+        long from = h->biHeight < 0 ? y : b->height - 1 - y;
+        memcpy(static_cast<char*>(b->pixels) + y * b->bytesPerLine,
+               static_cast<const char*>(bits) + from * b->bytesPerLine, b->bytesPerLine);
+    }
+    return LEAD_SUCCESS;
+}
+
+int WINAPI L_InvertBitmap(LEADBITMAP* b)
+{
+    Count("LEAD_STANDIN_CALLS");
+    if (Mode("no-invert") || !b || !b->pixels || b->bitsPerPixel != 32)
+        return 0;
+    DWORD* p = static_cast<DWORD*>(b->pixels);
+    for (long i = 0; i < b->width * b->height; ++i)
+        p[i] = ~p[i] & 0xFFFFFF;
+    return LEAD_SUCCESS;
+}
+
+int WINAPI L_ColorSeparateBitmap(LEADBITMAP* b, LEADBITMAP* planes, unsigned long flags)
+{
+    Count("LEAD_STANDIN_CALLS");
+    if (!b || !b->pixels || b->bitsPerPixel != 32 || !planes || flags != LEAD_COLORSEP_CMYK)
+        return 0;
+    for (int i = 0; i < 4; ++i) {
+        L_InitBitmap(&planes[i], b->width, b->height, 8);
+        planes[i].pixels = HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, planes[i].bytesPerLine * b->height);
+    }
+    for (long y = 0; y < b->height; ++y)
+        for (long x = 0; x < b->width; ++x) {
+            DWORD px = static_cast<DWORD*>(b->pixels)[y * b->width + x];
+            int ink[4] = {Ink2(px >> 16 & 0xFF), Ink2(px >> 8 & 0xFF), Ink2(px & 0xFF), 0};
+            int k = ink[0] < ink[1] ? (ink[0] < ink[2] ? ink[0] : ink[2]) : (ink[1] < ink[2] ? ink[1] : ink[2]);
+            ink[0] -= k, ink[1] -= k, ink[2] -= k, ink[3] = k;
+            for (int i = 0; i < 4; ++i)
+                if (planes[i].pixels)
+                    static_cast<BYTE*>(planes[i].pixels)[y * planes[i].bytesPerLine + x] =
+                        (BYTE)(((ink[i] >> 1) * 255 + 50) / 100);
+        }
+    return LEAD_SUCCESS;
+}
+
+void* WINAPI L_ChangeToDIB(LEADBITMAP* b)
+{
+    Count("LEAD_STANDIN_CALLS");
+    if (!b || !b->pixels)
+        return nullptr;
+    unsigned long colours = b->bitsPerPixel == 8 ? 256 : 0;
+    unsigned long rows = b->bytesPerLine * b->height;
+    unsigned long size = 40 + 4 * colours + rows;
+    HGLOBAL g = GlobalAlloc(GMEM_MOVEABLE, Mode("short-dib") ? size - 1 : size);
+    BYTE* p = g ? static_cast<BYTE*>(GlobalLock(g)) : nullptr;
+    if (p) {
+        BITMAPINFOHEADER h = {};
+        h.biSize = 40;
+        h.biWidth = b->width;
+        h.biHeight = b->height;
+        h.biPlanes = 1;
+        h.biBitCount = (WORD)b->bitsPerPixel;
+        h.biClrUsed = colours;
+        memcpy(p, &h, 40);
+        for (unsigned long i = 0; i < colours; ++i) {
+            BYTE q[4] = {(BYTE)i, (BYTE)i, (BYTE)i, 0};
+            memcpy(p + 40 + 4 * i, q, 4);
+        }
+        // Bottom row first, as a stored DIB keeps them.
+        unsigned long keep = Mode("short-dib") ? rows - 1 : rows;
+        for (long y = 0; y < b->height; ++y) {
+            unsigned long at = (unsigned long)(b->height - 1 - y) * b->bytesPerLine;
+            unsigned long n = at + b->bytesPerLine <= keep ? b->bytesPerLine : keep - at;
+            memcpy(p + 40 + 4 * colours + at, static_cast<BYTE*>(b->pixels) + y * b->bytesPerLine, n);
+        }
+        GlobalUnlock(g);
+    }
+    HeapFree(GetProcessHeap(), 0, b->pixels);
+    memset(b, 0, sizeof *b);
+    return g;
+}
+
+} // extern "C"

@@ -1,0 +1,222 @@
+// The pixel work of drawing a DIB: expanding every depth, the refusals of
+// rectangles and headers that do not fit, the ink planes against the colour
+// model, the conversion against devmath::Separate, and the two-pass mask.
+#include <gtest/gtest.h>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+#include "devices/dibconv.h"
+#include "native_support.h"
+
+using namespace rlnative;
+
+namespace {
+
+// A 5 × 3 picture of each depth whose pixel (x, y) from the top is colour
+// index (x + 2y) mod 4 (palette entry i = 0x00RRGGBB 0x102030 * (i + 1)), or
+// that colour directly at 24 and 32 bits.
+struct PICTURE {
+    std::vector<unsigned char> rows, palette;
+    dibconv::SOURCE s;
+};
+std::uint32_t Colour(unsigned i)
+{
+    return 0x102030u * (i + 1);
+}
+PICTURE Make(unsigned bits)
+{
+    PICTURE p;
+    std::uint32_t stride = (5 * bits + 31) / 32 * 4;
+    p.rows.assign(stride * 3, 0);
+    for (unsigned i = 0; i < 4; ++i)
+        for (int k = 0; k < 4; ++k)
+            p.palette.push_back((unsigned char)(Colour(i) >> (8 * k)) & (k == 3 ? 0 : 0xFF));
+    for (int y = 0; y < 3; ++y) {
+        unsigned char* row = &p.rows[(2 - y) * stride];
+        for (int x = 0; x < 5; ++x) {
+            unsigned i = (unsigned)(x + 2 * y) % 4;
+            if (bits == 1)
+                row[x / 8] |= (unsigned char)((i & 1) << (7 - x % 8));
+            else if (bits == 4)
+                row[x / 2] |= (unsigned char)(x % 2 ? i : i << 4);
+            else if (bits == 8)
+                row[x] = (unsigned char)i;
+            else
+                for (unsigned k = 0; k < 3; ++k)
+                    row[x * bits / 8 + k] = (unsigned char)(Colour(i) >> (8 * k));
+        }
+    }
+    p.s = {p.rows.data(), p.rows.size(), stride, 5, 3, bits, p.palette.data(), bits <= 8 ? 4u : 0u};
+    return p;
+}
+
+} // namespace
+
+TEST(NativeDibConv, ExpandsEveryDepthAndRefusesWhatDoesNotFit)
+{
+    for (unsigned bits : {1u, 4u, 8u, 24u, 32u}) {
+        SCOPED_TRACE(bits);
+        PICTURE p = Make(bits);
+        std::uint32_t canvas[15];
+        unsigned char hidden[15];
+        // The key: colour 1 as a COLORREF.
+        std::uint32_t key = dibconv::RefFromCanvas(Colour(1));
+        ASSERT_TRUE(dibconv::Expand(p.s, 0, 0, 5, 3, canvas, hidden, key));
+        for (int y = 0; y < 3; ++y)
+            for (int x = 0; x < 5; ++x) {
+                unsigned i = bits == 1 ? (unsigned)(x + 2 * y) % 2 : (unsigned)(x + 2 * y) % 4;
+                EXPECT_EQ(canvas[y * 5 + x], Colour(i)) << x << "," << y;
+                EXPECT_EQ(hidden[y * 5 + x], i == 1) << x << "," << y;
+            }
+        // A window, and the rectangles that are not inside the picture.
+        std::uint32_t two[2];
+        ASSERT_TRUE(dibconv::Expand(p.s, 3, 2, 2, 1, two, nullptr, 0));
+        EXPECT_EQ(two[0], canvas[13]);
+        EXPECT_EQ(two[1], canvas[14]);
+        const std::int32_t bad[][4] = {{-1, 0, 2, 2}, {0, -1, 2, 2}, {4, 0, 2, 1}, {0, 2, 1, 2}, {0, 0, 0, 1},
+                                       {0, 0, 1, 0}, {0, 0, 6, 3}, {0, 0, 0x7FFFFFFF, 1}};
+        for (const auto& r : bad) {
+            canvas[0] = 0xABCDEF;
+            EXPECT_FALSE(dibconv::Expand(p.s, r[0], r[1], r[2], r[3], canvas, nullptr, 0)) << r[0] << r[1] << r[2] << r[3];
+            EXPECT_EQ(canvas[0], 0xABCDEFu) << "nothing written";
+        }
+    }
+    // Numbers that do not describe the rows are refused; an index past the palette reads black.
+    PICTURE p = Make(8);
+    dibconv::SOURCE s = p.s;
+    const auto refuse = [](dibconv::SOURCE v) { return !dibconv::Valid(v); };
+    dibconv::SOURCE v = s;
+    v.size -= 1;
+    EXPECT_TRUE(refuse(v));
+    v = s, v.stride = 4;
+    EXPECT_TRUE(refuse(v));
+    v = s, v.bits = 16;
+    EXPECT_TRUE(refuse(v));
+    v = s, v.rows = nullptr;
+    EXPECT_TRUE(refuse(v));
+    v = s, v.width = 0;
+    EXPECT_TRUE(refuse(v));
+    v = s, v.palette = nullptr;
+    EXPECT_TRUE(refuse(v));
+    v = s, v.height = 0x40000000, v.stride = 0x40;
+    EXPECT_TRUE(refuse(v)) << "size products in 64 bits";
+    v = s, v.colours = 2;
+    std::uint32_t canvas[15];
+    ASSERT_TRUE(dibconv::Expand(v, 0, 0, 5, 3, canvas, nullptr, 0));
+    EXPECT_EQ(canvas[2], 0u) << "index 2 of a 2-entry palette";
+    EXPECT_EQ(canvas[1], Colour(1));
+}
+
+TEST(NativeDibConv, InkPlanesFollowTheColourModelAndSurviveThePlane)
+{
+    for (unsigned p = 0; p <= 100; ++p)
+        EXPECT_EQ(dibconv::LevelFromPlane(dibconv::PlaneFromLevel(p)), p);
+    EXPECT_EQ(dibconv::PlaneFromLevel(100), 255u);
+    // Every 5th value of each channel plus random colours, against the colour
+    // model and against the rule an outside separation is given (full
+    // grey-component replacement in half-percent steps).
+    std::vector<std::uint32_t> px;
+    for (unsigned r = 0; r < 256; r += 5)
+        for (unsigned g = 0; g < 256; g += 15)
+            for (unsigned b = 0; b < 256; b += 15)
+                px.push_back(r << 16 | g << 8 | b);
+    Rng rng(7);
+    for (int i = 0; i < 5000; ++i)
+        px.push_back(rng.Below(0x1000000));
+    std::vector<unsigned char> plane(px.size());
+    for (int plate = 0; plate < 4; ++plate) {
+        dibconv::InkPlane(px.data(), px.size(), plate, plane.data());
+        for (size_t i = 0; i < px.size(); ++i) {
+            std::uint32_t ref = dibconv::RefFromCanvas(px[i]);
+            vCOLOUR c((unsigned char)ref, (unsigned char)(ref >> 8), (unsigned char)(ref >> 16));
+            unsigned want = plate == 0 ? c.Cyan() : plate == 1 ? c.Magenta() : plate == 2 ? c.Yellow() : c.Black();
+            int ink[3];
+            for (int k = 0; k < 3; ++k)
+                ink[k] = (200 * (255 - (int)(px[i] >> (16 - 8 * k) & 0xFF)) + 127) / 255;
+            int black = std::min(ink[0], std::min(ink[1], ink[2]));
+            unsigned simple = (unsigned)((plate == 3 ? black : ink[plate] - black) >> 1);
+            ASSERT_EQ(dibconv::LevelFromPlane(plane[i]), want) << std::hex << px[i] << " plate " << plate;
+            ASSERT_EQ(simple, want) << std::hex << px[i] << " plate " << plate;
+        }
+    }
+}
+
+TEST(NativeDibConv, ConversionMatchesSeparateAndHidesWhatDoesNotShow)
+{
+    Rng rng(11);
+    std::vector<std::uint32_t> px(3000);
+    for (auto& p : px)
+        p = rng.Below(8) ? rng.Below(0x1000000) : 0x28D4u | 0x370000u;   // now and then the spot colour
+    const vCOLOUR spot(212, 40, 55), cyan(vCMYK, 100, 100, 0), tint(vCMYK, 60u << 8, 100, 0);
+    const devmath::SEPARATION cases[] = {
+        {1, vCOLOUR(0, 0, 160), spot, 1, 1, 0}, {2, cyan, cyan, 1, 1, 0},     {3, spot, spot, 0, 1, 0},
+        {3, spot, spot, 1, 1, 0},               {4, cyan, spot.TintFormat(100), 1, 1, 2}, {7, cyan, cyan, 1, 1, 0}};
+    for (const auto& s : cases)
+        for (const vCOLOUR* t : {(const vCOLOUR*)nullptr, &tint}) {
+            SCOPED_TRACE(::testing::Message() << "mode " << s.mode << (t ? " tinted" : ""));
+            std::vector<std::uint32_t> canvas = px;
+            std::vector<unsigned char> hidden(px.size(), 0);
+            hidden[5] = 1;
+            dibconv::MapCanvas(s, t, canvas.data(), hidden.data(), canvas.size());
+            EXPECT_EQ(canvas[5], px[5]) << "a hidden pixel is left alone";
+            for (size_t i = 6; i < px.size(); ++i) {
+                std::uint32_t ref = dibconv::RefFromCanvas(px[i]);
+                int shows = 1;
+                vCOLOUR c = devmath::Separate(s, vCOLOUR((unsigned char)ref, (unsigned char)(ref >> 8), (unsigned char)(ref >> 16)),
+                                              &shows, t);
+                ASSERT_EQ(hidden[i], shows ? 0 : 1) << i;
+                ASSERT_EQ(canvas[i], shows ? dibconv::CanvasFromRef((std::uint32_t)c.PackedRGB() & 0xFFFFFF) : px[i]) << i;
+            }
+            // A process plate drawn from its ink plane is the same picture.
+            if (dibconv::ProcessPlate(s) && !t) {
+                std::vector<unsigned char> plane(px.size());
+                std::vector<std::uint32_t> viaPlane = px;
+                dibconv::InkPlane(px.data(), px.size(), s.plate, plane.data());
+                dibconv::ApplyPlane(s.plateColour, plane.data(), viaPlane.data(), hidden.data(), px.size());
+                EXPECT_TRUE(viaPlane == canvas);
+            }
+        }
+    std::uint32_t two[2] = {0x123456, 0xFF00FF};
+    dibconv::Invert(two, 2);
+    EXPECT_TRUE(two[0] == 0xEDCBA9 && two[1] == 0x00FF00);
+}
+
+TEST(NativeDibConv, MaskAndPackedBlocks)
+{
+    // 9 × 2, hidden where x + y is a multiple of 3: the mask's bits, most
+    // significant first, rows padded to 4 bytes; hidden pixels turn black.
+    const std::int32_t w = 9, h = 2;
+    std::vector<unsigned char> hidden(w * h), mask(dibconv::MaskStride(w) * h, 0xEE);
+    std::vector<std::uint32_t> canvas(w * h, 0x777777);
+    for (int i = 0; i < w * h; ++i)
+        hidden[i] = (i % w + i / w) % 3 == 0;
+    EXPECT_EQ(dibconv::MaskStride(w), 4u);
+    EXPECT_EQ(dibconv::BuildMask(hidden.data(), w, h, mask.data(), canvas.data()), 6u);
+    const unsigned char want[8] = {0x92, 0x00, 0, 0, 0x24, 0x80, 0, 0};
+    EXPECT_EQ(memcmp(mask.data(), want, 8), 0);
+    for (int i = 0; i < w * h; ++i)
+        EXPECT_EQ(canvas[i], hidden[i] ? 0u : 0x777777u);
+
+    // Packed DIBs: a good 8-bit one of 2 × 2 and its damaged forms.
+    std::vector<unsigned char> good(40 + 4 * 256 + 8, 0);
+    const std::uint32_t head[] = {40, 2, 2, 1 | 8u << 16, 0, 8, 0, 0, 0, 0};
+    memcpy(good.data(), head, 40);
+    good[40 + 1024] = 7;
+    dibconv::SOURCE s;
+    ASSERT_TRUE(dibconv::ReadPacked(good.data(), good.size(), s));
+    EXPECT_TRUE(s.width == 2 && s.height == 2 && s.bits == 8 && s.colours == 256 && s.stride == 4 && s.rows[0] == 7);
+    struct DAMAGE {
+        int at;
+        std::uint32_t value;
+        size_t size;
+    };
+    const DAMAGE damaged[] = {{0, 12, 0},  {16, 1, 0},           {4, 0, 0}, {8, 0xFFFFFFFEu, 0}, {32, 300, 0},
+                              {14, 16, 0}, {0, 40, 40 + 1024 + 7}, {0, 40, 39}, {4, 0x8000, 0}};
+    for (const DAMAGE& d : damaged) {
+        std::vector<unsigned char> b = good;
+        if (d.at || d.value != 40)
+            memcpy(&b[d.at], &d.value, d.at == 14 ? 2 : 4);
+        EXPECT_FALSE(dibconv::ReadPacked(b.data(), d.size ? d.size : b.size(), s)) << d.at << " " << d.value << " " << d.size;
+    }
+    EXPECT_FALSE(dibconv::ReadPacked(nullptr, 100, s));
+}
