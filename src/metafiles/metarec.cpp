@@ -189,9 +189,10 @@ Verdict RecordReader::TakeDIB()
     return Take(size - kDIBHeader);
 }
 
-Verdict RecordReader::Next(Record& r)
+// Only a record read whole has items: after any other verdict the counts are
+// 0 and the pointers null.
+static void ClearItems(Record& r)
 {
-    used = 0;
     r.nums = 0;
     r.text = nullptr;
     r.textLength = 0;
@@ -203,7 +204,12 @@ Verdict RecordReader::Next(Record& r)
     r.hasColour = 0;
     r.blob = nullptr;
     r.blobSize = 0;
+}
 
+Verdict RecordReader::Next(Record& r)
+{
+    used = 0;
+    ClearItems(r);
     unsigned char fixed[16];
     Verdict v = Fixed(fixed, 2);
     if (v != REC_OK)
@@ -310,8 +316,10 @@ Verdict RecordReader::Next(Record& r)
             v = REC_BAD;
             break;
         }
-        if (v != REC_OK)
+        if (v != REC_OK) {
+            ClearItems(r);
             return v;
+        }
     }
     if (layout[0] == 'T')
         r.text = (const char*)(buffer + textAt);
