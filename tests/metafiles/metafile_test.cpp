@@ -70,7 +70,12 @@ void Scene(vDEVICE& d)
     d.DrawChar(vCHAR('Q'), P(180, 20));
     d.Transparency(0);
     oMEMDIB dib(8, 6, 24, oCM_RGB24, 0);
-    d.DrawDIB(dib, R(170, 4, 186, 16), nullptr);
+    int drawn = d.DrawDIB(dib, R(170, 4, 186, 16), nullptr);
+    if (d.DeviceType() == vDT_METAFILE) {
+        EXPECT_EQ(drawn, 1);   // recorded
+    }
+    d.FillSpec(vFILLSPEC(dib));
+    d.DrawRect(R(150, 74, 196, 78));
 }
 
 // A recording of the scene in the units of `like`.
@@ -206,6 +211,16 @@ TEST(Metafile, HeaderAndItsRewritesInPlace)
     EXPECT_EQ(again.m->PhysicalPageSize().height(), -2);
     EXPECT_EQ(again.m->YOffset(), 0x0A0B0C0DL);
     EXPECT_EQ(again.m->LogUnitsPerHorzInch()(), 300);
+    // Images are recorded whole: a DIB and a pattern fill's image.
+    oMEMDIB dib(8, 6, 24, oCM_RGB24, 0);
+    for (int fill = 0; fill < 2; ++fill) {
+        unsigned long length = m.Length();
+        if (fill)
+            m.FillSpec(vFILLSPEC(dib));
+        else
+            EXPECT_EQ(m.DrawDIB(dib, R(0, 0, 7, 5), nullptr), 1);
+        EXPECT_GT(m.Length(), length + 40 + 6 * 24) << fill;
+    }
     // An empty stream receives a new header.
     vMEMSTREAM empty;
     vMETAFILE fresh(empty);
