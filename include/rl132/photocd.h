@@ -3,5 +3,6 @@
 #define RL132_PHOTOCD_H
 
 #include "rl132/core/rldefs.h"
+#include "rl132/photocd/pcdapi.h"
 
 #endif
