@@ -15,10 +15,12 @@
 //                                                     bytes; returns how many
 //   getFooterSize      (info)                         as for the header
 //   getFooter          (info, buffer, size)
-//   finishExport       (image, info)                  the export is over (its
+//   finishExport       (image, info)                  all was written (its
 //                                                     result is not consulted)
 //
 // startExport and finishExport are optional; the other five must be present.
+// The first failure ends the export at once: no further entry is called, not
+// even finishExport, so a plug-in sets itself up afresh in every startExport.
 //
 // The format information block is filled by the library before startExport
 // and then read by the plug-in, which answers in its last two fields: the row

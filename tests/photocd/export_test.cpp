@@ -1,0 +1,201 @@
+// Exporting Photo CD images through the plug-ins: each plug-in's file read back
+// (BMP also by the library's own DIB reader) and compared with the image the
+// stand-in access library (tests/dlls/PCDSTANDIN) hands out; the statuses of
+// bad arguments, missing plug-ins and entries, and a plug-in that misbehaves
+// on purpose (tests/dlls/rlphbad), each stopping at the first failure.
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <string>
+#include "../bitmaps/bmtest.h"
+#include "export_files.h"
+#include "photocd/photoexport.h"
+#include "rl132.h"
+#include "rltest.h"
+
+using bmt::Fill;
+using bmt::Load;
+using bmt::Rows;
+using exportfiles::BYTES;
+
+namespace {
+const char* PhotoLibrary(const char* name) { return lstrcmpiA(name, "PCDLIB32.DLL") == 0 ? "PCDSTANDIN.DLL" : nullptr; }
+
+std::string Env(const char* name)
+{
+    char v[4096];
+    DWORD n = GetEnvironmentVariableA(name, v, sizeof v);
+    return n > 0 && n < sizeof v ? std::string(v, n) : std::string();
+}
+
+void Env(const char* name, const char* value) { SetEnvironmentVariableA(name, value); }
+
+// The stand-in's image as red, green, blue triples, first row first: its
+// 24-bit pixels, or its 8-bit indices through the palette it makes.
+BYTES Expected(long w, long h, long format)
+{
+    BYTES v;
+    for (long y = 0; y < h; ++y)
+        for (long x = 0; x < w; ++x) {
+            if (format == PCD_FORMAT_PAL8) {
+                unsigned char i = (unsigned char)(x + 3 * y);
+                v.insert(v.end(), {(unsigned char)(3 * i), (unsigned char)(255 - i), i});
+            } else {
+                v.insert(v.end(), {(unsigned char)((x ^ y) * 3), (unsigned char)(x + y * 5), (unsigned char)(x * 7 + y)});
+            }
+        }
+    return v;
+}
+
+// Holds the stand-in for one test and opens made-up packs on it.
+struct STANDIN {
+    OUTLIBFILEMAP saved;
+    PCDACCESS& pcd = PCDACCESS::Process();
+    STANDIN() : saved(OUTLIB::SetFileMap(PhotoLibrary))
+    {
+        for (const char* v : {"PCDSTANDIN", "PCDSTANDIN_BLOCKS", "RLPHBAD", "RLPHBAD_ORDER", "RLPHBAD_CALLS",
+                              "RLPHHALF_STARTED"})
+            Env(v, nullptr);
+        EXPECT_EQ(pcd.Acquire(), 1);
+    }
+    ~STANDIN()
+    {
+        pcd.Release();
+        OUTLIB::SetFileMap(saved);
+    }
+    PCDpkHdl Open(const char* size)
+    {
+        PCDpkHdl pack = nullptr;
+        EXPECT_EQ(pcd.PCDopen(size, &pack), PCD_OK);
+        return pack;
+    }
+};
+} // namespace
+
+// Each plug-in in both colour formats, over one band and over several, read
+// back independently and, for BMP, by the library's DIB reader too.
+TEST(PhotoExportFiles, EachPluginWritesTheImage)
+{
+    STANDIN s;
+    const std::string path = rltest::TempPath("rlx");
+    const struct { long w, h; } sizes[] = {{1, 1}, {37, 5}, {301, 250}};   // 301 x 250: 4 bands of 72 rows at 24 bits
+    for (const char* format : {"bmp", "pcx", "tif"})
+        for (long colours : {(long)PCD_FORMAT_RGB24, (long)PCD_FORMAT_PAL8})
+            for (const auto& size : sizes) {
+                std::string name = std::to_string(size.w) + "x" + std::to_string(size.h);
+                SCOPED_TRACE(std::string(format) + " " + name + " format " + std::to_string(colours));
+                PCDpkHdl pack = s.Open(name.c_str());
+                Env("PCDSTANDIN_BLOCKS", nullptr);
+                ASSERT_EQ(PhotoExport(pack, format, path.c_str(), colours, s.pcd), PHOTOEXPORT_OK);
+                long now = 0;
+                EXPECT_EQ(s.pcd.PCDgetFormat(pack, &now), PCD_OK);
+                EXPECT_EQ(now, colours) << "the image is left in the format exported";
+                s.pcd.PCDclose(pack);
+
+                BYTES file = Load(path);
+                exportfiles::PICTURE p;
+                bool read = format[0] == 'b' ? exportfiles::ReadBmp(file, p)
+                                             : format[0] == 'p' ? exportfiles::ReadPcx(file, p)
+                                                                : exportfiles::ReadTif(file, p);
+                ASSERT_TRUE(read) << p.error;
+                EXPECT_TRUE(p.width == size.w && p.height == size.h && p.bits == (colours == PCD_FORMAT_PAL8 ? 8 : 24));
+                EXPECT_TRUE(p.rgb == Expected(size.w, size.h, colours));
+                if (format[0] != 'b')
+                    continue;
+                // BMP rows go bottom-up, so the bands are read from the last.
+                if (size.h == 250 && colours == PCD_FORMAT_RGB24) {
+                    EXPECT_EQ(Env("PCDSTANDIN_BLOCKS"), "178+72,106+72,34+72,0+34,");
+                }
+                vMEMSTREAM m;
+                Fill(m, file);
+                oMEMDIB dib(m, 0);
+                ASSERT_EQ(dib.Height(), (unsigned long)size.h);
+                BYTES rows = Rows(dib);
+                EXPECT_TRUE(BYTES(file.end() - rows.size(), file.end()) == rows);
+            }
+    DeleteFileA(path.c_str());
+}
+
+// Statuses and where each failure stops: the calls the plug-in saw (s start,
+// z header size, h header, c convert, y footer size, f footer, x finish) and
+// what reached the file.
+TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
+{
+    STANDIN s;
+    const std::string path = rltest::TempPath("rlx");
+    const std::string longName(65, 'b');
+    const long rgb = PCD_FORMAT_RGB24, pal = PCD_FORMAT_PAL8;
+    // 37 pixels are 112 bytes a row at 24 bits: 585 rows a band, so 3 bands;
+    // at 8 bits 40 bytes, one band.
+    const struct CASE {
+        const char* what;
+        bool image;
+        const char* format;
+        bool file;
+        long colours;
+        const char* standin;   // PCDSTANDIN
+        const char* plugin;    // RLPHBAD
+        unsigned short status;
+        const char* calls;
+        long fileBytes;        // -1: no file made
+    } cases[] = {
+        {"no image", false, "bad", true, rgb, "", "", 3001, "", -1},
+        {"no format", true, nullptr, true, rgb, "", "", 3001, "", -1},
+        {"empty format", true, "", true, rgb, "", "", 3001, "", -1},
+        {"format too long", true, longName.c_str(), true, rgb, "", "", 3001, "", -1},
+        {"no file", true, "bad", false, rgb, "", "", 3001, "", -1},
+        {"colour format 11", true, "bad", true, 11, "", "", 3001, "", -1},
+        {"no such plug-in", true, "nosuch", true, rgb, "", "", 3001, "", 0},
+        {"plug-in lacks an entry", true, "half", true, rgb, "", "", 3001, "", 0},
+        {"image unreadable", true, "bad", true, rgb, "block-fails", "", 5, "szhc", 4 + 585 * 112},
+        {"no palette made", true, "bad", true, pal, "palette-fails", "", 5, "", 0},
+        {"start refused", true, "bad", true, rgb, "", "start-fails", 5, "s", 0},
+        {"header short", true, "bad", true, rgb, "", "header-short", 5, "szh", 0},
+        {"conversion short", true, "bad", true, rgb, "", "convert-short", 5, "szhcc", 4 + 585 * 112},
+        {"conversion long", true, "bad", true, rgb, "", "convert-long", 5, "szhc", 4},
+        {"footer short", true, "bad", true, rgb, "", "footer-short", 5, "szhcccyf", 4 + 1300 * 112},
+        {"all well", true, "bad", true, rgb, "", "", 0, "szhcccyfx", 8 + 1300 * 112},
+        {"all well, 8 bits", true, "bad", true, pal, "", "", 0, "szhcyfx", 8 + 1300 * 40},
+    };
+    for (const CASE& c : cases) {
+        SCOPED_TRACE(c.what);
+        DeleteFileA(path.c_str());
+        Env("PCDSTANDIN", c.standin);
+        Env("RLPHBAD", c.plugin);
+        Env("RLPHBAD_CALLS", nullptr);
+        PCDpkHdl pack = s.Open("37x1300");
+        EXPECT_EQ(PhotoExport(c.image ? pack : nullptr, c.format, c.file ? path.c_str() : nullptr, c.colours, s.pcd),
+                  c.status);
+        s.pcd.PCDclose(pack);
+        EXPECT_EQ(Env("RLPHBAD_CALLS"), c.calls);
+        BYTES file = Load(path);
+        EXPECT_EQ(GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES ? -1 : (long)file.size(), c.fileBytes);
+    }
+    EXPECT_EQ(Env("RLPHHALF_STARTED"), "") << "a plug-in lacking an entry is not started";
+
+    // The rows reach a plug-in in the order it asks for, bands and rows within
+    // them; the 24-bit layout is blue, green, red.
+    for (const char* order : {"down", "up"}) {
+        Env("PCDSTANDIN", nullptr);
+        Env("RLPHBAD", nullptr);
+        Env("RLPHBAD_ORDER", order);
+        PCDpkHdl pack = s.Open("37x1300");
+        ASSERT_EQ(PhotoExport(pack, "bad", path.c_str(), rgb, s.pcd), PHOTOEXPORT_OK);
+        s.pcd.PCDclose(pack);
+        BYTES file = Load(path), want = Expected(37, 1300, rgb);
+        ASSERT_EQ(file.size(), 8u + 1300 * 112);
+        EXPECT_TRUE(BYTES(file.begin(), file.begin() + 4) == BYTES({'H', 'E', 'A', 'D'}));
+        EXPECT_TRUE(BYTES(file.end() - 4, file.end()) == BYTES({'F', 'O', 'O', 'T'}));
+        for (long i = 0; i < 1300; ++i) {
+            long y = order[0] == 'u' ? 1299 - i : i;
+            for (long k = 0; k < 37 * 3; ++k)
+                ASSERT_EQ(file[4 + 112 * i + k], want[111 * y + k / 3 * 3 + 2 - k % 3]) << order << " row " << i;
+        }
+    }
+
+    // Without the library's operations there is nothing to export with.
+    PCDACCESS unloaded;
+    PCDpkHdl pack = s.Open("2x2");
+    EXPECT_EQ(PhotoExport(pack, "bmp", path.c_str(), rgb, unloaded), PHOTOEXPORT_BAD_ARGUMENTS);
+    s.pcd.PCDclose(pack);
+    DeleteFileA(path.c_str());
+}
