@@ -12,4 +12,6 @@ for exe in "$BUILD"/bin/bench_*.exe; do
   wine "$exe" "$@"
   echo
 done
+# Photo CD: PCDLIB32.DLL against ImageMagick decoding the same Base pack.
+bash "$(dirname "$0")/../bench/pcd_vs_imagemagick.sh" "$BUILD" || true
 wine_server_down

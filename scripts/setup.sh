@@ -12,6 +12,9 @@ for c in "${need_cmds[@]}"; do command -v "$c" >/dev/null 2>&1 || missing=1; don
 dpkg -s wine32:i386 >/dev/null 2>&1 || missing=1
 # The native sanitizer build is 32-bit (gcc -m32): the i386 C and C++ runtimes.
 dpkg -s g++-multilib >/dev/null 2>&1 || missing=1
+# ImageMagick (optional for the tests and bench, which skip without it) reads and
+# writes Photo CD image packs; /usr/local/bin/convert may be a stand-in script.
+[ -x /usr/bin/convert ] || missing=1
 [ "$missing" = 0 ] && exit 0
 
 SUDO=""
@@ -23,7 +26,7 @@ if ! dpkg --print-foreign-architectures | grep -x i386 >/dev/null; then
 fi
 
 pkgs=(g++-mingw-w64-i686-posix mingw-w64-tools binutils-mingw-w64-i686 cmake ninja-build
-      make wine wine32:i386 xvfb xauth googletest g++ g++-multilib)
+      make wine wine32:i386 xvfb xauth googletest g++ g++-multilib imagemagick)
 
 apt_q() { $SUDO apt-get -y -q "$@"; }
 

@@ -1,0 +1,391 @@
+// The Photo CD pack decoder on its own: colour tables, planes at each base
+// resolution, header checks, the transform, the palette, packed DIBs,
+// damaged packs, and a pack written by ImageMagick where it is installed.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "../photocd/pcdwriter.h"
+#include "pcdpack_fuzz.h"
+
+using namespace pcdpack;
+using pcdwriter::Bytes;
+using pcdwriter::Ycc;
+
+namespace {
+
+TEST(PcdPack, ColourTablesFollowKodaksDecodingWithinOneLevel)
+{
+    int worst = 0;
+    for (int y = 0; y < 256; y += 3)
+        for (int c1 = 0; c1 < 256; c1 += 3)
+            for (int c2 = 0; c2 < 256; c2 += 3) {
+                uint8_t got[3];
+                int want[3];
+                YccToBgr((uint8_t)y, (uint8_t)c1, (uint8_t)c2, got);
+                pcdwriter::ReferenceBgr(y, c1, c2, want);
+                for (int k = 0; k < 3; ++k)
+                    worst = std::max(worst, std::abs(got[k] - want[k]));
+            }
+    EXPECT_LE(worst, 1);
+}
+
+// Chroma at (x, r) from the samples on even rows and columns, bilinear.
+double Chroma(const Bytes& plane, long w, long h, long x, long r)
+{
+    auto at = [&](long xx, long rr) {
+        xx = std::min(xx, w - 2);
+        rr = std::min(rr, h - 2);
+        return (double)plane[(size_t)rr * w + xx];
+    };
+    long x0 = x & ~1L, r0 = r & ~1L;
+    double fx = (x & 1) ? 0.5 : 0, fr = (r & 1) ? 0.5 : 0;
+    double top = at(x0, r0) * (1 - fx) + at(x0 + 2, r0) * fx;
+    double bot = at(x0, r0 + 2) * (1 - fx) + at(x0 + 2, r0 + 2) * fx;
+    return top * (1 - fr) + bot * fr;
+}
+
+TEST(PcdPack, EachBaseResolutionDecodesToItsPicture)
+{
+    Ycc base = pcdwriter::Pattern(768, 512, 3);
+    Bytes file = pcdwriter::ImagePack(base, 0);
+    PackHeader header;
+    ASSERT_EQ(ParseHeader(file.data(), kHeaderBytes, file.size(), &header), PCD_OK);
+    Ycc pics[3] = {pcdwriter::Halve(pcdwriter::Halve(base)), pcdwriter::Halve(base), base};
+    for (long res = PCD_BASE_OVER_16; res <= PCD_BASE; ++res) {
+        SCOPED_TRACE(res);
+        Plane plane;
+        ASSERT_EQ(FindPlane(header, file.size(), res, &plane), PCD_OK);
+        const Ycc& p = pics[res];
+        ASSERT_EQ(plane.width, p.width);
+        ASSERT_EQ(plane.height, p.height);
+        rlnative::Exact out((size_t)p.width * p.height * 3);
+        ASSERT_EQ(DecodePlanes(plane, file.data() + plane.offset, plane.bytes, out.p, p.width * 3, nullptr), PCD_OK);
+        int worst = 0, worstOnSamples = 0;
+        for (long r = 0; r < p.height; ++r)
+            for (long x = 0; x < p.width; ++x) {
+                double c1 = Chroma(p.c1, p.width, p.height, x, r), c2 = Chroma(p.c2, p.width, p.height, x, r);
+                int want[3];
+                pcdwriter::ReferenceBgr(p.y[(size_t)r * p.width + x], (int)lround(c1), (int)lround(c2), want);
+                for (int k = 0; k < 3; ++k) {
+                    int d = std::abs(out[((size_t)r * p.width + x) * 3 + k] - want[k]);
+                    worst = std::max(worst, d);
+                    if (!((x | r) & 1))
+                        worstOnSamples = std::max(worstOnSamples, d);
+                }
+            }
+        EXPECT_LE(worstOnSamples, 1);  // the chroma samples themselves
+        EXPECT_LE(worst, 3);           // interpolated chroma rounds either way
+    }
+    Plane plane;
+    EXPECT_EQ(FindPlane(header, file.size(), PCD_4BASE, &plane), PCD_ERR_RES_NOT_SUPPORTED);
+    EXPECT_EQ(FindPlane(header, file.size(), PCD_16BASE, &plane), PCD_ERR_RES_NOT_SUPPORTED);
+    EXPECT_EQ(FindPlane(header, file.size(), 5, &plane), PCD_ERR_BAD_ARG);
+    EXPECT_EQ(FindPlane(header, file.size(), -1, &plane), PCD_ERR_BAD_ARG);
+}
+
+TEST(PcdPack, HeaderFieldsAndEveryCutOfTheFile)
+{
+    Bytes file = pcdwriter::ImagePack(pcdwriter::Pattern(768, 512, 1), 0);
+    struct { uint8_t attr; PCDstatus st; long rotation, highest, resolutions; } attrs[] = {
+        {0x00, PCD_OK, 0, PCD_BASE, 3},     {0x01, PCD_OK, 1, PCD_BASE, 3},
+        {0x06, PCD_OK, 2, PCD_4BASE, 4},    {0x0b, PCD_OK, 3, PCD_16BASE, 5},
+        {0xf3, PCD_OK, 3, PCD_BASE, 3},     {0x0c, PCD_ERR_DAMAGED, 0, 0, 0},
+    };
+    for (auto& a : attrs) {
+        Bytes f = file;
+        f[0xE02] = a.attr;
+        PackHeader h = {};
+        ASSERT_EQ(ParseHeader(f.data(), kHeaderBytes, f.size(), &h), a.st) << (int)a.attr;
+        if (a.st == PCD_OK) {
+            EXPECT_EQ(h.rotation, a.rotation);
+            EXPECT_EQ(h.highest, a.highest);
+            EXPECT_EQ(h.resolutions, a.resolutions);
+            EXPECT_EQ(h.versionMajor, 1);
+            EXPECT_EQ(h.scanTime, 0x2f000001u);
+        }
+    }
+    Bytes bad = file;
+    bad[0x800 + 6] = 'X';
+    PackHeader h;
+    EXPECT_EQ(ParseHeader(bad.data(), kHeaderBytes, bad.size(), &h), PCD_ERR_NOT_PCD);
+    // A file cut short: the header needs 0xE03 bytes, each plane its own end.
+    const uint32_t ends[3] = {0x2000 + 36864, 0xB800 + 147456, 0x30000 + 589824};
+    const uint32_t cuts[] = {0, 100, 0x806, 0xE02, 0xE03, 0x2000, ends[0] - 1, ends[0], ends[1] - 1,
+                             ends[1], ends[2] - 1, ends[2]};
+    for (uint32_t cut : cuts) {
+        SCOPED_TRACE(cut);
+        PCDstatus st = ParseHeader(file.data(), std::min(cut, kHeaderBytes), cut, &h);
+        EXPECT_EQ(st, cut < 0x807 ? PCD_ERR_NOT_PCD : cut < 0xE03 ? PCD_ERR_DAMAGED : PCD_OK);
+        if (st != PCD_OK)
+            continue;
+        for (long res = 0; res < 3; ++res) {
+            Plane p;
+            EXPECT_EQ(FindPlane(h, cut, res, &p), cut >= ends[res] ? PCD_OK : PCD_ERR_DAMAGED);
+        }
+    }
+}
+
+// The turned, mirrored and cropped picture built step by step on a grid.
+typedef std::vector<std::vector<int>> Grid;
+Grid TurnLeft(const Grid& g)
+{
+    Grid t(g[0].size(), std::vector<int>(g.size()));
+    for (size_t r = 0; r < g.size(); ++r)
+        for (size_t x = 0; x < g[0].size(); ++x)
+            t[g[0].size() - 1 - x][r] = g[r][x];
+    return t;
+}
+
+TEST(PcdPack, TransformTakesTheRightSourcePixels)
+{
+    const long W = 5, H = 3;
+    Grid src(H, std::vector<int>(W));
+    uint8_t bytes1[W * H], bytes3[W * H * 3];
+    for (long r = 0; r < H; ++r)
+        for (long x = 0; x < W; ++x) {
+            src[r][x] = (int)(r * W + x);
+            bytes1[r * W + x] = (uint8_t)src[r][x];
+            for (int k = 0; k < 3; ++k)
+                bytes3[(r * W + x) * 3 + k] = (uint8_t)(src[r][x] * 3 + k);
+        }
+    const PCDrect crops[] = {{0, 0, 0, 0}, {1, 0, 3, 2}, {-5, -5, 100, 100}, {2, 1, 3, 3}, {4, 4, 2, 2}};
+    for (long rot = 0; rot < 4; ++rot)
+        for (long mirror = 0; mirror < 2; ++mirror)
+            for (const PCDrect& c : crops) {
+                SCOPED_TRACE(testing::Message() << rot << " " << mirror << " " << c.left << "," << c.top);
+                Grid want = src;
+                for (long i = 0; i < rot; ++i)
+                    want = TurnLeft(want);
+                if (mirror)
+                    for (auto& row : want)
+                        std::reverse(row.begin(), row.end());
+                long tw = (long)want[0].size(), th = (long)want.size();
+                long l = 0, t = 0, r = tw, b = th;
+                if (c.right > c.left && c.bottom > c.top) {
+                    l = std::max(c.left, 0L), t = std::max(c.top, 0L);
+                    r = std::min(c.right, tw), b = std::min(c.bottom, th);
+                }
+                PCDtransform tf = {rot, mirror, c};
+                TransformPlan plan;
+                ASSERT_EQ(PlanTransform(W, H, tf, c, &plan), PCD_OK);
+                ASSERT_EQ(plan.width, r - l);
+                ASSERT_EQ(plan.height, b - t);
+                EXPECT_EQ(IsIdentity(plan, W, H), rot == 0 && !mirror && plan.width == W && plan.height == H);
+                std::vector<uint8_t> out1((size_t)plan.width * plan.height), out3(out1.size() * 3);
+                // Bottom-up into the target, as into a DIB, for the 3-byte case.
+                ApplyTransform(plan, bytes1, W, 1, out1.data(), plan.width, 0, plan.height);
+                ApplyTransform(plan, bytes3, W * 3, 3, out3.data() + (plan.height - 1) * plan.width * 3,
+                               -plan.width * 3, 0, plan.height);
+                for (long y = 0; y < plan.height; ++y)
+                    for (long x = 0; x < plan.width; ++x) {
+                        int v = want[t + y][l + x];
+                        ASSERT_EQ(out1[y * plan.width + x], v) << x << "," << y;
+                        ASSERT_EQ(out3[((plan.height - 1 - y) * plan.width + x) * 3 + 2], v * 3 + 2);
+                    }
+            }
+    TransformPlan plan;
+    PCDtransform tf = {0, 0, {0, 0, 0, 0}};
+    EXPECT_EQ(PlanTransform(W, H, tf, PCDrect{5, 0, 9, 3}, &plan), PCD_ERR_BAD_ARG);
+    tf.rotation = 4;
+    EXPECT_EQ(PlanTransform(W, H, tf, PCDrect{0, 0, 0, 0}, &plan), PCD_ERR_BAD_ARG);
+    struct { PCDrect in; int shift; PCDrect out; } scales[] = {
+        {{1, 2, 767, 511}, 0, {1, 2, 767, 511}}, {{1, 2, 767, 511}, 1, {0, 1, 384, 256}},
+        {{5, 4, 9, 8}, 2, {1, 1, 3, 2}},         {{-3, -4, 1, 0}, 2, {-1, -1, 1, 0}},
+        {{0, 0, 0x7fffffff, 0x7fffffff}, 2, {0, 0, 1 << 22, 1 << 22}},
+    };
+    for (auto& s : scales) {
+        PCDrect r = ScaleCrop(s.in, s.shift);
+        EXPECT_EQ(r.left, s.out.left);
+        EXPECT_EQ(r.top, s.out.top);
+        EXPECT_EQ(r.right, s.out.right);
+        EXPECT_EQ(r.bottom, s.out.bottom);
+    }
+}
+
+TEST(PcdPack, PaletteKeepsFewColoursExactlyAndSplitsMany)
+{
+    static Quantizer q;
+    // Six colours on cell centres: each gets an entry of its own, exactly.
+    const uint8_t colours[6][3] = {{4, 4, 4}, {252, 252, 252}, {12, 100, 204}, {204, 12, 100},
+                                   {100, 204, 12}, {132, 132, 132}};
+    std::vector<uint8_t> img;
+    for (int i = 0; i < 600; ++i)
+        img.insert(img.end(), colours[i % 6], colours[i % 6] + 3);
+    QuantizerStart(&q);
+    QuantizerAdd(&q, img.data(), 600);
+    QuantizerMake(&q, 256);
+    ASSERT_EQ(q.palette.count, 6);
+    std::vector<uint8_t> idx(600);
+    QuantizerMap(&q, img.data(), idx.data(), 600);
+    for (int i = 0; i < 600; ++i)
+        ASSERT_EQ(0, memcmp(q.palette.entries[idx[i]], img.data() + 3 * i, 3)) << i;
+    // A grey ramp into 4 entries: ordered, and every grey maps to its nearest.
+    img.clear();
+    for (int v = 0; v < 256; ++v)
+        img.insert(img.end(), {(uint8_t)v, (uint8_t)v, (uint8_t)v});
+    QuantizerStart(&q);
+    QuantizerAdd(&q, img.data(), 256);
+    QuantizerMake(&q, 4);
+    ASSERT_EQ(q.palette.count, 4);
+    idx.resize(256);
+    QuantizerMap(&q, img.data(), idx.data(), 256);
+    for (int v = 0; v < 256; ++v) {
+        int got = std::abs(q.palette.entries[idx[v]][0] - ((v & ~7) + 4));
+        for (int e = 0; e < 4; ++e)
+            ASSERT_LE(got, std::abs(q.palette.entries[e][0] - ((v & ~7) + 4))) << v;
+    }
+    PCDpalette none = {};
+    EXPECT_FALSE(QuantizerUse(&q, none));
+}
+
+TEST(PcdPack, PackedDibHeaders)
+{
+    struct { long w, h, bits; uint32_t bytes; } sizes[] = {
+        {192, 128, 24, 40 + 192 * 3 * 128}, {192, 128, 8, 40 + 1024 + 192 * 128},
+        {1, 1, 24, 40 + 4}, {3, 2, 8, 40 + 1024 + 8}, {5, 1, 24, 40 + 16},
+        {0, 5, 24, 0}, {5, 5, 16, 0}, {65536, 1, 8, 0},
+    };
+    for (auto& s : sizes) {
+        EXPECT_EQ(DibBytes(s.w, s.h, s.bits, 1u << 30), s.bytes) << s.w << "x" << s.h;
+        if (!s.bytes)
+            continue;
+        EXPECT_EQ(DibBytes(s.w, s.h, s.bits, s.bytes - 1), 0u);
+        std::vector<uint8_t> dib(s.bytes);
+        PCDpalette pal = {};
+        pal.count = 2;
+        pal.entries[1][2] = 200;
+        WriteDibHeader(dib.data(), s.w, s.h, s.bits, &pal);
+        DibView v;
+        ASSERT_EQ(ReadDibHeader(dib.data(), s.bytes, &v), PCD_OK);
+        EXPECT_EQ(v.width, s.w);
+        EXPECT_EQ(v.height, s.h);
+        EXPECT_EQ(v.headerBytes + v.stride * v.height, (ptrdiff_t)s.bytes);
+        if (s.bits == 8) {
+            EXPECT_EQ(dib[40 + 4 + 2], 200);
+        }
+        EXPECT_EQ(ReadDibHeader(dib.data(), s.bytes - 1, &v), PCD_ERR_FORMAT_NOT_SUPPORTED);
+        for (int field : {0, 12, 14, 16}) {
+            std::vector<uint8_t> bad = dib;
+            bad[field] ^= 0x11;
+            EXPECT_NE(ReadDibHeader(bad.data(), s.bytes, &v), PCD_OK) << field;
+        }
+    }
+}
+
+TEST(PcdPack, DamagedPacksGiveAStatus)
+{
+    Bytes pack = pcdwriter::ImagePack(pcdwriter::Pattern(768, 512, 2), 1);
+    std::vector<Ycc> ov = {pcdwriter::Pattern(192, 128, 1), pcdwriter::Pattern(192, 128, 2)};
+    Bytes oview = pcdwriter::OverviewPack(ov, {0, 3});
+    const uint8_t id[12] = {1, 2, 3};
+    Bytes info = pcdwriter::InfoFile(id, 2);
+    rlnative::Rng rng(132);
+    for (int i = 0; i < 60; ++i) {
+        const Bytes& base = i % 3 == 0 ? pack : i % 3 == 1 ? oview : info;
+        Bytes f(base.begin(), base.begin() + rng.Below((uint32_t)base.size() + 1));
+        for (int n = rng.Below(6); n > 0 && !f.empty(); --n)
+            f[rng.Below(std::min<uint32_t>((uint32_t)f.size(), 0x1000))] = rng.Byte();
+        if (f.size() > 12 && rng.Chance(3))
+            f[10] = f[11] = 0xff;  // an overview claiming 65535 entries
+        pcdfuzz::Run(f.data(), f.size());
+    }
+    // Overview entries past the file's end.
+    long count;
+    ASSERT_EQ(ParseOverview(oview.data(), kOviewHeaderBytes, oview.size(), &count), PCD_OK);
+    ASSERT_EQ(count, 2);
+    uint32_t attr;
+    Plane p;
+    EXPECT_EQ(FindOverviewEntry(count, oview.size(), 2, &attr, &p), PCD_OK);
+    EXPECT_EQ(FindOverviewEntry(count, oview.size() - 1, 2, &attr, &p), PCD_ERR_DAMAGED);
+    EXPECT_EQ(FindOverviewEntry(count, oview.size(), 3, &attr, &p), PCD_ERR_NOT_FOUND);
+    EXPECT_EQ(FindOverviewEntry(65535, oview.size(), 65535, &attr, &p), PCD_ERR_DAMAGED);
+    PCDvolumeInfo vi;
+    ASSERT_EQ(ParseInfo(info.data(), info.size(), &vi), PCD_OK);
+    EXPECT_EQ(vi.volumeId[2], 3);
+    EXPECT_EQ(vi.imageCount, 2);
+    EXPECT_EQ(ParseInfo(info.data(), 39, &vi), PCD_ERR_NOT_PCD);
+}
+
+Bytes ReadAll(const std::string& path)
+{
+    Bytes b;
+    if (FILE* f = fopen(path.c_str(), "rb")) {
+        int c;
+        while ((c = fgetc(f)) != EOF)
+            b.push_back((uint8_t)c);
+        fclose(f);
+    }
+    return b;
+}
+
+bool HaveImageMagick()
+{
+    FILE* p = popen("/usr/bin/convert -version 2>/dev/null", "r");
+    if (!p)
+        return false;
+    char line[256] = {};
+    bool yes = fgets(line, sizeof line, p) && strstr(line, "ImageMagick");
+    pclose(p);
+    return yes;
+}
+
+// ImageMagick writes a pack from a smooth picture and decodes it again; we
+// decode the same pack. ImageMagick maps the whole Photo YCC range onto 0..255
+// (Kodak's values divided by 1.3584) where we clip at 255, so its values are
+// scaled back by 1.3584 and compared wherever neither side clipped: within 4
+// levels per channel.
+TEST(PcdPack, AgreesWithImageMagicksDecoding)
+{
+    if (!HaveImageMagick())
+        GTEST_SKIP() << "no ImageMagick convert";
+    char dir[] = "/tmp/pcdpackXXXXXX";
+    ASSERT_TRUE(mkdtemp(dir));
+    std::string d = dir, in = d + "/in.ppm", pcd = d + "/in.pcd", back = d + "/back.ppm";
+    {
+        std::string ppm = "P6\n768 512\n255\n";
+        for (int r = 0; r < 512; ++r)
+            for (int x = 0; x < 768; ++x) {
+                ppm += (char)(unsigned char)(40 + 150 * x / 768);
+                ppm += (char)(unsigned char)(60 + 120 * r / 512);
+                ppm += (char)(unsigned char)(int)(90 + 80 * std::sin(x / 90.0 + r / 70.0));
+            }
+        FILE* f = fopen(in.c_str(), "wb");
+        ASSERT_TRUE(f);
+        fwrite(ppm.data(), 1, ppm.size(), f);
+        fclose(f);
+    }
+    std::string cmd = "/usr/bin/convert -limit thread 1 " + in + " " + pcd + " && /usr/bin/convert -limit thread 1 " +
+                      pcd + " -depth 8 " + back;
+    ASSERT_EQ(std::system(cmd.c_str()), 0);
+    Bytes file = ReadAll(pcd), ppm = ReadAll(back);
+    std::system(("rm -rf " + d).c_str());
+    ASSERT_GE(ppm.size(), 768u * 512 * 3);
+    PackHeader h;
+    Plane plane;
+    ASSERT_EQ(ParseHeader(file.data(), std::min<size_t>(file.size(), kHeaderBytes), file.size(), &h), PCD_OK);
+    ASSERT_EQ(FindPlane(h, file.size(), PCD_BASE, &plane), PCD_OK);
+    std::vector<uint8_t> ours(768 * 512 * 3);
+    ASSERT_EQ(DecodePlanes(plane, file.data() + plane.offset, plane.bytes, ours.data(), 768 * 3, nullptr), PCD_OK);
+    const uint8_t* theirs = ppm.data() + ppm.size() - 768 * 512 * 3;
+    long compared = 0, worst = 0;
+    for (size_t i = 0; i < 768 * 512; ++i)
+        for (int k = 0; k < 3; ++k) {
+            int t = theirs[i * 3 + 2 - k];
+            double scaled = t * 1.3584;
+            if (t == 0 || scaled > 254.5)
+                continue;
+            ++compared;
+            worst = std::max(worst, std::labs(ours[i * 3 + k] - lround(scaled)));
+        }
+    EXPECT_GT(compared, 768L * 512 * 3 / 2);
+    EXPECT_LE(worst, 4);
+}
+
+}  // namespace

@@ -1,0 +1,566 @@
+// PCDLIB32.DLL through its exported entry points, on volumes the tests write:
+// resolutions, the header's turn, transforms, the 8-bit palette, progress and
+// abort, overviews with and without an overview pack, damaged packs and a
+// changed disc.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "pcdwriter.h"
+#include "rl132/photocd/pcdapi.h"
+
+using pcdwriter::Bytes;
+using pcdwriter::Ycc;
+
+namespace {
+
+// Every entry point, resolved by name the way RL132 resolves them.
+struct Api {
+    HMODULE dll = nullptr;
+#define PCD_MEMBER(name) name##Proc name = nullptr;
+    PCD_ENTRY_POINTS(PCD_MEMBER)
+#undef PCD_MEMBER
+    int missing = 0;
+    Api()
+    {
+        dll = LoadLibraryA("PCDLIB32.DLL");
+#define PCD_RESOLVE(name) \
+    name = (name##Proc)(void*)GetProcAddress(dll, #name); \
+    missing += !name;
+        PCD_ENTRY_POINTS(PCD_RESOLVE)
+#undef PCD_RESOLVE
+    }
+    ~Api() { FreeLibrary(dll); }
+};
+
+Api& A()
+{
+    static Api api;
+    return api;
+}
+
+void WriteFile(const std::string& path, const Bytes& data)
+{
+    FILE* f = fopen(path.c_str(), "wb");
+    ASSERT_TRUE(f) << path;
+    fwrite(data.data(), 1, data.size(), f);
+    fclose(f);
+}
+
+// A volume in a fresh temporary folder: IMAGES\IMG0001.PCD ... with the given
+// turns, PHOTO_CD\INFO.PCD, and PHOTO_CD\OVERVIEW.PCD when asked.
+struct Volume {
+    std::string root;
+    std::vector<std::string> files;
+    std::vector<Ycc> pictures;
+    Volume(const std::vector<int>& rotations, bool overview, uint8_t idByte = 7)
+    {
+        char tmp[MAX_PATH];
+        GetTempPathA(sizeof tmp, tmp);
+        static int serial;
+        root = std::string(tmp) + "pcdvol" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++serial);
+        CreateDirectoryA(root.c_str(), nullptr);
+        CreateDirectoryA((root + "\\IMAGES").c_str(), nullptr);
+        CreateDirectoryA((root + "\\PHOTO_CD").c_str(), nullptr);
+        std::vector<Ycc> small;
+        for (size_t i = 0; i < rotations.size(); ++i) {
+            pictures.push_back(pcdwriter::Pattern(768, 512, (int)i + 1));
+            small.push_back(pcdwriter::Halve(pcdwriter::Halve(pictures.back())));
+            Add(Pack(i + 1), pcdwriter::ImagePack(pictures.back(), rotations[i]));
+        }
+        SetId(idByte, (int)rotations.size());
+        if (overview)
+            Add(root + "\\PHOTO_CD\\OVERVIEW.PCD", pcdwriter::OverviewPack(small, rotations));
+    }
+    ~Volume()
+    {
+        for (auto& f : files)
+            DeleteFileA(f.c_str());
+        RemoveDirectoryA((root + "\\IMAGES").c_str());
+        RemoveDirectoryA((root + "\\PHOTO_CD").c_str());
+        RemoveDirectoryA(root.c_str());
+    }
+    std::string Pack(size_t n) const
+    {
+        char name[32];
+        snprintf(name, sizeof name, "\\IMAGES\\IMG%04u.PCD", (unsigned)n);
+        return root + name;
+    }
+    void Add(const std::string& path, const Bytes& data)
+    {
+        WriteFile(path, data);
+        files.push_back(path);
+    }
+    void SetId(uint8_t idByte, int images)
+    {
+        const uint8_t id[12] = {'D', 'I', 'S', 'C', idByte, 0, 0, 0, 0, 0, 0, 1};
+        Add(root + "\\PHOTO_CD\\INFO.PCD", pcdwriter::InfoFile(id, images));
+    }
+};
+
+struct Dib {
+    const BITMAPINFOHEADER* h;
+    const uint8_t* bits;
+    long stride;
+    explicit Dib(const void* p) : h((const BITMAPINFOHEADER*)p)
+    {
+        bits = (const uint8_t*)p + h->biSize + (h->biBitCount == 8 ? 4 * (h->biClrUsed ? h->biClrUsed : 256) : 0);
+        stride = (h->biWidth * h->biBitCount + 31) / 32 * 4;
+    }
+    const uint8_t* Row(long y) const { return bits + (h->biHeight - 1 - y) * stride; }  // y from the top
+    const RGBQUAD* Table() const { return (const RGBQUAD*)((const uint8_t*)h + h->biSize); }
+};
+
+// The whole picture of a pack handle, top row first, through PCDgetBlock in
+// bands of 7 rows.
+std::vector<uint8_t> Blocks(PCDpkHdl pk, long* w, long* h, long px)
+{
+    EXPECT_EQ(A().PCDgetSize(pk, w, h), PCD_OK);
+    std::vector<uint8_t> all((size_t)*w * *h * px);
+    for (long y = 0; y < *h; y += 7) {
+        long rows = std::min(7L, *h - y);
+        EXPECT_EQ(A().PCDgetBlock(pk, y, rows, all.data() + (size_t)y * *w * px, *w * px), PCD_OK);
+    }
+    return all;
+}
+
+TEST(PcdLib, EveryEntryPointResolvesByName)
+{
+    ASSERT_TRUE(A().dll);
+    EXPECT_EQ(A().missing, 0);
+    unsigned long v = 0;
+    EXPECT_EQ(A().PCDgetToolkitVersion(&v), PCD_OK);
+    EXPECT_EQ(v, 0x0100u);
+    EXPECT_EQ(A().PCDgetToolkitVersion(nullptr), PCD_ERR_BAD_ARG);
+}
+
+TEST(PcdLib, EachResolutionReadsThePicture)
+{
+    Volume vol({0}, false);
+    PCDpkHdl pk;
+    ASSERT_EQ(A().PCDopen(vol.Pack(1).c_str(), &pk), PCD_OK);
+    long count = 0;
+    EXPECT_EQ(A().PCDgetCount(pk, &count), PCD_OK);
+    EXPECT_EQ(count, 3);
+    Ycc pics[3] = {pcdwriter::Halve(pcdwriter::Halve(vol.pictures[0])), pcdwriter::Halve(vol.pictures[0]),
+                   vol.pictures[0]};
+    for (long res = PCD_BASE_OVER_16; res <= PCD_BASE; ++res) {
+        SCOPED_TRACE(res);
+        ASSERT_EQ(A().PCDsetResolution(pk, res), PCD_OK);
+        long w, h, got;
+        EXPECT_EQ(A().PCDgetResolution(pk, &got), PCD_OK);
+        EXPECT_EQ(got, res);
+        std::vector<uint8_t> rows = Blocks(pk, &w, &h, 3);
+        ASSERT_EQ(w, 192L << res);
+        ASSERT_EQ(h, 128L << res);
+        void* dib = nullptr;
+        ASSERT_EQ(A().PCDloadImage(pk, &dib), PCD_OK);
+        Dib d(dib);
+        ASSERT_EQ(d.h->biBitCount, 24);
+        ASSERT_EQ(d.h->biWidth, w);
+        ASSERT_EQ(d.h->biHeight, h);
+        int worst = 0;
+        for (long y = 0; y < h; ++y) {
+            ASSERT_EQ(0, memcmp(d.Row(y), rows.data() + (size_t)y * w * 3, (size_t)w * 3)) << y;
+            for (long x = 0; x < w; x += 2) {
+                if (y & 1)
+                    continue;  // chroma is sampled on even rows and columns
+                size_t i = (size_t)y * w + x;
+                int want[3];
+                pcdwriter::ReferenceBgr(pics[res].y[i], pics[res].c1[i], pics[res].c2[i], want);
+                for (int k = 0; k < 3; ++k)
+                    worst = std::max(worst, std::abs(d.Row(y)[3 * x + k] - want[k]));
+            }
+        }
+        EXPECT_LE(worst, 1);
+        EXPECT_EQ(A().PCDfreeBitmap(dib), PCD_OK);
+    }
+    EXPECT_EQ(A().PCDsetResolution(pk, PCD_4BASE), PCD_ERR_RES_NOT_SUPPORTED);
+    EXPECT_EQ(A().PCDsetResolution(pk, PCD_16BASE), PCD_ERR_RES_NOT_SUPPORTED);
+    EXPECT_EQ(A().PCDsetResolution(pk, 9), PCD_ERR_BAD_ARG);
+    EXPECT_EQ(A().PCDsetFormat(pk, 14), PCD_ERR_FORMAT_NOT_SUPPORTED);
+    EXPECT_EQ(A().PCDclose(pk), PCD_OK);
+}
+
+TEST(PcdLib, HeaderTurnAndTransforms)
+{
+    const std::vector<int> turns = {0, 1, 2, 3};
+    Volume vol(turns, false);
+    for (size_t i = 0; i < turns.size(); ++i) {
+        PCDpkHdl pk;
+        ASSERT_EQ(A().PCDopen(vol.Pack(i + 1).c_str(), &pk), PCD_OK);
+        long rot = -1;
+        EXPECT_EQ(A().PCDgetRotation(pk, &rot), PCD_OK);
+        EXPECT_EQ(rot, turns[i]);
+        PCDimageInfo info;
+        ASSERT_EQ(A().PCDreadImageInfo(vol.Pack(i + 1).c_str(), &info), PCD_OK);
+        EXPECT_EQ(info.rotation, turns[i]);
+        EXPECT_EQ(info.resolutions, 3);
+        A().PCDclose(pk);
+    }
+    PCDpkHdl pk;
+    ASSERT_EQ(A().PCDopen(vol.Pack(1).c_str(), &pk), PCD_OK);
+    ASSERT_EQ(A().PCDsetResolution(pk, PCD_BASE_OVER_16), PCD_OK);
+    long W, H;
+    const std::vector<uint8_t> plain = Blocks(pk, &W, &H, 3);
+    void* plainDib;
+    ASSERT_EQ(A().PCDloadImage(pk, &plainDib), PCD_OK);
+    // Crops in Base pixels of the turned picture; at Base/16 they are a quarter.
+    struct Case { long rot, mirror; PCDrect crop; long w, h; } cases[] = {
+        {0, 0, {0, 0, 0, 0}, 192, 128},    {1, 0, {0, 0, 0, 0}, 128, 192},
+        {2, 1, {0, 0, 0, 0}, 192, 128},    {3, 1, {0, 0, 0, 0}, 128, 192},
+        {0, 1, {40, 20, 401, 300}, 91, 70}, {1, 0, {-8, 4, 2000, 11}, 128, 2},
+        {3, 0, {100, 600, 300, 768}, 50, 42},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.rot << " " << c.mirror << " " << c.crop.left);
+        PCDtransform t = {c.rot, c.mirror, c.crop}, back;
+        ASSERT_EQ(A().PCDsetTransform(pk, &t), PCD_OK);
+        ASSERT_EQ(A().PCDgetTransform(pk, &back), PCD_OK);
+        EXPECT_EQ(memcmp(&t, &back, sizeof t), 0);
+        long w, h;
+        std::vector<uint8_t> got = Blocks(pk, &w, &h, 3);
+        ASSERT_EQ(w, c.w);
+        ASSERT_EQ(h, c.h);
+        const long l = std::max(c.crop.left, 0L) / 4, tp = std::max(c.crop.top, 0L) / 4;
+        const long tw = c.rot & 1 ? H : W;
+        for (long y = 0; y < h; ++y)
+            for (long x = 0; x < w; ++x) {
+                // Back from the result to the stored picture, one step at a time.
+                long tx = l + x, ty = tp + y;
+                if (c.mirror)
+                    tx = tw - 1 - tx;
+                long sx = tx, sy = ty;
+                // Undo the left turns, last first: before turn j the picture
+                // was (j - 1) turns round, and a left turn takes (x, y) of it
+                // to (y, width before - 1 - x).
+                for (long j = c.rot; j >= 1; --j) {
+                    long before = ((j - 1) & 1) ? H : W, px = sx;
+                    sx = before - 1 - sy;
+                    sy = px;
+                }
+                ASSERT_EQ(0, memcmp(&got[((size_t)y * w + x) * 3], &plain[((size_t)sy * W + sx) * 3], 3))
+                    << x << "," << y;
+            }
+        void* moved;
+        ASSERT_EQ(A().PCDapplyTransform(plainDib, &t, &moved), PCD_OK);
+        Dib m(moved);
+        ASSERT_EQ(m.h->biWidth, w);
+        for (long y = 0; y < h; ++y)
+            ASSERT_EQ(0, memcmp(m.Row(y), &got[(size_t)y * w * 3], (size_t)w * 3)) << y;
+        A().PCDfreeBitmap(moved);
+    }
+    PCDtransform outside = {0, 0, {800, 0, 900, 10}};
+    ASSERT_EQ(A().PCDsetTransform(pk, &outside), PCD_OK);
+    long w, h;
+    EXPECT_EQ(A().PCDgetSize(pk, &w, &h), PCD_ERR_BAD_ARG);
+    outside.rotation = 4;
+    EXPECT_EQ(A().PCDsetTransform(pk, &outside), PCD_ERR_BAD_ARG);
+    A().PCDfreeBitmap(plainDib);
+    A().PCDclose(pk);
+}
+
+TEST(PcdLib, EightBitPaletteImages)
+{
+    Volume vol({0}, false);
+    PCDpkHdl pk;
+    ASSERT_EQ(A().PCDopen(vol.Pack(1).c_str(), &pk), PCD_OK);
+    ASSERT_EQ(A().PCDsetResolution(pk, PCD_BASE_OVER_4), PCD_OK);
+    void* dib24;
+    ASSERT_EQ(A().PCDloadImage(pk, &dib24), PCD_OK);
+    PCDpalette pal;
+    EXPECT_EQ(A().PCDgetPalette(pk, &pal), PCD_ERR_NOT_FOUND);
+    ASSERT_EQ(A().PCDsetFormat(pk, PCD_FORMAT_PAL8), PCD_OK);
+    long fmt;
+    EXPECT_EQ(A().PCDgetFormat(pk, &fmt), PCD_OK);
+    EXPECT_EQ(fmt, 13);
+    void* dib8;
+    ASSERT_EQ(A().PCDloadImage(pk, &dib8), PCD_OK);
+    ASSERT_EQ(A().PCDgetPalette(pk, &pal), PCD_OK);
+    Dib d24(dib24), d8(dib8);
+    ASSERT_EQ(d8.h->biBitCount, 8);
+    ASSERT_EQ(d8.h->biClrUsed, 256u);
+    // A smooth picture in 256 colours: pixels near their entries, on average
+    // within a few levels.
+    int worst = 0;
+    long total = 0;
+    for (long y = 0; y < 256; ++y)
+        for (long x = 0; x < 384; ++x) {
+            const RGBQUAD& q = d8.Table()[d8.Row(y)[x]];
+            const uint8_t* p = d24.Row(y) + 3 * x;
+            int d[3] = {std::abs(q.rgbBlue - p[0]), std::abs(q.rgbGreen - p[1]), std::abs(q.rgbRed - p[2])};
+            worst = std::max({worst, d[0], d[1], d[2]});
+            total += d[0] + d[1] + d[2];
+            ASSERT_LT(d8.Row(y)[x], pal.count);
+        }
+    EXPECT_LE(worst, 48);
+    EXPECT_LE(total / (256 * 384 * 3), 6);
+    // A 16-colour palette of the caller's, used for loading and for converting.
+    PCDpalette* p16;
+    ASSERT_EQ(A().PCDcreatePalette(pk, 16, &p16), PCD_OK);
+    EXPECT_GE(p16->count, 2);
+    EXPECT_LE(p16->count, 16);
+    ASSERT_EQ(A().PCDsetPalette(pk, p16), PCD_OK);
+    std::vector<uint8_t> idx;
+    long w, h;
+    idx = Blocks(pk, &w, &h, 1);
+    void* conv;
+    ASSERT_EQ(A().PCDconvertBitmap(dib24, PCD_FORMAT_PAL8, p16, &conv), PCD_OK);
+    Dib c(conv);
+    for (long y = 0; y < h; ++y)
+        ASSERT_EQ(0, memcmp(c.Row(y), &idx[(size_t)y * w], (size_t)w)) << y;
+    void* wide;
+    ASSERT_EQ(A().PCDconvertBitmap(conv, PCD_FORMAT_RGB24, nullptr, &wide), PCD_OK);
+    Dib wd(wide);
+    for (long y = 0; y < h; y += 17)
+        for (long x = 0; x < w; x += 13) {
+            const uint8_t* e = p16->entries[c.Row(y)[x]];
+            ASSERT_EQ(0, memcmp(wd.Row(y) + 3 * x, e, 3));
+        }
+    EXPECT_EQ(A().PCDconvertBitmap(dib24, 7, nullptr, &wide), PCD_ERR_FORMAT_NOT_SUPPORTED);
+    EXPECT_EQ(A().PCDcreatePalette(pk, 1, &p16), PCD_ERR_BAD_ARG);
+    for (void* p : {dib24, dib8, conv, wide})
+        EXPECT_EQ(A().PCDfreeBitmap(p), PCD_OK);
+    A().PCDfreePalette(p16);
+    A().PCDclose(pk);
+}
+
+struct Calls {
+    std::vector<std::pair<int, int>> progress;
+    int abortAfter = -1, asked = 0;
+    std::vector<uint8_t> disc;
+    long acceptDisc = 0;
+};
+long PCDAPI OnProgress(unsigned short done, unsigned short total, void* u)
+{
+    ((Calls*)u)->progress.push_back({done, total});
+    return 0;
+}
+long PCDAPI OnAbort(void* u)
+{
+    Calls* c = (Calls*)u;
+    return c->abortAfter >= 0 && ++c->asked > c->abortAfter;
+}
+long PCDAPI OnDisc(const unsigned char id[12], void* u)
+{
+    Calls* c = (Calls*)u;
+    c->disc.assign(id, id + 12);
+    return c->acceptDisc;
+}
+
+TEST(PcdLib, ProgressAndAbort)
+{
+    Volume vol({0}, false);
+    PCDpkHdl pk;
+    ASSERT_EQ(A().PCDopen(vol.Pack(1).c_str(), &pk), PCD_OK);
+    Calls calls;
+    ASSERT_EQ(A().PCDsetProgress(pk, OnProgress, &calls), PCD_OK);
+    ASSERT_EQ(A().PCDsetAbort(pk, OnAbort, &calls), PCD_OK);
+    PCDprogressFn fn;
+    void* user;
+    ASSERT_EQ(A().PCDgetProgress(pk, &fn, &user), PCD_OK);
+    EXPECT_TRUE(fn == OnProgress && user == &calls);
+    void* dib = nullptr;
+    ASSERT_EQ(A().PCDloadImage(pk, &dib), PCD_OK);
+    ASSERT_GE(calls.progress.size(), 3u);
+    for (size_t i = 1; i < calls.progress.size(); ++i)
+        EXPECT_GT(calls.progress[i].first, calls.progress[i - 1].first);
+    EXPECT_EQ(calls.progress.back().first, calls.progress.back().second);
+    A().PCDfreeBitmap(dib);
+    calls.abortAfter = 3;
+    calls.progress.clear();
+    dib = nullptr;
+    EXPECT_EQ(A().PCDloadImage(pk, &dib), PCD_ERR_ABORTED);
+    EXPECT_EQ(dib, nullptr);
+    EXPECT_EQ(calls.progress.size(), 4u);
+    unsigned char row[768 * 3];
+    EXPECT_EQ(A().PCDgetBlock(pk, 0, 1, row, sizeof row), PCD_ERR_ABORTED);
+    ASSERT_EQ(A().PCDsetAbort(pk, nullptr, nullptr), PCD_OK);
+    EXPECT_EQ(A().PCDgetBlock(pk, 0, 1, row, sizeof row), PCD_OK);
+    EXPECT_EQ(A().PCDgetBlock(pk, 511, 2, row, sizeof row), PCD_ERR_BAD_ARG);
+    EXPECT_EQ(A().PCDgetBlock(pk, 0, 1, row, 100), PCD_ERR_BAD_ARG);
+    A().PCDclose(pk);
+}
+
+TEST(PcdLib, OverviewWithAndWithoutAnOverviewPack)
+{
+    const std::vector<int> turns = {0, 3, 1};
+    for (bool withPack : {false, true}) {
+        SCOPED_TRACE(withPack);
+        Volume vol(turns, withPack);
+        PCDoviewHdl ov;
+        ASSERT_EQ(A().PCDOopen(vol.root.c_str(), &ov), PCD_OK);
+        long count = 0;
+        ASSERT_EQ(A().PCDOgetCount(ov, &count), PCD_OK);
+        ASSERT_EQ(count, 3);
+        for (long e = 1; e <= count; ++e) {
+            ASSERT_EQ(A().PCDOsetSelect(ov, e), PCD_OK);
+            long sel, rot, w, h;
+            EXPECT_EQ(A().PCDOgetSelect(ov, &sel), PCD_OK);
+            EXPECT_EQ(sel, e);
+            EXPECT_EQ(A().PCDOgetRotation(ov, &rot), PCD_OK);
+            EXPECT_EQ(rot, turns[e - 1]);
+            char path[MAX_PATH];
+            ASSERT_EQ(A().PCDOgetFriend(ov, (vol.root + "\\IMAGES\\").c_str(), e, path, sizeof path), PCD_OK);
+            EXPECT_EQ(path, vol.Pack(e));
+            // The overview picture is the pack's Base/16 picture, turned the same way.
+            PCDtransform t = {rot, 0, {0, 0, 0, 0}};
+            ASSERT_EQ(A().PCDOsetTransform(ov, &t), PCD_OK);
+            void* small;
+            ASSERT_EQ(A().PCDOloadImage(ov, &small), PCD_OK);
+            EXPECT_EQ(A().PCDOgetSize(ov, &w, &h), PCD_OK);
+            PCDpkHdl pk;
+            ASSERT_EQ(A().PCDopen(path, &pk), PCD_OK);
+            A().PCDsetResolution(pk, PCD_BASE_OVER_16);
+            A().PCDsetTransform(pk, &t);
+            void* same;
+            ASSERT_EQ(A().PCDloadImage(pk, &same), PCD_OK);
+            Dib a(small), b(same);
+            ASSERT_EQ(a.h->biWidth, w);
+            ASSERT_EQ(a.h->biHeight, h);
+            ASSERT_EQ(b.h->biSizeImage, a.h->biSizeImage);
+            EXPECT_EQ(0, memcmp(a.bits, b.bits, a.h->biSizeImage));
+            std::vector<uint8_t> band((size_t)w * 3 * 5);
+            ASSERT_EQ(A().PCDOgetBlock(ov, 3, 5, band.data(), w * 3), PCD_OK);
+            EXPECT_EQ(0, memcmp(band.data(), a.Row(3), (size_t)w * 3));
+            A().PCDfreeBitmap(small);
+            A().PCDfreeBitmap(same);
+            A().PCDclose(pk);
+        }
+        char path[MAX_PATH];
+        EXPECT_EQ(A().PCDOgetFriend(ov, nullptr, 4, path, sizeof path), PCD_ERR_NOT_FOUND);
+        EXPECT_EQ(A().PCDOgetFriend(ov, nullptr, 1, path, 5), PCD_ERR_BAD_ARG);
+        EXPECT_EQ(A().PCDOsetSelect(ov, 0), PCD_ERR_NOT_FOUND);
+        EXPECT_EQ(A().PCDOsetResolution(ov, PCD_BASE), PCD_ERR_RES_NOT_SUPPORTED);
+        EXPECT_EQ(A().PCDOsetResolution(ov, PCD_BASE_OVER_16), PCD_OK);
+        ASSERT_EQ(A().PCDOsetFormat(ov, PCD_FORMAT_PAL8), PCD_OK);
+        ASSERT_EQ(A().PCDOrefClose(ov), PCD_OK);
+        void* dib = nullptr;
+        EXPECT_EQ(A().PCDOloadImage(ov, &dib), withPack ? PCD_ERR_CLOSED : PCD_OK);
+        A().PCDfreeBitmap(dib);
+        ASSERT_EQ(A().PCDOrefOpen(ov), PCD_OK);
+        ASSERT_EQ(A().PCDOloadImage(ov, &dib), PCD_OK);
+        EXPECT_EQ(Dib(dib).h->biBitCount, 8);
+        PCDpalette pal;
+        EXPECT_EQ(A().PCDOgetPalette(ov, &pal), PCD_OK);
+        A().PCDfreeBitmap(dib);
+        EXPECT_EQ(A().PCDOclose(ov), PCD_OK);
+    }
+    PCDoviewHdl ov;
+    EXPECT_EQ(A().PCDOopen("C:\\no\\such\\volume", &ov), PCD_ERR_NOT_FOUND);
+    EXPECT_EQ(A().PCDOopen("", &ov), PCD_ERR_BAD_ARG);
+}
+
+TEST(PcdLib, DamagedPacksAndLimitsGiveAStatus)
+{
+    Volume vol({0, 0}, true);
+    const Bytes good = pcdwriter::ImagePack(vol.pictures[0], 0);
+    struct { const char* what; size_t cut; int pokeAt; uint8_t poke; PCDstatus open, load16, loadBase; } cases[] = {
+        {"whole", 0, -1, 0, PCD_OK, PCD_OK, PCD_OK},
+        {"header only", 0x1800, -1, 0, PCD_OK, PCD_ERR_DAMAGED, PCD_ERR_DAMAGED},
+        {"Base cut", 0x30000 + 1000, -1, 0, PCD_OK, PCD_OK, PCD_ERR_DAMAGED},
+        {"short", 100, -1, 0, PCD_ERR_NOT_PCD, 0, 0},
+        {"empty", 1, -1, 0, PCD_ERR_NOT_PCD, 0, 0},
+        {"signature", 0, 0x801, 'X', PCD_ERR_NOT_PCD, 0, 0},
+        {"attributes", 0, 0xE02, 0x0c, PCD_ERR_DAMAGED, 0, 0},
+    };
+    for (auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        Bytes f(good.begin(), good.begin() + (c.cut ? c.cut : good.size()));
+        if (c.cut == 1)
+            f.clear();
+        if (c.pokeAt >= 0)
+            f[c.pokeAt] = c.poke;
+        vol.Add(vol.Pack(2), f);
+        PCDpkHdl pk;
+        ASSERT_EQ(A().PCDopen(vol.Pack(2).c_str(), &pk), c.open);
+        if (c.open != PCD_OK)
+            continue;
+        void* dib = nullptr;
+        A().PCDsetResolution(pk, PCD_BASE_OVER_16);
+        EXPECT_EQ(A().PCDloadImage(pk, &dib), c.load16);
+        A().PCDfreeBitmap(dib);
+        dib = nullptr;
+        A().PCDsetResolution(pk, PCD_BASE);
+        EXPECT_EQ(A().PCDloadImage(pk, &dib), c.loadBase);
+        A().PCDfreeBitmap(dib);
+        A().PCDclose(pk);
+    }
+    PCDpkHdl pk;
+    EXPECT_EQ(A().PCDopen((vol.root + "\\IMAGES\\IMG0099.PCD").c_str(), &pk), PCD_ERR_NOT_FOUND);
+    EXPECT_EQ(A().PCDclose(nullptr), PCD_ERR_BAD_ARG);
+    // An overview claiming more entries than it holds.
+    Bytes ov = pcdwriter::OverviewPack({pcdwriter::Pattern(192, 128, 1), pcdwriter::Pattern(192, 128, 2)}, {0, 0});
+    ov[11] = 50;
+    vol.Add(vol.root + "\\PHOTO_CD\\OVERVIEW.PCD", ov);
+    PCDoviewHdl o;
+    ASSERT_EQ(A().PCDOopen(vol.root.c_str(), &o), PCD_OK);
+    long count;
+    A().PCDOgetCount(o, &count);
+    EXPECT_EQ(count, 50);
+    void* dib = nullptr;
+    ASSERT_EQ(A().PCDOsetSelect(o, 2), PCD_OK);
+    EXPECT_EQ(A().PCDOloadImage(o, &dib), PCD_OK);
+    A().PCDfreeBitmap(dib);
+    ASSERT_EQ(A().PCDOsetSelect(o, 3), PCD_OK);
+    EXPECT_EQ(A().PCDOloadImage(o, &dib), PCD_ERR_DAMAGED);
+    A().PCDOclose(o);
+    // The allowance: a Base picture needs more than 300000 bytes, Base/16 less.
+    unsigned long was;
+    ASSERT_EQ(A().PCDgetAllowance(&was), PCD_OK);
+    ASSERT_EQ(A().PCDsetAllowance(300000), PCD_OK);
+    ASSERT_EQ(A().PCDopen(vol.Pack(1).c_str(), &pk), PCD_OK);
+    EXPECT_EQ(A().PCDloadImage(pk, &dib), PCD_ERR_NO_MEMORY);
+    A().PCDsetResolution(pk, PCD_BASE_OVER_16);
+    EXPECT_EQ(A().PCDloadImage(pk, &dib), PCD_OK);
+    A().PCDfreeBitmap(dib);
+    A().PCDclose(pk);
+    EXPECT_EQ(A().PCDsetAllowance(1000), PCD_ERR_BAD_ARG);
+    ASSERT_EQ(A().PCDsetAllowance(was), PCD_OK);
+}
+
+TEST(PcdLib, ChangedDiscAsksTheCallback)
+{
+    Volume vol({0}, true, 7);
+    PCDvolumeInfo info;
+    ASSERT_EQ(A().PCDreadInfoFile(vol.root.c_str(), &info), PCD_OK);
+    EXPECT_EQ(info.volumeId[4], 7);
+    EXPECT_EQ(info.imageCount, 1);
+    EXPECT_EQ(info.created, 7u);
+    PCDpkHdl pk;
+    PCDoviewHdl ov;
+    ASSERT_EQ(A().PCDopen(vol.Pack(1).c_str(), &pk), PCD_OK);
+    ASSERT_EQ(A().PCDOopen(vol.root.c_str(), &ov), PCD_OK);
+    unsigned char id[12];
+    ASSERT_EQ(A().PCDgetVolume(pk, id), PCD_OK);
+    EXPECT_EQ(id[4], 7);
+    Calls calls;
+    A().PCDsetDiscChanged(pk, OnDisc, &calls);
+    A().PCDOsetDiscChanged(ov, OnDisc, &calls);
+    vol.SetId(8, 1);
+    void* dib = nullptr;
+    EXPECT_EQ(A().PCDloadImage(pk, &dib), PCD_ERR_DISC_CHANGED);
+    ASSERT_EQ(calls.disc.size(), 12u);
+    EXPECT_EQ(calls.disc[4], 8);
+    EXPECT_EQ(A().PCDOloadImage(ov, &dib), PCD_ERR_DISC_CHANGED);
+    calls.acceptDisc = 1;
+    ASSERT_EQ(A().PCDloadImage(pk, &dib), PCD_OK);
+    A().PCDfreeBitmap(dib);
+    ASSERT_EQ(A().PCDOloadImage(ov, &dib), PCD_OK);
+    A().PCDfreeBitmap(dib);
+    EXPECT_EQ(A().PCDgetVolume(pk, id), PCD_OK);
+    EXPECT_EQ(id[4], 8);
+    PCDdiscChangedFn fn;
+    void* user;
+    EXPECT_EQ(A().PCDOgetDiscChanged(ov, &fn, &user), PCD_OK);
+    EXPECT_TRUE(fn == OnDisc && user == &calls);
+    A().PCDclose(pk);
+    A().PCDOclose(ov);
+}
+
+}  // namespace
