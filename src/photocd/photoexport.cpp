@@ -148,6 +148,17 @@ unsigned short Drive(JOB& job, void* library)
     return status;
 }
 
+// A 256-colour palette made for the image and applied to it.
+bool MakePalette(const PCDACCESS& pcd, PCDpkHdl image)
+{
+    PCDpalette* made = nullptr;
+    if (pcd.PCDcreatePalette(image, 256L, &made) != PCD_OK || !made)
+        return false;
+    PCDstatus applied = pcd.PCDsetPalette(image, (const PCDpalette*)made);
+    pcd.PCDfreePalette(made);
+    return applied == PCD_OK;
+}
+
 // Brings the image to the colour format needed and describes it for the
 // plug-in.
 unsigned short Describe(JOB& job, long colourFormat)
@@ -159,15 +170,8 @@ unsigned short Describe(JOB& job, long colourFormat)
     if (current != colourFormat) {
         if (pcd.PCDsetFormat(job.image, colourFormat) != PCD_OK)
             return PHOTOEXPORT_SHORT;
-        if (colourFormat == PCD_FORMAT_PAL8) {
-            PCDpalette* made = nullptr;
-            if (pcd.PCDcreatePalette(job.image, 256L, &made) != PCD_OK || !made)
-                return PHOTOEXPORT_SHORT;
-            PCDstatus applied = pcd.PCDsetPalette(job.image, (const PCDpalette*)made);
-            pcd.PCDfreePalette(made);
-            if (applied != PCD_OK)
-                return PHOTOEXPORT_SHORT;
-        }
+        if (colourFormat == PCD_FORMAT_PAL8 && !MakePalette(pcd, job.image))
+            return PHOTOEXPORT_SHORT;
     }
 
     long width = 0, height = 0;
@@ -190,7 +194,12 @@ unsigned short Describe(JOB& job, long colourFormat)
     if (pal8) {
         PCDpalette palette;
         memset(&palette, 0, sizeof palette);
-        if (pcd.PCDgetPalette(job.image, &palette) != PCD_OK || palette.count < 1 || palette.count > 256)
+        // An image already in the 8-bit format may have no palette yet: the
+        // library makes one only when it first reads the image.
+        if (pcd.PCDgetPalette(job.image, &palette) != PCD_OK &&
+            (!MakePalette(pcd, job.image) || pcd.PCDgetPalette(job.image, &palette) != PCD_OK))
+            return PHOTOEXPORT_SHORT;
+        if (palette.count < 1 || palette.count > 256)
             return PHOTOEXPORT_SHORT;
         info.paletteEntries = (uint16_t)palette.count;
         for (long i = 0; i < palette.count; ++i) {

@@ -2,12 +2,14 @@
 // (BMP also by the library's own DIB reader) and compared with the image the
 // stand-in access library (tests/dlls/PCDSTANDIN) hands out; the statuses of
 // bad arguments, missing plug-ins and entries, and a plug-in that misbehaves
-// on purpose (tests/dlls/rlphbad), each stopping at the first failure.
+// on purpose (tests/dlls/rlphbad), each stopping at the first failure; and a
+// real image pack through PCDLIB32.DLL.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <string>
 #include "../bitmaps/bmtest.h"
 #include "export_files.h"
+#include "pcdwriter.h"
 #include "photocd/photoexport.h"
 #include "rl132.h"
 #include "rltest.h"
@@ -15,6 +17,7 @@
 using bmt::Fill;
 using bmt::Load;
 using bmt::Rows;
+using bmt::Save;
 using exportfiles::BYTES;
 
 namespace {
@@ -196,6 +199,59 @@ TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
     PCDACCESS unloaded;
     PCDpkHdl pack = s.Open("2x2");
     EXPECT_EQ(PhotoExport(pack, "bmp", path.c_str(), rgb, unloaded), PHOTOEXPORT_BAD_ARGUMENTS);
+    // An image already in the 8-bit format but without a palette gets one.
+    ASSERT_EQ(s.pcd.PCDsetFormat(pack, pal), PCD_OK);
+    EXPECT_EQ(PhotoExport(pack, "bmp", path.c_str(), pal, s.pcd), PHOTOEXPORT_OK);
+    exportfiles::PICTURE p;
+    EXPECT_TRUE(exportfiles::ReadBmp(Load(path), p) && p.rgb == Expected(2, 2, pal)) << p.error;
     s.pcd.PCDclose(pack);
+    DeleteFileA(path.c_str());
+}
+
+// A real image pack (written by the tests' pack writer) read by PCDLIB32.DLL
+// and exported through each plug-in in both colour formats; the files must
+// hold exactly what the library hands out band by band.
+TEST(PhotoExportFiles, ImagePackThroughEachPlugin)
+{
+    const std::string pack = rltest::TempPath("rlp");
+    Save(pack, pcdwriter::ImagePack(pcdwriter::Pattern(768, 512, 3), 0));
+    const std::string path = rltest::TempPath("rlx");
+    PCDACCESS& pcd = PCDACCESS::Process();
+    ASSERT_EQ(pcd.Acquire(), 1);
+    for (const char* format : {"bmp", "pcx", "tif"})
+        for (long colours : {(long)PCD_FORMAT_RGB24, (long)PCD_FORMAT_PAL8}) {
+            SCOPED_TRACE(std::string(format) + " format " + std::to_string(colours));
+            PCDpkHdl image = nullptr;
+            ASSERT_EQ(pcd.PCDopen(pack.c_str(), &image), PCD_OK);
+            ASSERT_EQ(pcd.PCDsetResolution(image, (long)PCD_BASE_OVER_4), PCD_OK);
+            ASSERT_EQ(PhotoExport(image, format, path.c_str(), colours, pcd), PHOTOEXPORT_OK);
+
+            // What the library gives for the image as it now stands.
+            long w = 0, h = 0, bpp = colours == PCD_FORMAT_PAL8 ? 1 : 3;
+            ASSERT_EQ(pcd.PCDgetSize(image, &w, &h), PCD_OK);
+            ASSERT_TRUE(w == 384 && h == 256);
+            BYTES rows((size_t)w * h * bpp), want;
+            ASSERT_EQ(pcd.PCDgetBlock(image, 0L, h, rows.data(), w * bpp), PCD_OK);
+            PCDpalette palette = {};
+            if (bpp == 1) {
+                ASSERT_EQ(pcd.PCDgetPalette(image, &palette), PCD_OK);
+            }
+            for (size_t i = 0; i < (size_t)w * h; ++i) {
+                const unsigned char* p = bpp == 1 ? palette.entries[rows[i]] : &rows[3 * i];
+                want.insert(want.end(), {p[2], p[1], p[0]});
+            }
+            pcd.PCDclose(image);
+
+            exportfiles::PICTURE got;
+            BYTES file = Load(path);
+            bool read = format[0] == 'b' ? exportfiles::ReadBmp(file, got)
+                                         : format[0] == 'p' ? exportfiles::ReadPcx(file, got)
+                                                            : exportfiles::ReadTif(file, got);
+            ASSERT_TRUE(read) << got.error;
+            EXPECT_TRUE(got.width == w && got.height == h && got.bits == 8 * bpp);
+            EXPECT_TRUE(got.rgb == want);
+        }
+    pcd.Release();
+    DeleteFileA(pack.c_str());
     DeleteFileA(path.c_str());
 }
