@@ -191,6 +191,9 @@ unsigned short Describe(JOB& job, long colourFormat)
     info.pixelLayout = pal8 ? RLPH_PIXELS_INDEX : RLPH_PIXELS_BGR;
     // Rows as a DIB keeps them, 4-byte aligned.
     info.sourceRowBytes = ((unsigned long)width * (pal8 ? 1 : 3) + 3) & ~3ul;
+    // What a plug-in gets unless its startExport says otherwise (or it has none).
+    info.rowOrder = RLPH_ROWS_TOP_DOWN;
+    info.maxRowBytes = info.sourceRowBytes;
     if (pal8) {
         PCDpalette palette;
         memset(&palette, 0, sizeof palette);

@@ -26,6 +26,7 @@
 // and then read by the plug-in, which answers in its last two fields: the row
 // order it wants the source rows in, and the most bytes it makes of one source
 // row (the library's conversion buffer holds that many per row of a band).
+// Until a plug-in changes them they say top-down and sourceRowBytes.
 // The block stays valid, unchanged, until finishExport returns.
 //
 // Plain C types of fixed width only: the header is shared by the library, the
@@ -71,7 +72,7 @@ typedef struct RLPHFORMATINFO {
     uint16_t reserved0;
     uint8_t palette[256][3]; // red, green, blue; entries past paletteEntries are 0
     uint32_t dotsPerMetre;   // the image's resolution; 0 when unknown
-    // Set by the plug-in in startExport.
+    // Answered by the plug-in in startExport.
     uint16_t rowOrder;       // RLPH_ROWS_*
     uint16_t reserved1;
     uint32_t maxRowBytes;    // the most file bytes one source row can become
