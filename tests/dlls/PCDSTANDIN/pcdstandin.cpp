@@ -7,8 +7,7 @@
 // green 255 - i, red 3i. The environment variable PCDSTANDIN selects a
 // failure: "block-fails" (PCDgetBlock from the second call on), "palette-fails"
 // (PCDcreatePalette). Loads and unloads are counted in PCDSTANDIN_LOADS and
-// _UNLOADS; PCDSTANDIN_BLOCKS receives each PCDgetBlock's first row and count
-// as "first+count," pieces.
+// _UNLOADS.
 #include <windows.h>
 #include <cstdio>
 #include <cstdlib>
@@ -28,16 +27,6 @@ bool Mode(const char* name)
     char v[64];
     DWORD n = GetEnvironmentVariableA("PCDSTANDIN", v, sizeof v);
     return n > 0 && n < sizeof v && strcmp(v, name) == 0;
-}
-
-void Append(const char* name, const char* piece)
-{
-    char v[4096] = "";
-    DWORD n = GetEnvironmentVariableA(name, v, sizeof v);
-    if (n >= sizeof v)
-        v[0] = 0;
-    strncat(v, piece, sizeof v - strlen(v) - 1);
-    SetEnvironmentVariableA(name, v);
 }
 
 void Count(const char* name)
@@ -160,9 +149,6 @@ PCDstatus PCDAPI PCDgetBlock(PCDpkHdl pack, long first, long rows, unsigned char
     long bpp = pack->format == PCD_FORMAT_PAL8 ? 1 : 3;
     if (rowBytes < pack->width * bpp)
         return PCD_ERR_BAD_ARG;
-    char piece[32];
-    snprintf(piece, sizeof piece, "%ld+%ld,", first, rows);
-    Append("PCDSTANDIN_BLOCKS", piece);
     if (Mode("block-fails") && pack->blocks++ > 0)
         return PCD_ERR_READ;
     for (long r = 0; r < rows; ++r) {
