@@ -24,6 +24,7 @@
 #include "rl132/core/rlwin.h"
 #include "rl132/core/vexcept.h"
 #include "rl132/core/vpageout.h"
+#include "photocd/pcdaccess.h"
 #include "platform/outlib.h"
 #include "platform/leadlib.h"
 
@@ -92,8 +93,10 @@ extern OUTLIB pantoneLibrary;
 // needs it to the bridge's release (LEADBRIDGE::Release) or the library's
 // unloading. Owner: LEADBRIDGE (src/platform/leadlib.cpp).
 extern LEADBRIDGE imagingBridge;
-// To come with its feature: the Photo CD access library and its entry table
-// (held from the first volume to the last).
+// The Photo CD access library and its entry table: acquired by each volume
+// (and by whoever else needs the library, such as an export) and released by
+// it, so the library is held from the first user to the last.
+extern PCDACCESS pcdAccess;
 
 // ---------------------------------------------------------------- drawing
 // Owner: the device core (src/devices/vdevice_dc.cpp) and the screen device.
