@@ -45,15 +45,17 @@ int AppendArc(POLYLIST& list, GPOINT centre, unsigned char mask, std::int32_t ra
 // appending a join or cap is then one copy. Same polygons as AppendArc.
 class ARCCACHE {
 public:
-    ARCCACHE() : built_(0) {}
+    ARCCACHE();
     void Reset(std::int32_t radius, const std::int32_t circle[8]);
     int Append(POLYLIST& list, GPOINT centre, unsigned char mask);
 
 private:
     enum { kSlots = 13, kMaxPoints = 41 };
+    // Works out a slot's offsets; returns its count.
+    std::int32_t Build(int slot, unsigned char mask);
+
     ARCTABLE table_;
-    std::uint32_t built_;
-    std::uint8_t count_[kSlots];
+    std::int32_t count_[kSlots]; // -1 until built
     GPOINT off_[kSlots][kMaxPoints];
 };
 

@@ -47,6 +47,7 @@ void LINESTROKER::Init(const LINEPARAMS& params)
     arc_.Reset(st_.radius, st_.circle);
     cacheDx_ = cacheDy_ = cacheLen_ = 0; // never asked: a piece has a direction
     cacheOff_ = OFFSETS{0, 0, 0, 0};
+    cacheDiv_ = DIVIDER{0, 0};
     contourOpen_ = anyRun_ = inRun_ = startCapPending_ = false;
     first_ = runFrom_ = runEnd_ = startCapFrom_ = GPOINT{0, 0};
     prevEnd_ = prevLeft_ = prevRight_ = prevDir_ = GPOINT{0, 0};

@@ -100,17 +100,20 @@ private:
         if (dx != cacheDx_ || dy != cacheDy_) {
             cacheDx_ = dx;
             cacheDy_ = dy;
-            cacheOff_ = PerpOffsets(dx, dy, st_.width, &cacheLen_);
+            cacheOff_ = PerpOffsets(dx, dy, st_.width, &cacheLen_, &cacheDiv_);
         }
         return cacheOff_;
     }
-    // The rounded length of the direction Offsets was last asked about.
+    // The rounded length of the direction Offsets was last asked about, and a
+    // divider by it (d = 0 when PerpOffsets made none).
     std::int32_t OffsetsLength() const { return cacheLen_; }
+    const DIVIDER& OffsetsDivider() const { return cacheDiv_; }
 
     LINESTATE st_;
     ARCCACHE arc_;
     std::int32_t cacheDx_, cacheDy_, cacheLen_;
     OFFSETS cacheOff_;
+    DIVIDER cacheDiv_;
     POLYLIST list_;
     BLOCKLIST blocks_;
 
