@@ -55,7 +55,7 @@ int LINESTROKER::DottedLineSegment(const GPOINT* p)
         along.div = OffsetsDivider();
     } else {
         along.len = CalcDist(s, e);
-        along.div.d = 0;
+        along.div = DIVIDER{0, 0};
     }
     if (along.dx == 0 || along.dy == 0) {
         along.kind = ALONG::kAxis;
