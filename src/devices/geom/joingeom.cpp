@@ -240,6 +240,26 @@ bool MitreWithinLimit(GPOINT din, GPOINT dout)
 
 int AppendJoin(POLYLIST& list, GPOINT joint, GPOINT a, GPOINT b, GPOINT din, GPOINT dout, bool mitre)
 {
+    if (!mitre) {
+        // The bevel triangle, turned as AppendOriented would turn it: its
+        // shoelace sum is (a − joint) × (b − joint), and the two offsets below
+        // 2^15 keep that cross product in 32 bits.
+        std::int32_t ax = a.x - joint.x, ay = a.y - joint.y, bx = b.x - joint.x, by = b.y - joint.y;
+        if (Abs32(ax) < 0x8000 && Abs32(ay) < 0x8000 && Abs32(bx) < 0x8000 && Abs32(by) < 0x8000) {
+            GPOINT* w = list.Room(4);
+            if (!w)
+                return list.Close(kMinPolygon);
+            const GPOINT* open = list.OpenStart();
+            bool reverse = ax * by - ay * bx > 0;
+            GPOINT first = reverse ? b : joint, last = reverse ? joint : b;
+            POLYLIST::Put(w, open, first);
+            POLYLIST::Put(w, open, a);
+            POLYLIST::Put(w, open, last);
+            POLYLIST::Put(w, open, first);
+            list.Written(w);
+            return list.Close(kMinPolygon);
+        }
+    }
     GPOINT pts[4];
     int n = 0;
     pts[n++] = joint;

@@ -135,12 +135,26 @@ inline std::int32_t MulDivRound32(std::int32_t a, std::int32_t b, std::int32_t c
 // m = floor((2^32 − 1) / d) makes p·m / 2^32 fall short of p / d by less than
 // p·(d + 1) / (d · 2^32) <= 1 for p < 2^31, so the estimate is the quotient
 // or one below it, and the remainder tells which.
+// The multipliers of the short divisors, worked out at compile time: the
+// lengths of short pieces then cost no division at all.
+enum : std::uint32_t { kRecipTableSize = 256 };
+struct RECIPTABLE {
+    std::uint32_t m[kRecipTableSize];
+    constexpr RECIPTABLE() : m()
+    {
+        m[0] = 0;
+        for (std::uint32_t d = 1; d < kRecipTableSize; ++d)
+            m[d] = 0xFFFFFFFFu / d;
+    }
+};
+inline constexpr RECIPTABLE kRecipTable{};
+
 struct DIVIDER {
     std::uint32_t d, m;
     void Set(std::uint32_t divisor)
     {
         d = divisor;
-        m = 0xFFFFFFFFu / divisor;
+        m = divisor < kRecipTableSize ? kRecipTable.m[divisor] : 0xFFFFFFFFu / divisor;
     }
     std::uint32_t Div(std::uint32_t p) const
     {

@@ -162,11 +162,13 @@ int LINESTROKER::ThickLineSegment(const GPOINT* p, const OFFSETS& o)
     GPOINT q[4] = {Add(s, o.x1, o.y1), Add(s, -o.x2, -o.y2), Add(e, -o.x2, -o.y2), Add(e, o.x1, o.y1)};
     GPOINT dir = Sub(e, s);
     int polys = 0;
+    bool shared = false;
     if (st_.continuing && prevEnd_ == s) {
-        GPOINT shared[4] = {prevLeft_, prevRight_, q[2], q[3]};
-        if (ConvexNegative(shared)) {
+        GPOINT edge[4] = {prevLeft_, prevRight_, q[2], q[3]};
+        if (ConvexNegative(edge)) {
             q[0] = prevLeft_;
             q[1] = prevRight_;
+            shared = true;
         } else {
             // Too tight a turn for a shared edge: keep this piece's own edge
             // and close the outer side with a bevel.
@@ -180,9 +182,21 @@ int LINESTROKER::ThickLineSegment(const GPOINT* p, const OFFSETS& o)
     st_.continuing = 1;
     if (GPOINT* w = list_.Room(5)) {
         const GPOINT* open = list_.OpenStart();
-        for (int i = 0; i < 4; ++i)
-            POLYLIST::Put(w, open, q[i]);
-        POLYLIST::Put(w, open, q[0]);
+        if (!shared && w == open && s != e && q[0] != q[1]) {
+            // Nothing to drop: a new polygon keeps its first point; the ends
+            // differ, so consecutive corners on one side do; and the two
+            // corners at each end are apart by the same nonzero offset.
+            w[0] = q[0];
+            w[1] = q[1];
+            w[2] = q[2];
+            w[3] = q[3];
+            w[4] = q[0];
+            w += 5;
+        } else {
+            for (int i = 0; i < 4; ++i)
+                POLYLIST::Put(w, open, q[i]);
+            POLYLIST::Put(w, open, q[0]);
+        }
         list_.Written(w);
     }
     polys += list_.Close(kMinPolygon);
