@@ -23,11 +23,23 @@ struct ALONG {
     GPOINT s;
     std::int32_t dx, dy, len;
     DIVIDER div;
+    // kNarrow: |dx|, |dy| and half the length, for rounding half away from
+    // zero on the magnitudes.
+    std::uint32_t ax, ay, half;
 
+    void Prepare()
+    {
+        ax = (std::uint32_t)Abs32(dx);
+        ay = (std::uint32_t)Abs32(dy);
+        half = (std::uint32_t)len >> 1;
+    }
     GPOINT At(std::int32_t t) const
     {
-        if (kind == kNarrow)
-            return GPOINT{s.x + div.MulDivRound(dx, t), s.y + div.MulDivRound(dy, t)};
+        if (kind == kNarrow) {
+            std::int32_t x = (std::int32_t)div.Div(ax * (std::uint32_t)t + half);
+            std::int32_t y = (std::int32_t)div.Div(ay * (std::uint32_t)t + half);
+            return GPOINT{s.x + (dx < 0 ? -x : x), s.y + (dy < 0 ? -y : y)};
+        }
         if (kind == kAxis)
             return GPOINT{s.x + (dx > 0 ? t : dx < 0 ? -t : 0), s.y + (dy > 0 ? t : dy < 0 ? -t : 0)};
         return GPOINT{s.x + (std::int32_t)MulDivRound64(dx, t, len), s.y + (std::int32_t)MulDivRound64(dy, t, len)};
@@ -63,10 +75,12 @@ int LINESTROKER::DottedLineSegment(const GPOINT* p)
         along.kind = ALONG::kNarrow;
         if (!along.div.d)
             along.div.Set((std::uint32_t)along.len);
+        along.Prepare();
     } else {
         along.kind = ALONG::kWide;
     }
     const std::int32_t len = along.len;
+    const bool squareDash = st_.method == kMethodPolygons && !st_.roundCaps;
 
     int polys = 0;
     std::int32_t pos = 0;
@@ -82,10 +96,27 @@ int LINESTROKER::DottedLineSegment(const GPOINT* p)
         } else if (remaining > 0) {
             // A real gap: draw the stretch that ends here. A zero-length gap
             // does not cut the line.
-            if (runStart >= 0)
-                polys += EmitPiece(along.At(runStart), along.At(pos), o);
+            if (squareDash && runStart >= 0 && anyRun_ && !inRun_ && !st_.continuing) {
+                // A dash wholly inside the segment, after an earlier one of
+                // the contour: EmitPiece and EndRun would draw its own
+                // quadrilateral and nothing else, and leave the run closed.
+                GPOINT a = along.At(runStart), b = along.At(pos);
+                if (a != b) {
+                    GPOINT q[4] = {GPOINT{a.x + o.x1, a.y + o.y1}, GPOINT{a.x - o.x2, a.y - o.y2},
+                                   GPOINT{b.x - o.x2, b.y - o.y2}, GPOINT{b.x + o.x1, b.y + o.y1}};
+                    polys += AppendQuad(q, false);
+                    runFrom_ = a;
+                    runEnd_ = prevEnd_ = b;
+                    prevLeft_ = q[3];
+                    prevRight_ = q[2];
+                    prevDir_ = GPOINT{b.x - a.x, b.y - a.y};
+                }
+            } else {
+                if (runStart >= 0)
+                    polys += EmitPiece(along.At(runStart), along.At(pos), o);
+                polys += EndRun();
+            }
             runStart = -1;
-            polys += EndRun();
         }
         pos += remaining;
         index = index == 5 ? 0 : index + 1;

@@ -180,26 +180,8 @@ int LINESTROKER::ThickLineSegment(const GPOINT* p, const OFFSETS& o)
         }
     }
     st_.continuing = 1;
-    if (GPOINT* w = list_.Room(5)) {
-        const GPOINT* open = list_.OpenStart();
-        if (!shared && w == open && s != e && q[0] != q[1]) {
-            // Nothing to drop: a new polygon keeps its first point; the ends
-            // differ, so consecutive corners on one side do; and the two
-            // corners at each end are apart by the same nonzero offset.
-            w[0] = q[0];
-            w[1] = q[1];
-            w[2] = q[2];
-            w[3] = q[3];
-            w[4] = q[0];
-            w += 5;
-        } else {
-            for (int i = 0; i < 4; ++i)
-                POLYLIST::Put(w, open, q[i]);
-            POLYLIST::Put(w, open, q[0]);
-        }
-        list_.Written(w);
-    }
-    polys += list_.Close(kMinPolygon);
+    // A shared edge may repeat a corner; so may a piece of no length.
+    polys += AppendQuad(q, shared || s == e);
     prevEnd_ = e;
     prevLeft_ = q[3];
     prevRight_ = q[2];
