@@ -33,6 +33,8 @@ struct ALONG {
         ay = (std::uint32_t)Abs32(dy);
         half = (std::uint32_t)len >> 1;
     }
+    // The slanted short case inline, the others apart: the walk's inner loop
+    // stays small enough to keep in registers.
     GPOINT At(std::int32_t t) const
     {
         if (kind == kNarrow) {
@@ -40,6 +42,10 @@ struct ALONG {
             std::int32_t y = (std::int32_t)div.Div(ay * (std::uint32_t)t + half);
             return GPOINT{s.x + (dx < 0 ? -x : x), s.y + (dy < 0 ? -y : y)};
         }
+        return AtOther(t);
+    }
+    __attribute__((noinline)) GPOINT AtOther(std::int32_t t) const
+    {
         if (kind == kAxis)
             return GPOINT{s.x + (dx > 0 ? t : dx < 0 ? -t : 0), s.y + (dy > 0 ? t : dy < 0 ? -t : 0)};
         return GPOINT{s.x + (std::int32_t)MulDivRound64(dx, t, len), s.y + (std::int32_t)MulDivRound64(dy, t, len)};
