@@ -147,6 +147,21 @@ bool DetectCorner(GPOINT a, GPOINT b, GPOINT c, int fixed)
     std::int32_t dot = Add(Mul(ux, wx), Mul(uy, wy));
     std::int32_t lu = Add(Mul(ux, ux), Mul(uy, uy));
     std::int32_t lw = Add(Mul(wx, wx), Mul(wy, wy));
+    if (Abs(ux) < 0x4000 && Abs(uy) < 0x4000 && Abs(wx) < 0x4000 && Abs(wy) < 0x4000 && lu <= 10000 &&
+        lw <= 10000) {
+        // The common short legs, where nothing below wraps, without the root:
+        // the cosine is below -994 exactly when 1000 |dot| / len, truncated,
+        // passes 994, that is when len < L = 1000 |dot| / 995 + 1 (floored).
+        // The root is monotone and first reaches L at (L − 1)² + 3 (L − 1) / 2
+        // + 1 (it is the floor of the square root, plus one above that
+        // threshold within each square), so the product of the squares is
+        // compared with that instead.
+        std::int32_t product = lu * lw;
+        if (product == 0 || dot >= 0)
+            return true;
+        std::int32_t r = 1000 * -dot / 995;
+        return product >= r * r + 3 * r / 2 + 1;
+    }
     // |u| |w| as one root while the product of the squares fits (both at most
     // 10,000, so at most 10^8); otherwise as the product of two roots, plus one
     // so that the rounding of the two roots cannot push the cosine past 1000.
