@@ -20,7 +20,8 @@ namespace rlstroke {
 // bit i for octant i, octant i spanning 45·i to 45·(i + 1) degrees
 // anticlockwise on the screen from the +x axis. The mask covers the half disc
 // ahead of the direction, widened by an octant for slanted directions; a
-// direction shorter than 3 pixels on both axes takes the whole circle.
+// direction shorter than 3 pixels on both axes takes the whole circle. a and b
+// are clamped points (linemath.h), so b − a fits 32 bits.
 unsigned char CalcCircleSegments(GPOINT a, GPOINT b);
 
 // One circle point: step k (0 .. 31) of 11.25 degrees around the centre.
