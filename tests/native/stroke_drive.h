@@ -19,14 +19,18 @@ inline unsigned StrokePolyline(LINESTROKER& s, const GPOINT* p, int n, bool clos
     if (n < 1)
         return 0;
     int edges = closed ? n : n - 1;
-    for (int i = 0; i < edges; ++i) {
-        GPOINT seg[2] = {p[i], p[(i + 1) % n]};
+    // Indices wrap by comparison: a division per point would weigh on the
+    // benchmark that times this loop.
+    for (int i = 0, i1 = n > 1 ? 1 : 0, i2 = n > 2 ? 2 : 0; i < edges; ++i) {
+        GPOINT seg[2] = {p[i], p[i1]};
         sum += (unsigned)s.Segment(seg);
         bool joint = closed || i + 2 < n;
         if (corners && joint && n > 1) {
-            GPOINT c[4] = {p[i], p[(i + 1) % n], p[(i + 2) % n], p[(i + 1) % n]};
+            GPOINT c[3] = {p[i], p[i1], p[i2]};
             sum += (unsigned)s.CornerSegment(c);
         }
+        i1 = i2;
+        i2 = i2 + 1 < n ? i2 + 1 : 0;
     }
     GPOINT last = closed ? p[0] : p[n - 1];
     GPOINT rep[2] = {last, last};

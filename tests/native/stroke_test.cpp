@@ -51,6 +51,25 @@ TEST(NativeStroke, SquareRootIsTheLibrarys)
     }
 }
 
+// The divider by multiplication against the plain quotient: every divisor of
+// the table and beyond, dividends at both ends of the range it serves.
+TEST(NativeStroke, DividerIsExact)
+{
+    Rng rng(4);
+    for (std::uint32_t d = 1; d < 70000; d += d < 600 ? 1 : 1 + rng.Below(97)) {
+        DIVIDER div;
+        div.Set(d);
+        for (int k = 0; k < 40; ++k) {
+            std::uint32_t p = k < 10 ? (std::uint32_t)k * d + d - 1 - (k & 1) : k < 20 ? 0x7FFFFFFFu - (std::uint32_t)k : rng.U32() >> (1 + rng.Below(31));
+            ASSERT_EQ(p / d, div.Div(p)) << p << " / " << d;
+            std::int32_t a = (std::int32_t)(rng.Below(0x8000)) * (rng.Chance(2) ? -1 : 1), b = (std::int32_t)rng.Below(0x10000);
+            if ((std::int64_t)(a < 0 ? -a : a) * b + d / 2 < 0x80000000ll && d < 0x10000) {
+                ASSERT_EQ(MulDivRound32(a, b, (std::int32_t)d), div.MulDivRound(a, b)) << a << " " << b << " " << d;
+            }
+        }
+    }
+}
+
 TEST(NativeStroke, InitRows)
 {
     struct Row {
@@ -616,8 +635,11 @@ std::uint64_t OutputHash(const LINESTROKER& st)
 }
 
 // The benchmark's polyline in every form it is timed in, plus a walk with
-// long and extreme steps, gives the same output, point for point, as the
-// outline code did before its hot paths were tuned for speed.
+// long and extreme steps and a walk of short steps without corner calls
+// (pieces sharing edges, as along a flattened curve), gives the same output,
+// point for point, as the outline code did before its hot paths were tuned for
+// speed. The third column once caught a quadrilateral written without its
+// duplicate check where a shared edge met a piece's own end.
 TEST(NativeStroke, BenchOutlinesArePinned)
 {
     std::vector<GPOINT> pts;
@@ -628,21 +650,28 @@ TEST(NativeStroke, BenchOutlinesArePinned)
         std::int32_t x = (std::int32_t)rng.Edgy(), y = (std::int32_t)rng.Edgy();
         wild.push_back(rng.Chance(2) ? GPOINT{x % 70000, y % 70000} : GPOINT{x, y});
     }
+    std::vector<GPOINT> fine;
+    Rng steps(9);
+    for (std::int32_t i = 0, x = 0, y = 0; i < 3000; ++i) {
+        x += (std::int32_t)steps.Below(21) - 10;
+        y += (std::int32_t)steps.Below(21) - 10;
+        fine.push_back(GPOINT{x, y});
+    }
     struct Case {
         int lineType, corner, dash;
         std::int32_t width;
         std::uint32_t rgb;
-        std::uint64_t bench, wild;
+        std::uint64_t bench, wild, fine;
     } cases[] = {
-        {1, 2, 0, 1, 0x000000, 0x323B3B36AEDCFAFBull, 0x218B4C93FA107209ull},
-        {1, 2, 0, 3, 0x000000, 0x323B3B36AEDCFAFBull, 0x218B4C93FA107209ull},
-        {1, 2, 0, 3, 0x808080, 0xCB124BE853918659ull, 0xEF60B0DC1332C7AFull},
-        {1, 0, 0, 12, 0x000000, 0x266A8F93BC24CE70ull, 0xA22D6C3F850EEE65ull},
-        {1, 1, 1, 12, 0x000000, 0x6AA5F5A89E8625C9ull, 0xA5C900812A12CCB2ull},
-        {4, 0, 0, 12, 0x000000, 0xA66C07A0114E4D2Aull, 0x7F08B1DCDD741983ull},
-        {4, 2, 1, 12, 0x000000, 0x2AF5374058D54507ull, 0xCEBAF2E3FD21CCA1ull},
-        {4, 1, 0, 7, 0x000000, 0x42037E55F00A80D7ull, 0xD6663EE60AB6B31Dull},
-        {2, 1, 1, 31, 0x000000, 0x5BE612768793994Full, 0x4502B4FB85279901ull},
+        {1, 2, 0, 1, 0x000000, 0x323B3B36AEDCFAFBull, 0x218B4C93FA107209ull, 0x166A81FDAD978707ull},
+        {1, 2, 0, 3, 0x000000, 0x323B3B36AEDCFAFBull, 0x218B4C93FA107209ull, 0x166A81FDAD978707ull},
+        {1, 2, 0, 3, 0x808080, 0xCB124BE853918659ull, 0xEF60B0DC1332C7AFull, 0xCFEA28B75BB9AB7Aull},
+        {1, 0, 0, 12, 0x000000, 0x266A8F93BC24CE70ull, 0xA22D6C3F850EEE65ull, 0x19ACBB1FB815AB03ull},
+        {1, 1, 1, 12, 0x000000, 0x6AA5F5A89E8625C9ull, 0xA5C900812A12CCB2ull, 0x75D77D447B93C2DBull},
+        {4, 0, 0, 12, 0x000000, 0xA66C07A0114E4D2Aull, 0x7F08B1DCDD741983ull, 0x3AA3B109F010A047ull},
+        {4, 2, 1, 12, 0x000000, 0x2AF5374058D54507ull, 0xCEBAF2E3FD21CCA1ull, 0x3DF13142BB8AB959ull},
+        {4, 1, 0, 7, 0x000000, 0x42037E55F00A80D7ull, 0xD6663EE60AB6B31Dull, 0xEA7F535FB93C619Aull},
+        {2, 1, 1, 31, 0x000000, 0x5BE612768793994Full, 0x4502B4FB85279901ull, 0xACED4ECECDAAD80Aull},
     };
     LINESTROKER st;
     for (const Case& c : cases) {
@@ -656,8 +685,12 @@ TEST(NativeStroke, BenchOutlinesArePinned)
         st.Init(p);
         StrokePolyline(st, wild.data(), (int)wild.size(), true);
         std::uint64_t hw = OutputHash(st);
+        st.Init(p);
+        StrokePolyline(st, fine.data(), (int)fine.size(), false, false);
+        std::uint64_t hf = OutputHash(st);
         EXPECT_EQ(hb, c.bench) << c.lineType << " " << c.width;
         EXPECT_EQ(hw, c.wild) << c.lineType << " " << c.width;
+        EXPECT_EQ(hf, c.fine) << c.lineType << " " << c.width;
     }
 }
 

@@ -12,6 +12,26 @@ const std::int32_t kMinPolygon = 4;
 // Twice the signed area, in device coordinates; negative is the outline's turn.
 std::int64_t Shoelace(const GPOINT* p, int n)
 {
+    // The sum does not change when every point moves by the same amount. Taken
+    // from the first point, the joins and caps span a width or so: below 2^14
+    // every product stays below 2^28, and the sum of a few of them in 32 bits.
+    if (n <= 4) {
+        std::int32_t x0 = p[0].x, y0 = p[0].y;
+        std::int32_t dx[4], dy[4];
+        bool small = true;
+        for (int i = 0; i < n; ++i) {
+            dx[i] = p[i].x - x0;
+            dy[i] = p[i].y - y0;
+            small = small && Abs32(dx[i]) < 0x4000 && Abs32(dy[i]) < 0x4000;
+        }
+        if (small) {
+            // The terms with the first point vanish: it is the origin now.
+            std::int32_t sum = 0;
+            for (int i = 1; i + 1 < n; ++i)
+                sum += dx[i] * dy[i + 1] - dx[i + 1] * dy[i];
+            return sum;
+        }
+    }
     std::int64_t sum = 0;
     for (int i = 0; i < n; ++i) {
         const GPOINT& a = p[i];
@@ -31,8 +51,9 @@ std::int64_t Dist2(GPOINT a, GPOINT b)
 
 unsigned char CalcCircleSegments(GPOINT a, GPOINT b)
 {
-    std::int64_t dx = (std::int64_t)b.x - a.x, dy = (std::int64_t)b.y - a.y;
-    std::int64_t ax = dx < 0 ? -dx : dx, ay = dy < 0 ? -dy : dy;
+    // Clamped points (linemath.h): the differences fit 32 bits.
+    std::int32_t dx = b.x - a.x, dy = b.y - a.y;
+    std::int32_t ax = Abs32(dx), ay = Abs32(dy);
     if (ax < 3 && ay < 3)
         return 0xFF;
     // Octants count anticlockwise on the screen, where y grows downward: a
@@ -118,63 +139,70 @@ int AppendArc(POLYLIST& list, GPOINT centre, unsigned char mask, std::int32_t ra
 namespace {
 
 // The slot of each mask CalcCircleSegments gives, or -1.
-int ArcSlot(unsigned char mask)
-{
-    switch (mask) {
-    case 0xFF: return 0;
-    case 0x0F: return 1;
-    case 0xF0: return 2;
-    case 0x3C: return 3;
-    case 0xC3: return 4;
-    case 0x3E: return 5;
-    case 0x1F: return 6;
-    case 0x7C: return 7;
-    case 0xF8: return 8;
-    case 0xC7: return 9;
-    case 0x8F: return 10;
-    case 0xE3: return 11;
-    case 0xF1: return 12;
-    default: return -1;
+struct ARCSLOTS {
+    signed char slot[256];
+    constexpr ARCSLOTS() : slot()
+    {
+        const unsigned char masks[13] = {0xFF, 0x0F, 0xF0, 0x3C, 0xC3, 0x3E, 0x1F, 0x7C, 0xF8, 0xC7, 0x8F, 0xE3, 0xF1};
+        for (int m = 0; m < 256; ++m)
+            slot[m] = -1;
+        for (int i = 0; i < 13; ++i)
+            slot[masks[i]] = (signed char)i;
     }
-}
+};
+constexpr ARCSLOTS kArcSlots{};
 
 } // namespace
+
+ARCCACHE::ARCCACHE()
+{
+    for (int i = 0; i < kSlots; ++i)
+        count_[i] = -1;
+}
 
 void ARCCACHE::Reset(std::int32_t radius, const std::int32_t circle[8])
 {
     BuildArcTable(radius, circle, &table_);
-    built_ = 0;
+    for (int i = 0; i < kSlots; ++i)
+        count_[i] = -1;
+}
+
+std::int32_t ARCCACHE::Build(int slot, unsigned char mask)
+{
+    // Duplicates depend on the offsets only, so the polygon around (0, 0)
+    // drops the same points as it would around any centre.
+    POLYLIST scratch;
+    AppendArc(scratch, GPOINT{0, 0}, mask, table_);
+    std::int32_t n = scratch.NumPolys() ? scratch.Counts()[0] : 0;
+    for (std::int32_t i = 0; i < n; ++i)
+        off_[slot][i] = scratch.Points()[i];
+    // Out of memory, the slot is tried again next time.
+    if (!scratch.Failed())
+        count_[slot] = n;
+    return n;
 }
 
 int ARCCACHE::Append(POLYLIST& list, GPOINT centre, unsigned char mask)
 {
-    int slot = ArcSlot(mask);
+    int slot = kArcSlots.slot[mask];
     if (slot < 0)
         return AppendArc(list, centre, mask, table_);
-    if (!(built_ & (1u << slot))) {
-        // Duplicates depend on the offsets only, so the polygon around (0, 0)
-        // drops the same points as it would around any centre.
-        POLYLIST scratch;
-        AppendArc(scratch, GPOINT{0, 0}, mask, table_);
-        std::int32_t n = scratch.NumPolys() ? scratch.Counts()[0] : 0;
-        for (std::int32_t i = 0; i < n; ++i)
-            off_[slot][i] = scratch.Points()[i];
-        count_[slot] = (std::uint8_t)n;
-        if (!scratch.Failed())
-            built_ |= 1u << slot;
-    }
     std::int32_t n = count_[slot];
+    if (n < 0)
+        n = Build(slot, mask);
     GPOINT* w = list.Room(n);
     if (!w || n == 0)
         return 0;
-    // Locals, so the stores into the list need not reload the table.
-    const GPOINT* from = off_[slot];
+    // One index running up to 0 over both arrays, and the centre in locals:
+    // few enough live values for the registers of a 32-bit processor.
+    const GPOINT* fromEnd = off_[slot] + n;
+    GPOINT* toEnd = w + n;
     const std::int32_t cx = centre.x, cy = centre.y;
-    for (std::int32_t i = 0; i < n; ++i) {
-        GPOINT o = from[i];
-        w[i] = GPOINT{cx + o.x, cy + o.y};
+    for (std::int32_t i = -n; i != 0; ++i) {
+        toEnd[i].x = cx + fromEnd[i].x;
+        toEnd[i].y = cy + fromEnd[i].y;
     }
-    list.Written(w + n);
+    list.Written(toEnd);
     return list.Close(kMinPolygon);
 }
 
@@ -212,6 +240,26 @@ bool MitreWithinLimit(GPOINT din, GPOINT dout)
 
 int AppendJoin(POLYLIST& list, GPOINT joint, GPOINT a, GPOINT b, GPOINT din, GPOINT dout, bool mitre)
 {
+    if (!mitre) {
+        // The bevel triangle, turned as AppendOriented would turn it: its
+        // shoelace sum is (a − joint) × (b − joint), and the two offsets below
+        // 2^15 keep that cross product in 32 bits.
+        std::int32_t ax = a.x - joint.x, ay = a.y - joint.y, bx = b.x - joint.x, by = b.y - joint.y;
+        if (Abs32(ax) < 0x8000 && Abs32(ay) < 0x8000 && Abs32(bx) < 0x8000 && Abs32(by) < 0x8000) {
+            GPOINT* w = list.Room(4);
+            if (!w)
+                return list.Close(kMinPolygon);
+            const GPOINT* open = list.OpenStart();
+            bool reverse = ax * by - ay * bx > 0;
+            GPOINT first = reverse ? b : joint, last = reverse ? joint : b;
+            POLYLIST::Put(w, open, first);
+            POLYLIST::Put(w, open, a);
+            POLYLIST::Put(w, open, last);
+            POLYLIST::Put(w, open, first);
+            list.Written(w);
+            return list.Close(kMinPolygon);
+        }
+    }
     GPOINT pts[4];
     int n = 0;
     pts[n++] = joint;

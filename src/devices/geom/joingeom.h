@@ -20,7 +20,8 @@ namespace rlstroke {
 // bit i for octant i, octant i spanning 45·i to 45·(i + 1) degrees
 // anticlockwise on the screen from the +x axis. The mask covers the half disc
 // ahead of the direction, widened by an octant for slanted directions; a
-// direction shorter than 3 pixels on both axes takes the whole circle.
+// direction shorter than 3 pixels on both axes takes the whole circle. a and b
+// are clamped points (linemath.h), so b − a fits 32 bits.
 unsigned char CalcCircleSegments(GPOINT a, GPOINT b);
 
 // One circle point: step k (0 .. 31) of 11.25 degrees around the centre.
@@ -45,15 +46,17 @@ int AppendArc(POLYLIST& list, GPOINT centre, unsigned char mask, std::int32_t ra
 // appending a join or cap is then one copy. Same polygons as AppendArc.
 class ARCCACHE {
 public:
-    ARCCACHE() : built_(0) {}
+    ARCCACHE();
     void Reset(std::int32_t radius, const std::int32_t circle[8]);
     int Append(POLYLIST& list, GPOINT centre, unsigned char mask);
 
 private:
     enum { kSlots = 13, kMaxPoints = 41 };
+    // Works out a slot's offsets; returns its count.
+    std::int32_t Build(int slot, unsigned char mask);
+
     ARCTABLE table_;
-    std::uint32_t built_;
-    std::uint8_t count_[kSlots];
+    std::int32_t count_[kSlots]; // -1 until built
     GPOINT off_[kSlots][kMaxPoints];
 };
 

@@ -47,6 +47,7 @@ void LINESTROKER::Init(const LINEPARAMS& params)
     arc_.Reset(st_.radius, st_.circle);
     cacheDx_ = cacheDy_ = cacheLen_ = 0; // never asked: a piece has a direction
     cacheOff_ = OFFSETS{0, 0, 0, 0};
+    cacheDiv_ = DIVIDER{0, 0};
     contourOpen_ = anyRun_ = inRun_ = startCapPending_ = false;
     first_ = runFrom_ = runEnd_ = startCapFrom_ = GPOINT{0, 0};
     prevEnd_ = prevLeft_ = prevRight_ = prevDir_ = GPOINT{0, 0};
@@ -161,11 +162,13 @@ int LINESTROKER::ThickLineSegment(const GPOINT* p, const OFFSETS& o)
     GPOINT q[4] = {Add(s, o.x1, o.y1), Add(s, -o.x2, -o.y2), Add(e, -o.x2, -o.y2), Add(e, o.x1, o.y1)};
     GPOINT dir = Sub(e, s);
     int polys = 0;
+    bool shared = false;
     if (st_.continuing && prevEnd_ == s) {
-        GPOINT shared[4] = {prevLeft_, prevRight_, q[2], q[3]};
-        if (ConvexNegative(shared)) {
+        GPOINT edge[4] = {prevLeft_, prevRight_, q[2], q[3]};
+        if (ConvexNegative(edge)) {
             q[0] = prevLeft_;
             q[1] = prevRight_;
+            shared = true;
         } else {
             // Too tight a turn for a shared edge: keep this piece's own edge
             // and close the outer side with a bevel.
@@ -177,14 +180,8 @@ int LINESTROKER::ThickLineSegment(const GPOINT* p, const OFFSETS& o)
         }
     }
     st_.continuing = 1;
-    if (GPOINT* w = list_.Room(5)) {
-        const GPOINT* open = list_.OpenStart();
-        for (int i = 0; i < 4; ++i)
-            POLYLIST::Put(w, open, q[i]);
-        POLYLIST::Put(w, open, q[0]);
-        list_.Written(w);
-    }
-    polys += list_.Close(kMinPolygon);
+    // A shared edge may repeat a corner; so may a piece of no length.
+    polys += AppendQuad(q, shared || s == e);
     prevEnd_ = e;
     prevLeft_ = q[3];
     prevRight_ = q[2];

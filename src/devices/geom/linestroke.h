@@ -77,6 +77,33 @@ public:
     // flag is set. Returns the polygons added.
     int ThickLineSegment(const GPOINT* p, const OFFSETS& o);
 
+    // A wide piece's own quadrilateral q0 → q3 and the closing q0, as one
+    // polygon. Returns the polygons stored (0 or 1).
+    int AppendQuad(const GPOINT q[4], bool mayRepeat)
+    {
+        GPOINT* w = list_.Room(5);
+        if (w) {
+            const GPOINT* open = list_.OpenStart();
+            if (!mayRepeat && w == open && q[0] != q[1]) {
+                // Nothing to drop: a new polygon keeps its first point; the
+                // ends differ, so consecutive corners on one side do; and the
+                // two corners at each end are apart by the same nonzero offset.
+                w[0] = q[0];
+                w[1] = q[1];
+                w[2] = q[2];
+                w[3] = q[3];
+                w[4] = q[0];
+                w += 5;
+            } else {
+                for (int i = 0; i < 4; ++i)
+                    POLYLIST::Put(w, open, q[i]);
+                POLYLIST::Put(w, open, q[0]);
+            }
+            list_.Written(w);
+        }
+        return list_.Close(4);
+    }
+
     const POLYLIST& List() const { return list_; }
     const BLOCKLIST& Blocks() const { return blocks_; }
     bool HasLastPixel() const { return hasLastPixel_; }
@@ -100,17 +127,20 @@ private:
         if (dx != cacheDx_ || dy != cacheDy_) {
             cacheDx_ = dx;
             cacheDy_ = dy;
-            cacheOff_ = PerpOffsets(dx, dy, st_.width, &cacheLen_);
+            cacheOff_ = PerpOffsets(dx, dy, st_.width, &cacheLen_, &cacheDiv_);
         }
         return cacheOff_;
     }
-    // The rounded length of the direction Offsets was last asked about.
+    // The rounded length of the direction Offsets was last asked about, and a
+    // divider by it (d = 0 when PerpOffsets made none).
     std::int32_t OffsetsLength() const { return cacheLen_; }
+    const DIVIDER& OffsetsDivider() const { return cacheDiv_; }
 
     LINESTATE st_;
     ARCCACHE arc_;
     std::int32_t cacheDx_, cacheDy_, cacheLen_;
     OFFSETS cacheOff_;
+    DIVIDER cacheDiv_;
     POLYLIST list_;
     BLOCKLIST blocks_;
 

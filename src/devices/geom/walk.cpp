@@ -6,6 +6,7 @@
 // are arithmetic (toward minus infinity); divisions truncate toward zero.
 #include "devices/geom/walk.h"
 #include "devices/devmath.h"
+#include "devices/geom/linemath.h"
 
 namespace rlgeom {
 
@@ -53,6 +54,10 @@ inline GPOINT ToPixels(GPOINT p)
 
 // The below-2 test of the straightness check: a vector component counts as
 // small when its low 16 bits, read as a signed value, lie within -1..1.
+// vINT::Sqrt of a 32-bit value (0 for one not positive), the short roots from
+// the table.
+inline std::int32_t Root(std::int32_t v) { return v <= 0 ? 0 : (std::int32_t)rlstroke::IntSqrt32((std::uint32_t)v); }
+
 inline bool Small(std::int32_t v) { std::int32_t s = Low16(v); return s > -2 && s < 2; }
 
 // How deep the halving may go however the counter runs. A curve whose 20.12
@@ -142,14 +147,29 @@ bool DetectCorner(GPOINT a, GPOINT b, GPOINT c, int fixed)
     std::int32_t dot = Add(Mul(ux, wx), Mul(uy, wy));
     std::int32_t lu = Add(Mul(ux, ux), Mul(uy, uy));
     std::int32_t lw = Add(Mul(wx, wx), Mul(wy, wy));
+    if (Abs(ux) < 0x4000 && Abs(uy) < 0x4000 && Abs(wx) < 0x4000 && Abs(wy) < 0x4000 && lu <= 10000 &&
+        lw <= 10000) {
+        // The common short legs, where nothing below wraps, without the root:
+        // the cosine is below -994 exactly when 1000 |dot| / len, truncated,
+        // passes 994, that is when len < L = 1000 |dot| / 995 + 1 (floored).
+        // The root is monotone and first reaches L at (L − 1)² + 3 (L − 1) / 2
+        // + 1 (it is the floor of the square root, plus one above that
+        // threshold within each square), so the product of the squares is
+        // compared with that instead.
+        std::int32_t product = lu * lw;
+        if (product == 0 || dot >= 0)
+            return true;
+        std::int32_t r = 1000 * -dot / 995;
+        return product >= r * r + 3 * r / 2 + 1;
+    }
     // |u| |w| as one root while the product of the squares fits (both at most
     // 10,000, so at most 10^8); otherwise as the product of two roots, plus one
     // so that the rounding of the two roots cannot push the cosine past 1000.
     std::int32_t len;
     if (lu > 10000 || lw > 10000)
-        len = Add(Mul((std::int32_t)vINT((long)lu).Sqrt()(), (std::int32_t)vINT((long)lw).Sqrt()()), 1);
+        len = Add(Mul(Root(lu), Root(lw)), 1);
     else
-        len = (std::int32_t)vINT((long)Mul(lu, lw)).Sqrt()();
+        len = Root(Mul(lu, lw));
     // The cosine of the angle between u and w in thousandths; a zero length (a
     // neighbour on the joint) leaves it 0, which counts as a corner. dot * 1000
     // is a 32-bit product like the others: for legs beyond about 1,460 pixels
