@@ -3,5 +3,6 @@
 #define RL132_METAFILES_H
 
 #include "rl132/core/rldefs.h"
+#include "rl132/metafiles/vmetafile.h"
 
 #endif

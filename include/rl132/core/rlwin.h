@@ -68,6 +68,10 @@ struct tagLOGFONTA;
 typedef struct tagLOGFONTA LOGFONTA;
 struct tagTEXTMETRICA;
 typedef struct tagTEXTMETRICA TEXTMETRICA;
+struct tagMETARECORD;
+typedef struct tagMETARECORD METARECORD;
+struct tagHANDLETABLE;
+typedef struct tagHANDLETABLE HANDLETABLE;
 struct IStream;
 
 #endif
