@@ -534,4 +534,33 @@ void ReorientArc(std::uint16_t* params, int orientation)
     }
 }
 
+// ---------------------------------------------------------------- native pages
+
+std::int32_t MulDiv(std::int32_t a, std::int32_t b, std::int32_t c)
+{
+    if (c == 0)
+        return -1;
+    std::int64_t n = (std::int64_t)a * b;
+    std::int64_t d = c;
+    // Round the magnitude, then give the quotient its sign.
+    bool negative = (n < 0) != (d < 0);
+    std::uint64_t un = n < 0 ? 0 - (std::uint64_t)n : (std::uint64_t)n;
+    std::uint64_t ud = d < 0 ? 0 - (std::uint64_t)d : (std::uint64_t)d;
+    std::uint64_t q = (un + ud / 2) / ud;
+    if (q > (negative ? 0x80000000ull : 0x7FFFFFFFull))
+        return -1;
+    return negative ? (std::int32_t)(0 - q) : (std::int32_t)q;
+}
+
+void PreserveAspect(std::int32_t w, std::int32_t h, short* pageX, short* pageY)
+{
+    if (w == 0 || h == 0)
+        return;
+    std::int32_t t = MulDiv(*pageX, h, w);
+    if (*pageY < t)
+        *pageX = (short)MulDiv(*pageY, w, h);
+    else
+        *pageY = (short)t;
+}
+
 } // namespace rlwmf

@@ -232,6 +232,16 @@ void ReorientRect(std::uint16_t* words, int orientation);
 // flipped (orientation 1 or 5).
 void ReorientArc(std::uint16_t* params, int orientation);
 
+// ---------------------------------------------------------------- native pages
+
+// The system's MulDiv: a × b / c rounded half away from zero, -1 when c is 0
+// or the result does not fit 32 bits.
+std::int32_t MulDiv(std::int32_t a, std::int32_t b, std::int32_t c);
+// Shrinks the page (*pageX, *pageY) to the aspect of a w × h picture: when
+// both are non-zero, t = MulDiv(pageX, h, w); a page lower than t gets
+// pageX = MulDiv(pageY, w, h), any other gets pageY = t.
+void PreserveAspect(std::int32_t w, std::int32_t h, short* pageX, short* pageY);
+
 } // namespace rlwmf
 
 #endif

@@ -263,3 +263,29 @@ TEST(NativeWmfGuard, DamagedMetafilesStayInBounds)
         ASSERT_TRUE(wmffuzz::Run(exact.p, d.size())) << rlnative::LastFailure() << " in round " << round;
     }
 }
+
+TEST(NativeWmfGuard, PageAspect)
+{
+    struct Case {
+        std::int32_t w, h;
+        short x, y;
+    } cases[] = {
+        {1000, 500, 21000, 10500},    // wider than A4: the height shrinks
+        {500, 1000, 14850, 29700},    // taller: the width shrinks
+        {0, 500, 21000, 29700},       // no width: the page stays
+        {1000, 0, 21000, 29700},
+        {-1000, -500, 21000, 10500},  // signs cancel
+        {3, 7, 12729, 29700},         // 29700 * 3 / 7 = 12728.57 rounds up
+    };
+    for (const Case& c : cases) {
+        short x = 21000, y = 29700;
+        PreserveAspect(c.w, c.h, &x, &y);
+        EXPECT_EQ(c.x, x) << c.w << " x " << c.h;
+        EXPECT_EQ(c.y, y) << c.w << " x " << c.h;
+    }
+    EXPECT_EQ(3, MulDiv(5, 3, 5));
+    EXPECT_EQ(-2, MulDiv(-3, 1, 2));   // -1.5 rounds away from zero
+    EXPECT_EQ(2, MulDiv(3, 1, 2));
+    EXPECT_EQ(-1, MulDiv(1, 1, 0));
+    EXPECT_EQ(-1, MulDiv(0x7FFFFFFF, 2, 1));
+}
