@@ -215,3 +215,160 @@ TEST(WmfPlay, CorpusMatchesTheSystemPlayer)
     // poi/empty-polygon-close (white on white).
     EXPECT_EQ(2 * 40, drawn);
 }
+
+namespace {
+
+const COLORREF kRed = RGB(255, 0, 0);
+
+// Window 100 x 100 (or as given), a red brush (object 0) and a pen (object
+// 1): null, or solid black when `outline`.
+Wmf Base(int windowX = 100, int windowY = 100, bool outline = false, std::uint16_t headerWords = 9)
+{
+    Wmf w;
+    w.Placeable(0, 0, 100, 100, 96).Header(2, 1, headerWords);
+    w.Rec(fnSetWindowOrg, {0, 0}).Rec(fnSetWindowExt, {S(windowY), S(windowX)});
+    w.Rec(fnCreateBrushIndirect, {0, 0x00FF, 0, 0}).Rec(fnSelectObject, {0});
+    w.Rec(fnCreatePenIndirect, {(std::uint16_t)(outline ? 0 : 5), 1, 0, 0, 0}).Rec(fnSelectObject, {1});
+    return w;
+}
+
+// The same set-up on the oracle with plain GDI.
+void BaseState(HDC dc, const RECT& area, int windowX = 100, int windowY = 100, bool outline = false)
+{
+    StartState(dc, area);
+    SetWindowOrgEx(dc, 0, 0, nullptr);
+    SetWindowExtEx(dc, windowX, windowY, nullptr);
+    SelectObject(dc, CreateSolidBrush(kRed));
+    SelectObject(dc, outline ? GetStockObject(BLACK_PEN) : GetStockObject(NULL_PEN));
+}
+
+void Release(HDC dc)
+{
+    DeleteObject(SelectObject(dc, GetStockObject(WHITE_BRUSH)));
+}
+
+// Record parameters of a figure in a rectangle: bottom, right, top, left.
+std::vector<std::uint16_t> Box(int l, int t, int r, int b) { return {S(b), S(r), S(t), S(l)}; }
+// An arc-kind record: end point, start point (each y, x), then the box.
+// The box is (10, 10)-(90, 90), its y negated for a window with y upwards.
+std::vector<std::uint16_t> Arc(int sx, int sy, int ex, int ey, int ySign = 1)
+{
+    std::vector<std::uint16_t> p = {S(ey), S(ex), S(sy), S(sx)}, box = Box(10, 10 * ySign, 90, 90 * ySign);
+    p.insert(p.end(), box.begin(), box.end());
+    return p;
+}
+
+const RECT kUp = {8, 8, 152, 152}, kFlipY = {8, 152, 152, 8}, kFlipX = {152, 8, 8, 152}, kFlipBoth = {152, 152, 8, 8};
+
+} // namespace
+
+// Generated metafiles for each of the filter's cases, each against plain GDI
+// drawing of the picture it must give.
+TEST(WmfPlay, FilterCasesAgainstPlainDrawing)
+{
+    struct Case {
+        const char* name;
+        Bytes file;
+        RECT area;
+        int result;   // Draw's result, -1 for a refused metafile
+        void (*expect)(HDC dc, const RECT& area);
+    };
+    auto rect = [](HDC dc, const RECT& a) { BaseState(dc, a), Rectangle(dc, 10, 10, 60, 40), Release(dc); };
+    Bytes viewport = Base()
+                         .Rec(fnSetViewportOrg, {30, 30})
+                         .Rec(fnSetViewportExt, {10, 10})
+                         .Rec(fnOffsetViewportOrg, {5, 5})
+                         .Rec(fnScaleViewportExt, {1, 2, 1, 2})
+                         .Rec(fnOffsetWindowOrg, {7, 7})
+                         .Rec(fnIntersectClipRect, Box(0, 0, 20, 20))
+                         .Rec(fnRectangle, Box(10, 10, 60, 40))
+                         .Done();
+    Bytes cutRecord = Base().Rec(fnRectangle, Box(10, 10, 60, 40)).Done();
+    cutRecord[cutRecord.size() - 6] = 100;   // META_EOF now claims 100 words
+    Bytes noEof = Base().Rec(fnRectangle, Box(10, 10, 60, 40)).Done();
+    noEof.resize(noEof.size() - 6);
+    const Case cases[] = {
+        {"viewport records have no effect", viewport, kUp, 1, rect},
+        {"y flipped rectangle", viewport, kFlipY, 1, rect},
+        {"rectangle in a flipped window", Base(-100, -100).Rec(fnRectangle, Box(-10, -10, -60, -40)).Done(), kUp, 1,
+         [](HDC dc, const RECT& a) { BaseState(dc, a, -100, -100), Rectangle(dc, -10, -10, -60, -40), Release(dc); }},
+        {"arc, y flipped: ends exchanged", Base(100, 100, true).Rec(fnArc, Arc(90, 50, 50, 10)).Done(), kFlipY, 1,
+         [](HDC dc, const RECT& a) { BaseState(dc, a, 100, 100, true), ::Arc(dc, 10, 10, 90, 90, 50, 10, 90, 50), Release(dc); }},
+        {"pie, x flipped: ends exchanged", Base().Rec(fnPie, Arc(90, 50, 50, 10)).Done(), kFlipX, 1,
+         [](HDC dc, const RECT& a) { BaseState(dc, a), Pie(dc, 10, 10, 90, 90, 50, 10, 90, 50), Release(dc); }},
+        {"arc, window y flipped: ends exchanged", Base(100, -100, true).Rec(fnArc, Arc(90, -50, 50, -10, -1)).Done(), kUp,
+         1, [](HDC dc, const RECT& a) { BaseState(dc, a, 100, -100, true), ::Arc(dc, 10, -10, 90, -90, 50, -10, 90, -50), Release(dc); }},
+        {"arc, both flipped: kept", Base(100, 100, true).Rec(fnArc, Arc(90, 50, 50, 10)).Done(), kFlipBoth, 1,
+         [](HDC dc, const RECT& a) { BaseState(dc, a, 100, 100, true), ::Arc(dc, 10, 10, 90, 90, 90, 50, 50, 10), Release(dc); }},
+        {"chord, y flipped: kept", Base().Rec(fnChord, Arc(90, 50, 50, 10)).Done(), kFlipY, 1,
+         [](HDC dc, const RECT& a) { BaseState(dc, a), Chord(dc, 10, 10, 90, 90, 90, 50, 50, 10), Release(dc); }},
+        {"polygon overrunning its record is skipped",
+         Base().Rec(fnPolygon, {9, 0, 0, 99, 0}).Rec(fnSelectObject, {7}).Rec(fnRectangle, Box(10, 10, 60, 40)).Done(),
+         kUp, 1, rect},
+        {"record past the data ends playback", cutRecord, kUp, 0, rect},
+        {"the end of the data ends playback", noEof, kUp, 1, rect},
+        {"header of 10 words", Base(100, 100, false, 10).Rec(fnRectangle, Box(10, 10, 60, 40)).Done(), kUp, 1, rect},
+        {"checksum off by one bit", Wmf().Placeable(0, 0, 9, 9, 96, 1).Header(0).Rec(fnRectangle, Box(1, 1, 5, 5)).Done(),
+         kUp, -1, nullptr},
+        {"type 3", Wmf().Header(0, 3).Rec(fnRectangle, Box(1, 1, 5, 5)).Done(), kUp, -1, nullptr},
+        {"header size 8", Wmf().Header(0, 1, 8).Rec(fnRectangle, Box(1, 1, 5, 5)).Done(), kUp, -1, nullptr},
+    };
+    for (const Case& c : cases) {
+        vMEMDEVICE device{vINT(kSize), vINT(kSize)};
+        EXPECT_EQ(c.result, PlayThroughLibrary(c.file, device, c.area)) << c.name;
+        ORACLE oracle(device, 0xFF);
+        if (c.expect)
+            c.expect(oracle.dc, c.area);
+        EXPECT_TRUE(devtest::SameBuffers(device.GetDIB(), oracle, device.BufferSize())) << c.name;
+        if (c.expect) {
+            EXPECT_GT(oracle.Count(0xFFFFFF), 50) << c.name;
+        }
+    }
+}
+
+// The bounds and resolution a metafile takes from its headers, and the
+// device's mapping left as it was after playing.
+TEST(WmfPlay, HeadersAndTheMappingAfterwards)
+{
+    struct Case {
+        Bytes file;
+        long left, top, right, bottom, inch;
+    } cases[] = {
+        {Wmf().Placeable(-20, 10, 300, 400, 1440).Header(0).Done(), -20, 10, 300, 400, 1440},
+        {Wmf().Header(0).Done(), 0, 0, 1000, 1000, 576},
+        {Wmf().Header(0, 2, 12).Done(), 0, 0, 1000, 1000, 576},
+    };
+    for (const Case& c : cases) {
+        vMEMSTREAM stream;
+        stream.WriteBlock(c.file.data(), (unsigned long)c.file.size());
+        vMETAFILE m(stream);
+        ASSERT_EQ(1, m.Status());
+        EXPECT_EQ(0, m.Native());
+        EXPECT_EQ(c.left, m.XOffset());
+        EXPECT_EQ(c.top, m.YOffset());
+        EXPECT_EQ(c.right - c.left, m.XExtent());
+        EXPECT_EQ(c.bottom - c.top, m.YExtent());
+        EXPECT_EQ(c.inch, m.LogUnitsPerHorzInch()());
+        EXPECT_EQ(c.inch, m.LogUnitsPerVertInch()());
+    }
+    // A device's own mapping and clip area survive a metafile that changes both.
+    devtest::SURFACE surface(kSize, kSize);
+    SetMapMode(surface.dc, MM_TEXT);
+    HRGN clip = CreateRectRgn(0, 0, 100, 100);
+    SelectClipRgn(surface.dc, clip);
+    {
+        vDEVICEID device(surface.dc);
+        Bytes file = Base().Rec(fnSelectClipRegion, {0}).Rec(fnSetMapMode, {MM_TEXT}).Rec(fnSaveDC, {}).Done();
+        vMEMSTREAM stream;
+        stream.WriteBlock(file.data(), (unsigned long)file.size());
+        vMETAFILE m(stream);
+        EXPECT_EQ(1, m.Draw(device, vRECT(vINT(8L), vINT(8L), vINT(90L), vINT(90L)), nullptr));
+        HDC dc = device.GetWinDC();
+        EXPECT_EQ(MM_TEXT, GetMapMode(dc));
+        RECT box;
+        GetClipBox(dc, &box);
+        EXPECT_EQ(100, box.right);
+        EXPECT_EQ(100, box.bottom);
+    }
+    DeleteObject(clip);
+}
