@@ -102,6 +102,7 @@ static int RunInfo(int argc, char** argv)
     if (argc != 2 || argv[1][0] == '-')
         return rltool_usage("info");
     const char* path = argv[1];
+    if (int wmf = rltool_wmf_info(path); wmf >= 0) return wmf;
     RlBmpSummary s;
     if (!rltool_bmp_summary(path, &s))
         return rltool_fail(RLTOOL_FAILED, "%s: cannot read a bitmap header from this file", path);
