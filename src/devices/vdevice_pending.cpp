@@ -1,15 +1,10 @@
-// The device's roads into the bitmap, DIB and metafile subsystems. Until
+// The device's roads into the bitmap and DIB subsystems. Until
 // those serve them, each of these members draws nothing and returns 0, so
 // that a caller is told the primitive was not drawn.
 #include <windows.h>
 #include "rl132/devices/vdevice.h"
 
-// Bitmaps, DIBs and metafiles are drawn by their own subsystems.
-int vDEVICE::DrawMetafile(vMETAFILE&, const vRECT&)
-{
-    return 0;
-}
-
+// Bitmaps and DIBs are drawn by their own subsystem.
 int vDEVICE::DrawBitmap(const vBITMAP&, const vRECT&, const vRECT&)
 {
     return 0;

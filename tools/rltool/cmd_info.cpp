@@ -97,11 +97,49 @@ const char* rltool_bmp_refusal(const RlBmpSummary& s)
     return "the size overflows or the file is shorter than its rows";
 }
 
+// The own metafile format: its header, and how its records play.
+static int InfoOwnMetafile(const char* path)
+{
+    vFILE f(vSTRING("%s", path), vFILE_READONLY, 1);
+    if (f.Status() != vSTREAM_OK)
+        return rltool_fail(RLTOOL_FAILED, "%s: cannot open the file", path);
+    vMETAFILE m(f);
+    printf("file           %s, %lu bytes, the library's own metafile format\n", path, m.Length());
+    if (m.Status() == 0) {
+        fflush(stdout);
+        return rltool_fail(RLTOOL_FAILED, "%s: the metafile header is cut short", path);
+    }
+    vSIZE page = m.LogicalPageSize(), physical = m.PhysicalPageSize();
+    printf("extents        %ld, %ld to %ld, %ld (%ld x %ld)\n", m.XOffset(), m.YOffset(), m.XOffset() + m.XExtent(),
+           m.YOffset() + m.YExtent(), m.XExtent(), m.YExtent());
+    printf("units per inch %ld x %ld\n", m.LogUnitsPerHorzInch()(), m.LogUnitsPerVertInch()());
+    printf("logical page   %ld x %ld\n", page.width(), page.height());
+    printf("physical page  %ld x %ld\n", physical.width(), physical.height());
+    // Played onto a bitmap of one pixel, with the progress counting records.
+    oPROGRESS records;
+    m.SetProgressInd(records);
+    vMEMDEVICE scratch(1L, 1L);
+    int complete = m.Draw(scratch, vRECT(vINT(0L), vINT(0L), vINT(0L), vINT(0L)), nullptr);
+    m.RemoveProgressInd();
+    printf("records        %lu, %s\n", records.Updates(),
+           complete ? "played to the end" : "playback stops at a damaged or unidentified record");
+    return complete ? RLTOOL_OK : RLTOOL_FAILED;
+}
+
 static int RunInfo(int argc, char** argv)
 {
     if (argc != 2 || argv[1][0] == '-')
         return rltool_usage("info");
     const char* path = argv[1];
+    {
+        char tag[9] = {0};
+        FILE* f = fopen(path, "rb");
+        size_t n = f ? fread(tag, 1, sizeof tag, f) : 0;
+        if (f)
+            fclose(f);
+        if (n == sizeof tag && memcmp(tag, "TAVRLMETA", sizeof tag) == 0)
+            return InfoOwnMetafile(path);
+    }
     if (int wmf = rltool_wmf_info(path); wmf >= 0) return wmf;
     RlBmpSummary s;
     if (!rltool_bmp_summary(path, &s))
@@ -151,4 +189,5 @@ static int RunInfo(int argc, char** argv)
     return RLTOOL_OK;
 }
 
-RLTOOL_COMMAND(info, "info", "FILE.bmp", "a bitmap file's headers, palette and resolution", RunInfo);
+RLTOOL_COMMAND(info, "info", "FILE.bmp|FILE.rlm", "a bitmap file's headers, palette and resolution, or a metafile's header",
+               RunInfo);

@@ -21,6 +21,7 @@
 #include "rl132/devices/vdevice.h"
 
 class vSTREAM;
+class vMEMSTREAM;
 class oPROGRESS;
 class vNATIVEMETA;
 
@@ -178,6 +179,9 @@ private:
     int ReleaseMSDC() override;
 
     void Init();
+    // Takes `source` as the record stream (owned when `own`) and reads or
+    // writes its header; the new status.
+    int Adopt(vSTREAM* source, int own);
     void WriteHeader();
     int ReadHeader();
     // Rewrites `count` longs at `offset` and returns to where the stream was.
@@ -185,6 +189,12 @@ private:
     // Appends an opcode; 0 when there is nothing to record into.
     int BeginRecord(unsigned short opcode);
     void UpdateExtents(const vRECT& rect);
+    // Appends a record made apart once the player would accept it.
+    int AppendChecked(vMEMSTREAM& record);
+    void WriteShape(const vSHAPE& shape);
+    int WritePolyline(const vPOINT* points, unsigned short count);
+    int RecordRect(unsigned short opcode, const vRECT& rect);
+    int RecordArc(unsigned short opcode, const vRECT& rect, const vPOINT& start, const vPOINT& end);
 
     // Plays one own-format record; 1 to go on, 0 to stop.
     int DrawNextMetaRecord(vDEVICE& target, int mapped, vCOLOUR* tint);
