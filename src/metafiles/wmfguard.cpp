@@ -212,11 +212,14 @@ u64 DibNeed(const unsigned char* dib, std::uint32_t avail, std::uint16_t usage, 
 }
 
 // A 16-bit bitmap (type, width, height, width in bytes, planes and bits as
-// bytes, and the 4-byte pointer field) and its bits: the bytes it needs,
-// 0 when malformed.
-u64 Bitmap16Need(const unsigned char* bm, std::uint32_t avail)
+// bytes: 10 bytes) and its rows, `gap` bytes after that header: the bytes it
+// needs, 0 when malformed. In BITBLT and STRETCHBLT the rows follow the 10
+// bytes; a player that takes the header for the 14-byte form with its bits
+// pointer reads at most 4 bytes past them, which the player's copy of the
+// record keeps as zero slack.
+u64 Bitmap16Need(const unsigned char* bm, std::uint32_t avail, std::uint32_t gap)
 {
-    if (avail < 14)
+    if (avail < 10)
         return 0;
     std::int32_t width = (std::int16_t)Word(bm + 2), height = (std::int16_t)Word(bm + 4);
     unsigned planes = bm[8], bits = bm[9];
@@ -224,7 +227,7 @@ u64 Bitmap16Need(const unsigned char* bm, std::uint32_t avail)
         return 0;
     u64 widthBytes = (((u64)width * bits + 15) >> 4) << 1;
     u64 stated = Word(bm + 6);
-    return 14 + (stated > widthBytes ? stated : widthBytes) * (u64)height;
+    return 10 + gap + (stated > widthBytes ? stated : widthBytes) * (u64)height;
 }
 
 // The DIB at byte `at` of the parameters fits in what is left of them.
@@ -241,7 +244,7 @@ RecordVerdict CheckBitmap16(const unsigned char* params, std::uint32_t paramByte
 {
     if (at > paramBytes)
         return kRecordShort;
-    u64 need = Bitmap16Need(params + at, paramBytes - at);
+    u64 need = Bitmap16Need(params + at, paramBytes - at, 0);
     return need && need <= paramBytes - at ? kRecordOk : kRecordBitmap;
 }
 
@@ -312,10 +315,10 @@ RecordVerdict CheckParams(const Rule& rule, std::uint16_t function, const unsign
         return CheckDib(params, bytes, 4, usage, 0);
     }
     case kBitmapBrush: {
-        // The bitmap header's own bits pointer is unused; the bits follow 18
-        // reserved bytes.
-        u64 need = Bitmap16Need(params, bytes);
-        return need && need + 18 <= bytes ? kRecordOk : kRecordBitmap;
+        // The 14-byte form of the header (its bits pointer unused), then 18
+        // reserved bytes, then the rows.
+        u64 need = Bitmap16Need(params, bytes, 4 + 18);
+        return need && need <= bytes ? kRecordOk : kRecordBitmap;
     }
     case kBlt:
     case kDibBlt: {
