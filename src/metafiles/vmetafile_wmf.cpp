@@ -209,6 +209,8 @@ int vMETAFILE::PlayWMF(vDEVICE& target, const vRECT& area)
             ZeroMemory(table, count * sizeof(HGDIOBJ));
     }
 
+    if (progress)
+        progress->Begin(total);
     RECORDBUFFER buffer;
     short objects = 0;
     // The metafile's own SaveDC depth: a restore that would pop a state saved
@@ -262,6 +264,8 @@ int vMETAFILE::PlayWMF(vDEVICE& target, const vRECT& area)
         }
     }
 
+    if (progress)
+        progress->End();
     if (saved > 0)
         RestoreDC(dc, (int)-saved);
     SelectObject(dc, GetStockObject(BLACK_BRUSH));

@@ -372,3 +372,42 @@ TEST(WmfPlay, HeadersAndTheMappingAfterwards)
     }
     DeleteObject(clip);
 }
+
+// The progress indicator hears the stream position after each record and
+// can end playback early.
+TEST(WmfPlay, ProgressAndStopping)
+{
+    struct STOPPER : oPROGRESS {
+        unsigned long stopAfter = 0;
+        std::vector<unsigned long> seen;
+        void Update(unsigned long done) override
+        {
+            oPROGRESS::Update(done);
+            seen.push_back(done);
+            if (seen.size() == stopAfter)
+                RequestStop();
+        }
+    };
+    Bytes file = Base().Rec(fnRectangle, Box(10, 10, 60, 40)).Rec(fnRectangle, Box(70, 50, 90, 90)).Done();
+    for (unsigned long stopAfter : {0ul, 7ul}) {
+        vMEMSTREAM stream;
+        stream.WriteBlock(file.data(), (unsigned long)file.size());
+        vMETAFILE m(stream);
+        STOPPER progress;
+        progress.stopAfter = stopAfter;
+        m.SetProgressInd(progress);
+        vMEMDEVICE device{vINT(kSize), vINT(kSize)};
+        EXPECT_EQ(stopAfter ? 0 : 1, m.Draw(device, vRECT(vINT(8L), vINT(8L), vINT(152L), vINT(152L)), nullptr));
+        // Six set-up records, then the rectangles; META_EOF ends it unreported.
+        ASSERT_EQ(stopAfter ? 7u : 8u, progress.seen.size());
+        EXPECT_EQ(file.size() - 6, progress.seen.back() + (stopAfter ? 14 : 0));
+        EXPECT_EQ(file.size(), progress.Total());
+        ORACLE oracle(device, 0xFF);
+        BaseState(oracle.dc, kUp);
+        Rectangle(oracle.dc, 10, 10, 60, 40);
+        if (!stopAfter)
+            Rectangle(oracle.dc, 70, 50, 90, 90);
+        Release(oracle.dc);
+        EXPECT_TRUE(devtest::SameBuffers(device.GetDIB(), oracle, device.BufferSize())) << stopAfter;
+    }
+}
