@@ -19,7 +19,8 @@ set(RL132_INTERNAL_KERNELS
   ${_rl132_root}/src/devices/dibconv.cpp     # the pixels of a DIB drawn on a device
   ${_rl132_root}/src/devices/screenpal.cpp   # the screen's 256-colour palette
   ${_rl132_root}/src/devices/textlayout.cpp  # placing lines of text in a rectangle
-  ${_rl132_root}/src/metafiles/metarec.cpp)  # the own metafile format's record reader
+  ${_rl132_root}/src/metafiles/metarec.cpp   # the own metafile format's record reader
+  ${_rl132_root}/src/metafiles/wmfguard.cpp) # Windows metafile headers and record checks
 # The drawing geometry: flattening, stroking, dashing, band planning.
 file(GLOB _rl132_geom CONFIGURE_DEPENDS ${_rl132_root}/src/devices/geom/*.cpp)
 list(APPEND RL132_INTERNAL_KERNELS ${_rl132_geom})

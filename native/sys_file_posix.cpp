@@ -129,4 +129,15 @@ bool TempFileName(const char* prefix, char* path, unsigned long capacity)
     return true;
 }
 
+bool TempDirectory(char* path, unsigned long capacity)
+{
+    const char* dir = getenv("TMPDIR");
+    if (!dir || !*dir)
+        dir = "/tmp";
+    size_t length = strlen(dir);
+    bool slash = dir[length - 1] == '/';
+    int n = snprintf(path, capacity, slash ? "%s" : "%s/", dir);
+    return n >= 0 && (unsigned long)n < capacity;
+}
+
 } // namespace rlsys

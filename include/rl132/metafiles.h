@@ -4,5 +4,6 @@
 
 #include "rl132/core/rldefs.h"
 #include "rl132/metafiles/vmetafile.h"
+#include "rl132/metafiles/vnativemeta.h"
 
 #endif

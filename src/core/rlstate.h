@@ -143,8 +143,14 @@ extern rlgeom::LISTINFO listInfo;
 // ================================================================= reserved
 // The drawing half's state still to join here, one entry each with its owner
 // and when it is set:
-//   - the bitmap manager, and its shared re-read file;
-//   - the fixed temporary metafile name of native-metafile conversion.
+//   - the bitmap manager, and its shared re-read file.
+
+// The fixed temporary metafile name of native-metafile conversion. Owner:
+// vNATIVEMETA (src/metafiles/vnativemeta.cpp); a constant, never written.
+// A Windows metafile passes through this file, in the system's temporary
+// folder, on its way to a native one. The name is fixed: two conversions at
+// once, in one process or two, share the file, so callers serialise them.
+const char kTempMetafileName[] = "tmp.tmp";
 // ================================================================= end reserved
 
 } // namespace rlstate

@@ -49,6 +49,9 @@ bool FileDelete(const char* path);
 // system's temporary folder and writes its path (at most capacity bytes with
 // the terminator) to path; false when there is none to be had.
 bool TempFileName(const char* prefix, char* path, unsigned long capacity);
+// The system's temporary folder as a path ending in a separator (at most
+// capacity bytes with the terminator); false when it cannot be told.
+bool TempDirectory(char* path, unsigned long capacity);
 
 } // namespace rlsys
 

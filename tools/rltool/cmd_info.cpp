@@ -140,6 +140,7 @@ static int RunInfo(int argc, char** argv)
         if (n == sizeof tag && memcmp(tag, "TAVRLMETA", sizeof tag) == 0)
             return InfoOwnMetafile(path);
     }
+    if (int wmf = rltool_wmf_info(path); wmf >= 0) return wmf;
     RlBmpSummary s;
     if (!rltool_bmp_summary(path, &s))
         return rltool_fail(RLTOOL_FAILED, "%s: cannot read a bitmap header from this file", path);

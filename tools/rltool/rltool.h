@@ -47,6 +47,9 @@ bool rltool_number_n(const char* text, size_t length, long long min, long long m
 // "..", other slashes, a hard link): a command must not write over what it reads.
 bool rltool_same_file(const char* a, const char* b);
 
+// rltool info on a Windows metafile: -1 when the file is not one (info_wmf.cpp).
+int rltool_wmf_info(const char* path);
+
 // A command's output file. Everything is written to a temporary file beside the
 // target, which takes the target's place only when Commit succeeds; a failure or
 // an early return deletes it, so a failed command leaves the target as it was.

@@ -84,4 +84,12 @@ bool TempFileName(const char* prefix, char* path, unsigned long capacity)
     return true;
 }
 
+bool TempDirectory(char* path, unsigned long capacity)
+{
+    // GetTempPathA ends the path with a backslash; a result at or above the
+    // capacity is the size it would need.
+    DWORD n = GetTempPathA(capacity, path);
+    return n != 0 && n < capacity;
+}
+
 } // namespace rlsys

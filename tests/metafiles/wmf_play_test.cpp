@@ -1,0 +1,413 @@
+// Windows metafile playback, judged by its pixels: the corpus against the
+// system's own player given the records the filter passes, and generated
+// metafiles against plain GDI drawing of what each case must produce.
+#include <windows.h>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+#include <gtest/gtest.h>
+#include "../devices/devcore_support.h"
+#include "metafiles/wmfguard.h"
+#include "rl132.h"
+#include "rltest.h"
+#include "wmf_build.h"
+
+using namespace rlwmf;
+using devtest::ORACLE;
+using wmftest::S;
+using wmftest::Wmf;
+typedef std::vector<unsigned char> Bytes;
+
+namespace {
+
+const int kSize = 160;
+
+std::vector<unsigned char> ReadFile(const std::string& path)
+{
+    std::ifstream f(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
+}
+
+// The state and mapping playback starts from, on the oracle.
+void StartState(HDC dc, const RECT& area)
+{
+    SetBkColor(dc, RGB(255, 255, 255));
+    SetBkMode(dc, OPAQUE);
+    SelectObject(dc, GetStockObject(WHITE_BRUSH));
+    SetROP2(dc, R2_COPYPEN);
+    SelectObject(dc, GetStockObject(SYSTEM_FONT));
+    SetTextAlign(dc, 0);
+    SelectObject(dc, GetStockObject(BLACK_PEN));
+    SetPolyFillMode(dc, ALTERNATE);
+    SetTextColor(dc, 0);
+    SetMapMode(dc, MM_ANISOTROPIC);
+    SetViewportOrgEx(dc, area.left, area.top, nullptr);
+    SetViewportExtEx(dc, area.right - area.left, area.bottom - area.top, nullptr);
+}
+
+void PutLong(Bytes& b, size_t at, std::uint32_t v)
+{
+    for (int i = 0; i < 4; ++i)
+        b[at + i] = (unsigned char)(v >> (8 * i));
+}
+
+// The metafile the system player is given as the reference: the records the
+// guard and the filter pass, corrected for the area's orientation, in a
+// standard header that declares the clamped handle table.
+Bytes Passed(const Bytes& file, const RECT& area)
+{
+    HeaderInfo info;
+    if (ParseHeader(file.data(), (std::uint32_t)file.size(), &info) != kHeaderOk)
+        return Bytes();
+    const std::uint32_t size = (std::uint32_t)file.size();
+    const std::uint32_t handles = ClampObjects(info.meta.objects, size - info.firstRecord);
+    Bytes out(file.begin() + (info.placeable ? kPlaceableBytes : 0),
+              file.begin() + (info.placeable ? kPlaceableBytes : 0) + kMetaHeaderBytes);
+    out[0] = 1, out[1] = 0, out[2] = 9, out[3] = 0;  // a memory metafile, as SetMetaFileBitsEx takes
+    long vx = area.right - area.left, vy = area.bottom - area.top, wx = 1, wy = 1;
+    long saved = 0;
+    for (std::uint32_t at = info.firstRecord; at < size;) {
+        std::uint32_t bytes = 0;
+        RecordVerdict v = CheckRecord(file.data() + at, size - at, handles, &bytes);
+        if (EndsPlayback(v))
+            break;
+        Bytes rec(file.begin() + at, file.begin() + at + bytes);
+        at += bytes;
+        std::uint16_t fn = Word(rec.data() + 4);
+        if (fn == fnEof)
+            break;
+        Action a = FilterAction(fn);
+        if (v != kRecordOk || a == kSkip)
+            continue;
+        std::uint16_t* p = reinterpret_cast<std::uint16_t*>(rec.data() + 6);
+        int orientation = ComputeOrientation(vx, wx, vy, wy);
+        if (fn == fnSaveDC)
+            ++saved;
+        if (fn == fnRestoreDC) {
+            short back = (short)p[0];
+            if (back >= 0 || -back > saved)
+                continue;
+            saved += back;
+        }
+        if (a == kPlayRect)
+            ReorientRect(p + (fn == fnRoundRect ? 2 : 0), orientation);
+        if (a == kPlayArc)
+            ReorientArc(p, orientation);
+        if (fn == fnSetWindowExt)
+            wy = (short)p[0], wx = (short)p[1];
+        if (fn == fnScaleWindowExt && p[0] && p[2])
+            wy = wy * (short)p[1] / (short)p[0], wx = wx * (short)p[3] / (short)p[2];
+        out.insert(out.end(), rec.begin(), rec.end());
+    }
+    static const unsigned char eof[6] = {3, 0, 0, 0, 0, 0};
+    out.insert(out.end(), eof, eof + 6);
+    PutLong(out, 6, (std::uint32_t)(out.size() / 2));
+    out[10] = (unsigned char)handles, out[11] = (unsigned char)(handles >> 8);
+    PutLong(out, 12, 0xFFFF);
+    return out;
+}
+
+void PlayBytes(HDC dc, const Bytes& wmf)
+{
+    HMETAFILE h = SetMetaFileBitsEx((UINT)wmf.size(), wmf.data());
+    ASSERT_TRUE(h != nullptr);
+    PlayMetaFile(dc, h);
+    DeleteMetaFile(h);
+}
+
+// Plays `file` through the library onto a memory device into `area` (device
+// pixels; the device maps 1:1). Returns Draw's result, or -1 when the
+// metafile was refused.
+int PlayThroughLibrary(const Bytes& file, vMEMDEVICE& device, const RECT& area)
+{
+    vMEMSTREAM stream;
+    stream.WriteBlock(file.data(), (unsigned long)file.size());
+    stream.MoveFromStart(0);
+    vMETAFILE m(stream);
+    if (!m.Status())
+        return -1;
+    return m.Draw(device, vRECT(vINT(area.left), vINT(area.top), vINT(area.right), vINT(area.bottom)), nullptr);
+}
+
+struct CorpusFile {
+    const char* path;
+    bool refused;     // the header is not accepted
+    bool complete;    // playback reaches META_EOF or the end of the data
+};
+
+const CorpusFile kCorpus[] = {
+    {"dtformats/grid.wmf", false, true},
+    {"libuemf/test_libuemf_ref.wmf", false, true},
+    {"libwmf/2doorvan.wmf", false, true},
+    {"libwmf/Eg.wmf", false, true},
+    {"libwmf/anim0002.wmf", false, true},
+    {"libwmf/ant.wmf", false, true},
+    {"libwmf/arrow01.wmf", false, true},
+    {"libwmf/cell.wmf", false, true},
+    {"libwmf/fjftest.wmf", false, true},
+    {"libwmf/formula1.wmf", false, true},
+    {"libwmf/formula2.wmf", false, true},
+    {"libwmf/formula3.wmf", false, true},
+    {"libwmf/formula4.wmf", false, true},
+    {"libwmf/fulltest.wmf", false, true},
+    {"libwmf/gd_Readme_NOT_A_WMF.wmf", true, false},
+    {"libwmf/p0000001.wmf", false, true},
+    {"libwmf/p0000016.wmf", false, true},
+    {"libwmf/sample.wmf", false, true},
+    {"libwmf/sample2.wmf", false, true},
+    {"libwmf/text.wmf", false, true},
+    {"pillow/drawing.wmf", false, true},
+    {"poi/60677.wmf", false, true},
+    {"poi/61338.wmf", false, false},
+    {"poi/64716_image1.wmf", false, true},
+    {"poi/64716_image2.wmf", false, true},
+    {"poi/64716_image3.wmf", false, true},
+    {"poi/empty-polygon-close.wmf", false, true},
+    {"poi/santa.wmf", false, true},
+    {"poi/testException2.doc-2.wmf", false, true},
+    {"wmf2svg/fulltest.wmf", false, true},
+    {"wmf2svg/symbol-font-tables.wmf", false, true},
+    {"wmfjs/arc.wmf", false, true},
+    {"wmfjs/chord.wmf", false, true},
+    {"wmfjs/dash-dot.wmf", false, true},
+    {"wmfjs/ellipse.wmf", false, true},
+    {"wmfjs/line-to.wmf", false, true},
+    {"wmfjs/pie.wmf", false, true},
+    {"wmfjs/poly-polygon.wmf", false, true},
+    {"wmfjs/polygon.wmf", false, true},
+    {"wmfjs/polyline.wmf", false, true},
+    {"wmfjs/rect.wmf", false, true},
+    {"wmfjs/round-rect.wmf", false, true},
+    {"wmfjs/set-pixel.wmf", false, true},
+};
+
+} // namespace
+
+// Every corpus file plays or is refused cleanly, and what plays matches the
+// system's player given the passed records, upright and with the y axis
+// flipped.
+TEST(WmfPlay, CorpusMatchesTheSystemPlayer)
+{
+    const RECT areas[] = {{8, 8, kSize - 8, kSize - 8}, {8, kSize - 8, kSize - 8, 8}};
+    int drawn = 0;
+    for (const CorpusFile& c : kCorpus) {
+        Bytes file = ReadFile(rltest::DataDir() + "/corpus/wmf/" + c.path);
+        ASSERT_FALSE(file.empty()) << c.path;
+        for (const RECT& area : areas) {
+            vMEMDEVICE device{vINT(kSize), vINT(kSize)};
+            int result = PlayThroughLibrary(file, device, area);
+            if (c.refused) {
+                EXPECT_EQ(-1, result) << c.path;
+                break;
+            }
+            EXPECT_EQ(c.complete ? 1 : 0, result) << c.path;
+            ORACLE oracle(device, 0xFF);
+            StartState(oracle.dc, area);
+            PlayBytes(oracle.dc, Passed(file, area));
+            drawn += oracle.Count(0xFFFFFF) > 0;
+            EXPECT_TRUE(devtest::SameBuffers(device.GetDIB(), oracle, device.BufferSize()))
+                << c.path << " into " << area.left << "," << area.top << "-" << area.right << "," << area.bottom;
+        }
+    }
+    // Both areas of every file that plays show a picture, but for libwmf/text
+    // (no window extent: its text lands far outside) and
+    // poi/empty-polygon-close (white on white).
+    EXPECT_EQ(2 * 40, drawn);
+}
+
+namespace {
+
+const COLORREF kRed = RGB(255, 0, 0);
+
+// Window 100 x 100 (or as given), a red brush (object 0) and a pen (object
+// 1): null, or solid black when `outline`.
+Wmf Base(int windowX = 100, int windowY = 100, bool outline = false, std::uint16_t headerWords = 9)
+{
+    Wmf w;
+    w.Placeable(0, 0, 100, 100, 96).Header(2, 1, headerWords);
+    w.Rec(fnSetWindowOrg, {0, 0}).Rec(fnSetWindowExt, {S(windowY), S(windowX)});
+    w.Rec(fnCreateBrushIndirect, {0, 0x00FF, 0, 0}).Rec(fnSelectObject, {0});
+    w.Rec(fnCreatePenIndirect, {(std::uint16_t)(outline ? 0 : 5), 1, 0, 0, 0}).Rec(fnSelectObject, {1});
+    return w;
+}
+
+// The same set-up on the oracle with plain GDI.
+void BaseState(HDC dc, const RECT& area, int windowX = 100, int windowY = 100, bool outline = false)
+{
+    StartState(dc, area);
+    SetWindowOrgEx(dc, 0, 0, nullptr);
+    SetWindowExtEx(dc, windowX, windowY, nullptr);
+    SelectObject(dc, CreateSolidBrush(kRed));
+    SelectObject(dc, outline ? GetStockObject(BLACK_PEN) : GetStockObject(NULL_PEN));
+}
+
+void Release(HDC dc)
+{
+    DeleteObject(SelectObject(dc, GetStockObject(WHITE_BRUSH)));
+}
+
+// Record parameters of a figure in a rectangle: bottom, right, top, left.
+std::vector<std::uint16_t> Box(int l, int t, int r, int b) { return {S(b), S(r), S(t), S(l)}; }
+// An arc-kind record: end point, start point (each y, x), then the box.
+// The box is (10, 10)-(90, 90), its y negated for a window with y upwards.
+std::vector<std::uint16_t> Arc(int sx, int sy, int ex, int ey, int ySign = 1)
+{
+    std::vector<std::uint16_t> p = {S(ey), S(ex), S(sy), S(sx)}, box = Box(10, 10 * ySign, 90, 90 * ySign);
+    p.insert(p.end(), box.begin(), box.end());
+    return p;
+}
+
+const RECT kUp = {8, 8, 152, 152}, kFlipY = {8, 152, 152, 8}, kFlipX = {152, 8, 8, 152}, kFlipBoth = {152, 152, 8, 8};
+
+} // namespace
+
+// Generated metafiles for each of the filter's cases, each against plain GDI
+// drawing of the picture it must give.
+TEST(WmfPlay, FilterCasesAgainstPlainDrawing)
+{
+    struct Case {
+        const char* name;
+        Bytes file;
+        RECT area;
+        int result;   // Draw's result, -1 for a refused metafile
+        void (*expect)(HDC dc, const RECT& area);
+    };
+    auto rect = [](HDC dc, const RECT& a) { BaseState(dc, a), Rectangle(dc, 10, 10, 60, 40), Release(dc); };
+    Bytes viewport = Base()
+                         .Rec(fnSetViewportOrg, {30, 30})
+                         .Rec(fnSetViewportExt, {10, 10})
+                         .Rec(fnOffsetViewportOrg, {5, 5})
+                         .Rec(fnScaleViewportExt, {1, 2, 1, 2})
+                         .Rec(fnOffsetWindowOrg, {7, 7})
+                         .Rec(fnIntersectClipRect, Box(0, 0, 20, 20))
+                         .Rec(fnRectangle, Box(10, 10, 60, 40))
+                         .Done();
+    Bytes cutRecord = Base().Rec(fnRectangle, Box(10, 10, 60, 40)).Done();
+    cutRecord[cutRecord.size() - 6] = 100;   // META_EOF now claims 100 words
+    Bytes noEof = Base().Rec(fnRectangle, Box(10, 10, 60, 40)).Done();
+    noEof.resize(noEof.size() - 6);
+    const Case cases[] = {
+        {"viewport records have no effect", viewport, kUp, 1, rect},
+        {"y flipped rectangle", viewport, kFlipY, 1, rect},
+        {"rectangle in a flipped window", Base(-100, -100).Rec(fnRectangle, Box(-10, -10, -60, -40)).Done(), kUp, 1,
+         [](HDC dc, const RECT& a) { BaseState(dc, a, -100, -100), Rectangle(dc, -10, -10, -60, -40), Release(dc); }},
+        {"arc, y flipped: ends exchanged", Base(100, 100, true).Rec(fnArc, Arc(90, 50, 50, 10)).Done(), kFlipY, 1,
+         [](HDC dc, const RECT& a) { BaseState(dc, a, 100, 100, true), ::Arc(dc, 10, 10, 90, 90, 50, 10, 90, 50), Release(dc); }},
+        {"pie, x flipped: ends exchanged", Base().Rec(fnPie, Arc(90, 50, 50, 10)).Done(), kFlipX, 1,
+         [](HDC dc, const RECT& a) { BaseState(dc, a), Pie(dc, 10, 10, 90, 90, 50, 10, 90, 50), Release(dc); }},
+        {"arc, window y flipped: ends exchanged", Base(100, -100, true).Rec(fnArc, Arc(90, -50, 50, -10, -1)).Done(), kUp,
+         1, [](HDC dc, const RECT& a) { BaseState(dc, a, 100, -100, true), ::Arc(dc, 10, -10, 90, -90, 50, -10, 90, -50), Release(dc); }},
+        {"arc, both flipped: kept", Base(100, 100, true).Rec(fnArc, Arc(90, 50, 50, 10)).Done(), kFlipBoth, 1,
+         [](HDC dc, const RECT& a) { BaseState(dc, a, 100, 100, true), ::Arc(dc, 10, 10, 90, 90, 90, 50, 50, 10), Release(dc); }},
+        {"chord, y flipped: kept", Base().Rec(fnChord, Arc(90, 50, 50, 10)).Done(), kFlipY, 1,
+         [](HDC dc, const RECT& a) { BaseState(dc, a), Chord(dc, 10, 10, 90, 90, 90, 50, 50, 10), Release(dc); }},
+        {"polygon overrunning its record is skipped",
+         Base().Rec(fnPolygon, {9, 0, 0, 99, 0}).Rec(fnSelectObject, {7}).Rec(fnRectangle, Box(10, 10, 60, 40)).Done(),
+         kUp, 1, rect},
+        {"record past the data ends playback", cutRecord, kUp, 0, rect},
+        {"the end of the data ends playback", noEof, kUp, 1, rect},
+        {"header of 10 words", Base(100, 100, false, 10).Rec(fnRectangle, Box(10, 10, 60, 40)).Done(), kUp, 1, rect},
+        {"checksum off by one bit", Wmf().Placeable(0, 0, 9, 9, 96, 1).Header(0).Rec(fnRectangle, Box(1, 1, 5, 5)).Done(),
+         kUp, -1, nullptr},
+        {"type 3", Wmf().Header(0, 3).Rec(fnRectangle, Box(1, 1, 5, 5)).Done(), kUp, -1, nullptr},
+        {"header size 8", Wmf().Header(0, 1, 8).Rec(fnRectangle, Box(1, 1, 5, 5)).Done(), kUp, -1, nullptr},
+    };
+    for (const Case& c : cases) {
+        vMEMDEVICE device{vINT(kSize), vINT(kSize)};
+        EXPECT_EQ(c.result, PlayThroughLibrary(c.file, device, c.area)) << c.name;
+        ORACLE oracle(device, 0xFF);
+        if (c.expect)
+            c.expect(oracle.dc, c.area);
+        EXPECT_TRUE(devtest::SameBuffers(device.GetDIB(), oracle, device.BufferSize())) << c.name;
+        if (c.expect) {
+            EXPECT_GT(oracle.Count(0xFFFFFF), 50) << c.name;
+        }
+    }
+}
+
+// The bounds and resolution a metafile takes from its headers, and the
+// device's mapping left as it was after playing.
+TEST(WmfPlay, HeadersAndTheMappingAfterwards)
+{
+    struct Case {
+        Bytes file;
+        long left, top, right, bottom, inch;
+    } cases[] = {
+        {Wmf().Placeable(-20, 10, 300, 400, 1440).Header(0).Done(), -20, 10, 300, 400, 1440},
+        {Wmf().Header(0).Done(), 0, 0, 1000, 1000, 576},
+        {Wmf().Header(0, 2, 12).Done(), 0, 0, 1000, 1000, 576},
+    };
+    for (const Case& c : cases) {
+        vMEMSTREAM stream;
+        stream.WriteBlock(c.file.data(), (unsigned long)c.file.size());
+        vMETAFILE m(stream);
+        ASSERT_EQ(1, m.Status());
+        EXPECT_EQ(0, m.Native());
+        EXPECT_EQ(c.left, m.XOffset());
+        EXPECT_EQ(c.top, m.YOffset());
+        EXPECT_EQ(c.right - c.left, m.XExtent());
+        EXPECT_EQ(c.bottom - c.top, m.YExtent());
+        EXPECT_EQ(c.inch, m.LogUnitsPerHorzInch()());
+        EXPECT_EQ(c.inch, m.LogUnitsPerVertInch()());
+    }
+    // A device's own mapping and clip area survive a metafile that changes both.
+    devtest::SURFACE surface(kSize, kSize);
+    SetMapMode(surface.dc, MM_TEXT);
+    HRGN clip = CreateRectRgn(0, 0, 100, 100);
+    SelectClipRgn(surface.dc, clip);
+    {
+        vDEVICEID device(surface.dc);
+        Bytes file = Base().Rec(fnSelectClipRegion, {0}).Rec(fnSetMapMode, {MM_TEXT}).Rec(fnSaveDC, {}).Done();
+        vMEMSTREAM stream;
+        stream.WriteBlock(file.data(), (unsigned long)file.size());
+        vMETAFILE m(stream);
+        EXPECT_EQ(1, m.Draw(device, vRECT(vINT(8L), vINT(8L), vINT(90L), vINT(90L)), nullptr));
+        HDC dc = device.GetWinDC();
+        EXPECT_EQ(MM_TEXT, GetMapMode(dc));
+        RECT box;
+        GetClipBox(dc, &box);
+        EXPECT_EQ(100, box.right);
+        EXPECT_EQ(100, box.bottom);
+    }
+    DeleteObject(clip);
+}
+
+// The progress indicator hears the stream position after each record and
+// can end playback early.
+TEST(WmfPlay, ProgressAndStopping)
+{
+    struct STOPPER : oPROGRESS {
+        unsigned long stopAfter = 0;
+        std::vector<unsigned long> seen;
+        void Update(unsigned long done) override
+        {
+            oPROGRESS::Update(done);
+            seen.push_back(done);
+            if (seen.size() == stopAfter)
+                RequestStop();
+        }
+    };
+    Bytes file = Base().Rec(fnRectangle, Box(10, 10, 60, 40)).Rec(fnRectangle, Box(70, 50, 90, 90)).Done();
+    for (unsigned long stopAfter : {0ul, 7ul}) {
+        vMEMSTREAM stream;
+        stream.WriteBlock(file.data(), (unsigned long)file.size());
+        vMETAFILE m(stream);
+        STOPPER progress;
+        progress.stopAfter = stopAfter;
+        m.SetProgressInd(progress);
+        vMEMDEVICE device{vINT(kSize), vINT(kSize)};
+        EXPECT_EQ(stopAfter ? 0 : 1, m.Draw(device, vRECT(vINT(8L), vINT(8L), vINT(152L), vINT(152L)), nullptr));
+        // Six set-up records, then the rectangles; META_EOF ends it unreported.
+        ASSERT_EQ(stopAfter ? 7u : 8u, progress.seen.size());
+        EXPECT_EQ(file.size() - 6, progress.seen.back() + (stopAfter ? 14 : 0));
+        EXPECT_EQ(file.size(), progress.Total());
+        ORACLE oracle(device, 0xFF);
+        BaseState(oracle.dc, kUp);
+        Rectangle(oracle.dc, 10, 10, 60, 40);
+        if (!stopAfter)
+            Rectangle(oracle.dc, 70, 50, 90, 90);
+        Release(oracle.dc);
+        EXPECT_TRUE(devtest::SameBuffers(device.GetDIB(), oracle, device.BufferSize())) << stopAfter;
+    }
+}

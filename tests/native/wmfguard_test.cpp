@@ -1,0 +1,293 @@
+// The metafile guard: headers, record checks at their exact edges, the filter
+// decisions, and a bounded walk of damaged metafiles under the sanitizers.
+#include <gtest/gtest.h>
+#include <string>
+#include "../metafiles/wmf_build.h"
+#include "wmf_harness.h"
+
+using namespace rlwmf;
+using wmftest::Wmf;
+typedef std::vector<std::uint16_t> P;
+
+namespace {
+
+// A packed DIB as parameter words: 40-byte header, `colours` RGB entries and
+// `bitsBytes` of bits (all zero).
+P Dib(int width, int height, int bits, std::uint32_t compression, std::uint32_t colours, std::uint32_t bitsBytes,
+      std::uint32_t sizeImage = 0)
+{
+    P p = {40, 0, (std::uint16_t)width, (std::uint16_t)(width >> 16), (std::uint16_t)height,
+           (std::uint16_t)(height >> 16), 1, (std::uint16_t)bits, (std::uint16_t)compression, 0,
+           (std::uint16_t)sizeImage, (std::uint16_t)(sizeImage >> 16), 0, 0, 0, 0,
+           (std::uint16_t)colours, 0, 0, 0};
+    p.resize(p.size() + colours * 2 + (bitsBytes + 1) / 2);
+    return p;
+}
+P Cat(P a, const P& b)
+{
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+// A record's bytes.
+std::vector<unsigned char> Record(std::uint16_t function, const P& params)
+{
+    Wmf w;
+    return w.Rec(function, params).b;
+}
+
+} // namespace
+
+TEST(NativeWmfGuard, Headers)
+{
+    struct Case {
+        const char* name;
+        std::vector<unsigned char> data;
+        HeaderVerdict verdict;
+        std::int32_t left, right, top, bottom;
+        std::uint16_t inch;
+        std::uint32_t first;
+    } cases[] = {
+        {"placeable", Wmf().Placeable(-10, 20, 300, 400, 1440).Header(0).Done(), kHeaderOk, -10, 300, 20, 400, 1440, 40},
+        {"no placeable", Wmf().Header(0).Done(), kHeaderOk, 0, 1000, 0, 1000, 576, 18},
+        {"checksum off by one bit", Wmf().Placeable(0, 0, 100, 100, 96, 1).Header(0).Done(), kHeaderChecksum, 0, 0, 0, 0, 0, 0},
+        {"checksum off by the top bit", Wmf().Placeable(0, 0, 100, 100, 96, 0x8000).Header(0).Done(), kHeaderChecksum, 0, 0, 0, 0, 0, 0},
+        {"type 2", Wmf().Header(0, 2).Done(), kHeaderOk, 0, 1000, 0, 1000, 576, 18},
+        {"type 3", Wmf().Header(0, 3).Done(), kHeaderType, 0, 0, 0, 0, 0, 0},
+        {"type 0", Wmf().Header(0, 0).Done(), kHeaderType, 0, 0, 0, 0, 0, 0},
+        {"header size 8", Wmf().Header(0, 1, 8).Done(), kHeaderSize, 0, 0, 0, 0, 0, 0},
+        {"header size 10", Wmf().Placeable(0, 0, 1, 1, 1).Header(0, 1, 10).Done(), kHeaderOk, 0, 1, 0, 1, 1, 42},
+        {"placeable cut short", std::vector<unsigned char>{0xD7, 0xCD, 0xC6, 0x9A, 0, 0}, kHeaderShort, 0, 0, 0, 0, 0, 0},
+        {"METAHEADER cut short", std::vector<unsigned char>{1, 0, 9, 0, 0, 3}, kHeaderShort, 0, 0, 0, 0, 0, 0},
+    };
+    for (const Case& c : cases) {
+        HeaderInfo info;
+        EXPECT_EQ(c.verdict, ParseHeader(c.data.data(), (std::uint32_t)c.data.size(), &info)) << c.name;
+        if (c.verdict != kHeaderOk)
+            continue;
+        EXPECT_EQ(c.left, info.left) << c.name;
+        EXPECT_EQ(c.right, info.right) << c.name;
+        EXPECT_EQ(c.top, info.top) << c.name;
+        EXPECT_EQ(c.bottom, info.bottom) << c.name;
+        EXPECT_EQ(c.inch, info.inch) << c.name;
+        EXPECT_EQ(c.first, info.firstRecord) << c.name;
+    }
+    // A largest record of 2 words is refused; 3 is the least accepted.
+    std::vector<unsigned char> d = Wmf().Header(0).Done();
+    HeaderInfo info;
+    d[12] = 2;
+    EXPECT_EQ(kHeaderMaxRecord, ParseHeader(d.data(), (std::uint32_t)d.size(), &info));
+    d[12] = 3;
+    EXPECT_EQ(kHeaderOk, ParseHeader(d.data(), (std::uint32_t)d.size(), &info));
+    // The handle table: the declared count, bounded by what the data could create.
+    EXPECT_EQ(4u, ClampObjects(4, 1000));
+    EXPECT_EQ(100u, ClampObjects(65535, 1009));
+    EXPECT_EQ(0u, ClampObjects(7, 9));
+    EXPECT_EQ(65535u, ClampObjects(0xFFFFFFFFu, 0xFFFFFFFFu));
+}
+
+TEST(NativeWmfGuard, RecordsAtTheirEdges)
+{
+    const P rgb8 = Dib(3, 2, 8, 0, 2, 8);  // stride 4, 2 rows
+    struct Case {
+        const char* name;
+        std::uint16_t function;
+        P params;
+        RecordVerdict verdict;
+    } cases[] = {
+        {"rectangle", fnRectangle, {1, 2, 3, 4}, kRecordOk},
+        {"rectangle one short", fnRectangle, {1, 2, 3}, kRecordShort},
+        {"polygon of 2", fnPolygon, {2, 0, 0, 5, 5}, kRecordOk},
+        {"polygon claims 3", fnPolygon, {3, 0, 0, 5, 5}, kRecordCount},
+        {"polygon claims 65535", fnPolyline, {65535, 0, 0}, kRecordCount},
+        {"polypolygon", fnPolyPolygon, {2, 1, 2, 0, 0, 1, 1, 2, 2}, kRecordOk},
+        {"polypolygon one point short", fnPolyPolygon, {2, 1, 3, 0, 0, 1, 1, 2, 2}, kRecordCount},
+        {"polypolygon counts past the end", fnPolyPolygon, {4, 1, 1}, kRecordCount},
+        {"textout 3 chars", fnTextOut, {3, 0x4241, 0x0043, 0, 0}, kRecordOk},
+        {"textout 5 chars in 2 words", fnTextOut, {5, 0x4241, 0x0043, 0, 0}, kRecordCount},
+        {"exttextout plain", fnExtTextOut, {0, 0, 2, 0, 0x4241}, kRecordOk},
+        {"exttextout opaque rectangle", fnExtTextOut, {0, 0, 2, 2, 0, 0, 9, 9, 0x4241}, kRecordOk},
+        {"exttextout rectangle missing", fnExtTextOut, {0, 0, 2, 2, 0x4241}, kRecordCount},
+        {"exttextout all advances", fnExtTextOut, {0, 0, 2, 0, 0x4241, 7, 7}, kRecordOk},
+        {"exttextout half the advances", fnExtTextOut, {0, 0, 2, 0, 0x4241, 7}, kRecordCount},
+        {"exttextout pdy advances", fnExtTextOut, {0, 0, 1, 0x2000, 0x41, 7, 0}, kRecordOk},
+        {"exttextout pdy, half", fnExtTextOut, {0, 0, 2, 0x2000, 0x4241, 7, 0}, kRecordCount},
+        {"select object 1 of 2", fnSelectObject, {1}, kRecordOk},
+        {"select object 2 of 2", fnSelectObject, {2}, kRecordObject},
+        {"delete object 2 of 2", fnDeleteObject, {2}, kRecordObject},
+        {"fill region, brush outside", fnFillRegion, {0, 2}, kRecordObject},
+        {"frame region", fnFrameRegion, {1, 0, 1, 1}, kRecordOk},
+        {"palette of 2", fnCreatePalette, {0x300, 2, 0, 0, 0, 0}, kRecordOk},
+        {"palette claims 3", fnCreatePalette, {0x300, 3, 0, 0, 0, 0}, kRecordCount},
+        {"set palette entries claims 1", fnSetPalEntries, {0, 1, 0}, kRecordCount},
+        {"region of one scan", fnCreateRegion, {0, 6, 0, 0, 0, 1, 2, 0, 0, 5, 5, 2, 0, 5, 0, 5, 2}, kRecordOk},
+        {"region scan count past end", fnCreateRegion, {0, 6, 0, 0, 0, 2, 2, 0, 0, 5, 5, 2, 0, 5, 0, 5, 2}, kRecordCount},
+        {"region odd scan count", fnCreateRegion, {0, 6, 0, 0, 0, 1, 2, 0, 0, 5, 5, 1, 0, 5, 0, 1}, kRecordCount},
+        {"region count words disagree", fnCreateRegion, {0, 6, 0, 0, 0, 1, 2, 0, 0, 5, 5, 2, 0, 5, 0, 5, 4}, kRecordCount},
+        {"font, face cut short", fnCreateFontIndirect, {12, 0, 0, 0, 400, 0, 0, 0, 0x41}, kRecordOk},
+        {"font without its fixed fields", fnCreateFontIndirect, {12, 0, 0, 0, 400, 0, 0, 0}, kRecordShort},
+        {"stretchdib", fnStretchDib, Cat(P(11), rgb8), kRecordOk},
+        {"stretchdib a byte short", fnStretchDib, Cat(P(11), Dib(3, 2, 8, 0, 2, 7 - 2)), kRecordBitmap},
+        {"stretchdib top-down", fnStretchDib, Cat(P(11), Dib(3, -2, 8, 0, 2, 8)), kRecordOk},
+        {"stretchdib 16 colours at 1 bit", fnStretchDib, Cat(P(11), Dib(3, 2, 1, 0, 16, 8)), kRecordBitmap},
+        {"stretchdib png", fnStretchDib, Cat(P(11), Dib(3, 2, 0, 5, 0, 8, 8)), kRecordBitmap},
+        {"stretchdib rle8", fnStretchDib, Cat(P(11), Dib(3, 2, 8, 1, 2, 6, 6)), kRecordOk},
+        {"stretchdib rle8 image size past end", fnStretchDib, Cat(P(11), Dib(3, 2, 8, 1, 2, 6, 8)), kRecordBitmap},
+        {"stretchdib width 2^31", fnStretchDib, Cat(P(11), Dib(0x7FFFFFFF, 2, 32, 0, 0, 8)), kRecordBitmap},
+        {"stretchdib bitfields", fnStretchDib, Cat(P(11), Dib(2, 1, 16, 3, 0, 12 + 4)), kRecordOk},
+        {"stretchdib bitfields, masks cut", fnStretchDib, Cat(P(11), Dib(2, 1, 16, 3, 0, 12)), kRecordBitmap},
+        {"dibbitblt without bitmap", fnDibBitBlt, P(9), kRecordOk},
+        {"dibbitblt with a DIB", fnDibBitBlt, Cat(P(8), rgb8), kRecordOk},
+        {"dibbitblt, DIB header cut", fnDibBitBlt, Cat(P(8), P(19, 0)), kRecordBitmap},
+        {"dibstretchblt without bitmap", fnDibStretchBlt, P(11), kRecordOk},
+        {"setdibtodev one scan of two", fnSetDibToDev, Cat(P{0, 1, 0, 0, 0, 2, 3, 0, 0}, Dib(3, 2, 8, 0, 2, 4)), kRecordOk},
+        {"setdibtodev two scans, one there", fnSetDibToDev, Cat(P{0, 2, 0, 0, 0, 2, 3, 0, 0}, Dib(3, 2, 8, 0, 2, 4)), kRecordBitmap},
+        {"dib pattern brush", fnDibCreatePatternBrush, Cat(P{5, 0}, rgb8), kRecordOk},
+        {"dib pattern brush, palette indices", fnDibCreatePatternBrush, Cat(P{5, 1}, Dib(3, 2, 8, 0, 1, 8)), kRecordOk},
+        {"dib pattern brush, usage 2", fnDibCreatePatternBrush, Cat(P{5, 2}, rgb8), kRecordBitmap},
+        {"bitblt without bitmap", fnBitBlt, P(9), kRecordOk},
+        {"bitblt 16x2 mono", fnBitBlt, Cat(P(8), P{0, 16, 2, 2, 0x0101, 0, 0, 0xFFFF, 0xFFFF}), kRecordOk},
+        {"bitblt 33x2 mono, short", fnBitBlt, Cat(P(8), P{0, 33, 2, 2, 0x0101, 0, 0, 0xFFFF, 0xFFFF}), kRecordBitmap},
+        {"bitblt 32-bit, rows right after the 10 bytes", fnBitBlt, Cat(P(8), Cat(P{32, 2, 1, 8, 0x2001}, P(4))), kRecordOk},
+        {"bitblt 32-bit, a byte short", fnBitBlt, Cat(P(8), Cat(P{32, 2, 1, 8, 0x2001}, P(3))), kRecordBitmap},
+        {"pattern brush 8x8 mono", fnCreatePatternBrush, Cat(P{0, 8, 8, 2, 0x0101, 0, 0}, P(9 + 8)), kRecordOk},
+        {"pattern brush missing a row", fnCreatePatternBrush, Cat(P{0, 8, 8, 2, 0x0101, 0, 0}, P(9 + 7)), kRecordBitmap},
+        {"escape of any length", fnEscape, {15, 8262}, kRecordOk},
+        {"unknown function", 0x0777, {1, 2, 3}, kRecordUnknown},
+    };
+    for (const Case& c : cases) {
+        std::vector<unsigned char> r = Record(c.function, c.params);
+        rlnative::Exact rec(r.size());
+        std::memcpy(rec.p, r.data(), r.size());
+        std::uint32_t bytes = 0;
+        EXPECT_EQ(c.verdict, CheckRecord(rec.p, (std::uint32_t)r.size(), 2, &bytes)) << c.name;
+        EXPECT_EQ(r.size(), bytes) << c.name;
+    }
+    // Framing: size below 3 words, size past the data, fewer than 6 bytes.
+    std::vector<unsigned char> r = Record(fnRectangle, {1, 2, 3, 4});
+    std::uint32_t bytes = 0;
+    EXPECT_EQ(kRecordTruncated, CheckRecord(r.data(), (std::uint32_t)r.size() - 1, 2, &bytes));
+    EXPECT_EQ(kRecordTruncated, CheckRecord(r.data(), 5, 2, &bytes));
+    r[0] = 2;
+    EXPECT_EQ(kRecordTooSmall, CheckRecord(r.data(), (std::uint32_t)r.size(), 2, &bytes));
+    r[0] = 0, r[3] = 0x80;
+    EXPECT_EQ(kRecordTruncated, CheckRecord(r.data(), (std::uint32_t)r.size(), 2, &bytes));
+}
+
+TEST(NativeWmfGuard, FilterAndCorrections)
+{
+    struct ActionCase {
+        std::uint16_t function;
+        Action action;
+    } actions[] = {
+        {fnEof, kEnd}, {fnCreatePalette, kPlayCreate}, {fnDibCreatePatternBrush, kPlayCreate},
+        {fnCreatePatternBrush, kPlayCreate}, {fnCreatePenIndirect, kPlayCreate}, {fnCreateFontIndirect, kPlayCreate},
+        {fnCreateBrushIndirect, kPlayCreate}, {fnCreateRegion, kPlayCreate}, {fnDeleteObject, kPlayDelete},
+        {fnSetWindowExt, kPlayWindow}, {fnScaleWindowExt, kPlayWindow}, {fnSetViewportOrg, kSkip},
+        {fnSetViewportExt, kSkip}, {fnOffsetWindowOrg, kSkip}, {fnOffsetViewportOrg, kSkip},
+        {fnScaleViewportExt, kSkip}, {fnSelectPalette, kSelectPalette}, {fnSetDibToDev, kPlay},
+        {fnExcludeClipRect, kSkip}, {fnIntersectClipRect, kSkip}, {fnEscape, kSkip}, {fnRectangle, kPlayRect},
+        {fnRoundRect, kPlayRect}, {fnArc, kPlayArc}, {fnPie, kPlayArc}, {fnChord, kPlay}, {fnEllipse, kPlay},
+        {fnSetWindowOrg, kPlay}, {fnSetMapMode, kPlay}, {fnPolygon, kPlay},
+    };
+    for (const ActionCase& a : actions)
+        EXPECT_EQ(a.action, FilterAction(a.function)) << std::hex << a.function;
+
+    struct OrientCase {
+        long vx, wx, vy, wy;
+        int orientation;
+    } orients[] = {
+        {100, 100, 100, 100, 0}, {-100, 100, 100, 100, 1}, {100, 100, 100, -100, 5}, {-100, 100, -100, 100, 4},
+        {100, -1, -1, 100, 4}, {-5, -5, -5, -5, 0}, {0, 1, 0, 1, 0}, {0, -1, 1, 1, 1},
+    };
+    for (const OrientCase& o : orients)
+        EXPECT_EQ(o.orientation, ComputeOrientation(o.vx, o.wx, o.vy, o.wy)) << o.vx << " " << o.wx << " " << o.vy << " " << o.wy;
+
+    // Rectangle words in record order: bottom, right, top, left.
+    struct RectCase {
+        int orientation;
+        std::uint16_t out[4];
+    } rects[] = {{0, {1, 2, 3, 4}}, {1, {1, 4, 3, 2}}, {5, {3, 2, 1, 4}}, {4, {3, 4, 1, 2}}};
+    for (const RectCase& c : rects) {
+        std::uint16_t w[4] = {1, 2, 3, 4};
+        ReorientRect(w, c.orientation);
+        EXPECT_EQ(0, std::memcmp(w, c.out, sizeof w)) << c.orientation;
+    }
+    // Arcs: end and start exchanged for one flipped axis only; the rectangle stays.
+    for (int o : {0, 1, 4, 5}) {
+        std::uint16_t p[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+        ReorientArc(p, o);
+        bool swapped = o == 1 || o == 5;
+        std::uint16_t want[8] = {3, 4, 1, 2, 5, 6, 7, 8};
+        EXPECT_EQ(swapped ? want[0] : 1, p[0]) << o;
+        EXPECT_EQ(swapped ? want[1] : 2, p[1]) << o;
+        EXPECT_EQ(swapped ? want[2] : 3, p[2]) << o;
+        EXPECT_EQ(swapped ? want[3] : 4, p[3]) << o;
+        EXPECT_EQ(5, p[4]) << o;
+    }
+}
+
+// A well-formed metafile with every kind of checked record, damaged at random
+// by byte changes, cuts and splices, walked under the sanitizers.
+TEST(NativeWmfGuard, DamagedMetafilesStayInBounds)
+{
+    Wmf w;
+    w.Placeable(0, 0, 100, 100, 96).Header(3);
+    w.Rec(fnCreatePenIndirect, {0, 1, 0, 0, 0}).Rec(fnSelectObject, {0});
+    w.Rec(fnPolygon, {3, 0, 0, 50, 0, 50, 50}).Rec(fnPolyPolygon, {2, 2, 2, 0, 0, 1, 1, 2, 2, 3, 3});
+    w.Rec(fnTextOut, {3, 0x4241, 0x43, 5, 5}).Rec(fnExtTextOut, {5, 5, 2, 6, 0, 0, 9, 9, 0x4241, 4, 4});
+    w.Rec(fnCreateRegion, {0, 6, 0, 0, 0, 1, 2, 0, 0, 5, 5, 2, 0, 5, 0, 5, 2}).Rec(fnSelectClipRegion, {1});
+    w.Rec(fnStretchDib, Cat(P(11), Dib(3, 2, 8, 0, 2, 8))).Rec(fnDibBitBlt, Cat(P(8), Dib(2, 2, 1, 0, 2, 8)));
+    w.Rec(fnSetDibToDev, Cat(P{0, 1, 0, 0, 0, 2, 3, 0, 0}, Dib(3, 2, 8, 0, 2, 4)));
+    w.Rec(fnBitBlt, Cat(P(8), P{0, 16, 2, 2, 0x0101, 0, 0, 0xFFFF, 0xFFFF}));
+    w.Rec(fnRectangle, {9, 9, 1, 1}).Rec(fnArc, {0, 0, 9, 9, 9, 9, 0, 0}).Rec(fnDeleteObject, {0});
+    const std::vector<unsigned char> good = w.Done();
+    unsigned played = 0;
+    ASSERT_TRUE(wmffuzz::Run(good.data(), good.size(), &played));
+    EXPECT_EQ(15u, played);
+
+    rlnative::Rng rng(132);
+    for (int round = 0; round < 20000; ++round) {
+        std::vector<unsigned char> d = good;
+        for (int k = 1 + (int)rng.Below(4); k > 0; --k) {
+            switch (rng.Below(4)) {
+            case 0: d[rng.Below((std::uint32_t)d.size())] = rng.Byte(); break;
+            case 1: d[rng.Below((std::uint32_t)d.size())] = (unsigned char)rng.Edgy(); break;
+            case 2: d.resize(rng.Below((std::uint32_t)d.size()) + 1); break;
+            default: {
+                std::size_t at = rng.Below((std::uint32_t)d.size());
+                std::vector<unsigned char> piece(d.begin(), d.begin() + rng.Below((std::uint32_t)(d.size() - at) + 1));
+                d.insert(d.begin() + at, piece.begin(), piece.end());
+            }
+            }
+        }
+        rlnative::Exact exact(d.size());
+        std::memcpy(exact.p, d.data(), d.size());
+        ASSERT_TRUE(wmffuzz::Run(exact.p, d.size())) << rlnative::LastFailure() << " in round " << round;
+    }
+}
+
+TEST(NativeWmfGuard, PageAspect)
+{
+    struct Case {
+        std::int32_t w, h;
+        short x, y;
+    } cases[] = {
+        {1000, 500, 21000, 10500},    // wider than A4: the height shrinks
+        {500, 1000, 14850, 29700},    // taller: the width shrinks
+        {0, 500, 21000, 29700},       // no width: the page stays
+        {1000, 0, 21000, 29700},
+        {-1000, -500, 21000, 10500},  // signs cancel
+        {3, 7, 12729, 29700},         // 29700 * 3 / 7 = 12728.57 rounds up
+    };
+    for (const Case& c : cases) {
+        short x = 21000, y = 29700;
+        PreserveAspect(c.w, c.h, &x, &y);
+        EXPECT_EQ(c.x, x) << c.w << " x " << c.h;
+        EXPECT_EQ(c.y, y) << c.w << " x " << c.h;
+    }
+    EXPECT_EQ(3, MulDiv(5, 3, 5));
+    EXPECT_EQ(-2, MulDiv(-3, 1, 2));   // -1.5 rounds away from zero
+    EXPECT_EQ(2, MulDiv(3, 1, 2));
+    EXPECT_EQ(-1, MulDiv(1, 1, 0));
+    EXPECT_EQ(-1, MulDiv(0x7FFFFFFF, 2, 1));
+}
