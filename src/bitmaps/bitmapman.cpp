@@ -46,6 +46,13 @@ REFSTRING::~REFSTRING()
         next->prev = prev;
     if (rlstate::bmState.lastFile == this)
         rlstate::bmState.lastFile = nullptr;
+    // No bitmap comes back from this file any more: the shared re-read file
+    // lets go of it, so that the application can write it again.
+    vFILE*& reread = rlstate::bmState.rereadFile;
+    if (kind == BITMAPFILE && reread && reread->Name() == name) {
+        delete reread;
+        reread = nullptr;
+    }
     // Written whatever the trace level.
     vTrace(0, "REFSTRING is destoyed");
 }

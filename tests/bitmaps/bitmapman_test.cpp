@@ -132,6 +132,10 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
         leaked += GetObjectType(h) != 0;
     EXPECT_EQ(0, leaked) << "of " << seen.size();
     EXPECT_GE(seen.size(), 1000u);
+    // With its last bitmap gone the file is the application's again.
+    HANDLE writer = CreateFileA(doc.path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_NE(INVALID_HANDLE_VALUE, writer);
+    CloseHandle(writer);
 }
 
 TEST(BitmapManager, PassesStopAtWhatMayNotGo)
