@@ -7,6 +7,9 @@
 #include "rl132/bitmaps/odibhead.h"
 #include "rl132/bitmaps/odib.h"
 #include "rl132/bitmaps/vbmresize.h"
+#include "rl132/bitmaps/vpicture.h"
+#include "rl132/bitmaps/vbitmap.h"
+#include "rl132/bitmaps/vbitmapman.h"
 #include "rl132/bitmaps/vdisplaybmp.h"
 
 #endif

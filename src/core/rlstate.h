@@ -30,6 +30,9 @@
 
 class vDEVICE;
 class vSCREEN;
+class vBITMAPMAN;
+class vFILE;
+class REFSTRING;
 class LINEINFO;
 namespace rlgeom {
 class LISTINFO;
@@ -140,18 +143,34 @@ extern DISPLAYBITSPROC displayBits;
 extern LINEINFO lineInfo;
 extern rlgeom::LISTINFO listInfo;
 
-// ================================================================= reserved
-// The drawing half's state still to join here, one entry each with its owner
-// and when it is set:
-//   - the bitmap manager, and its shared re-read file.
+// ---------------------------------------------------------------- bitmaps
+// Owner: the bitmap manager (src/bitmaps/bitmapman.cpp).
+struct BMSTATE {
+    // The one manager: made when the process attaches the library, gone when
+    // it detaches (null before and after).
+    vBITMAPMAN* manager;
+    // The shared re-read file that paged-out bitmaps of named files come back
+    // through; opened on the first such page-in, kept open between them.
+    vFILE* rereadFile;
+    // The lists of known file names (bitmap files, Photo CD volumes) and the
+    // bitmap-file record last matched. Records link and unlink themselves.
+    REFSTRING* files;
+    REFSTRING* volumes;
+    REFSTRING* lastFile;
+    // A context on the display that strips are made on, created on first
+    // need and deleted with the manager, so that a page-in does not ask the
+    // window system for the screen's context each time.
+    HDC displayDC;
+};
+extern BMSTATE bmState;
 
+// --------------------------------------------------------------- metafiles
 // The fixed temporary metafile name of native-metafile conversion. Owner:
 // vNATIVEMETA (src/metafiles/vnativemeta.cpp); a constant, never written.
 // A Windows metafile passes through this file, in the system's temporary
 // folder, on its way to a native one. The name is fixed: two conversions at
 // once, in one process or two, share the file, so callers serialise them.
 const char kTempMetafileName[] = "tmp.tmp";
-// ================================================================= end reserved
 
 } // namespace rlstate
 
