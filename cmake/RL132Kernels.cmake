@@ -12,6 +12,7 @@
 get_filename_component(_rl132_root ${CMAKE_CURRENT_LIST_DIR}/.. ABSOLUTE)
 
 set(RL132_INTERNAL_KERNELS
+  ${_rl132_root}/src/bitmaps/bmrecord.cpp    # bitmap record headers, strips, the resident limit
   ${_rl132_root}/src/bitmaps/dibrows.cpp     # DIB stored-form arithmetic, difference coding
   ${_rl132_root}/src/bitmaps/dither.cpp      # error diffusion and the colour cube
   ${_rl132_root}/src/bitmaps/pixfmt.cpp      # the pixel-format table

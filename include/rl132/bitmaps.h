@@ -7,5 +7,8 @@
 #include "rl132/bitmaps/odibhead.h"
 #include "rl132/bitmaps/odib.h"
 #include "rl132/bitmaps/vbmresize.h"
+#include "rl132/bitmaps/vpicture.h"
+#include "rl132/bitmaps/vbitmap.h"
+#include "rl132/bitmaps/vbitmapman.h"
 
 #endif

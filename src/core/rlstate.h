@@ -28,6 +28,9 @@
 
 class vDEVICE;
 class vSCREEN;
+class vBITMAPMAN;
+class vFILE;
+class REFSTRING;
 class LINEINFO;
 namespace rlgeom {
 class LISTINFO;
@@ -127,10 +130,26 @@ extern DEVSTATE devState;
 extern LINEINFO lineInfo;
 extern rlgeom::LISTINFO listInfo;
 
+// ---------------------------------------------------------------- bitmaps
+// Owner: the bitmap manager (src/bitmaps/bitmapman.cpp).
+struct BMSTATE {
+    // The one manager: made when the process attaches the library, gone when
+    // it detaches (null before and after).
+    vBITMAPMAN* manager;
+    // The shared re-read file that paged-out bitmaps of named files come back
+    // through; opened on the first such page-in, kept open between them.
+    vFILE* rereadFile;
+    // The lists of known file names (bitmap files, Photo CD volumes) and the
+    // bitmap-file record last matched. Records link and unlink themselves.
+    REFSTRING* files;
+    REFSTRING* volumes;
+    REFSTRING* lastFile;
+};
+extern BMSTATE bmState;
+
 // ================================================================= reserved
 // The drawing half's state still to join here, one entry each with its owner
 // and when it is set:
-//   - the bitmap manager, and its shared re-read file;
 //   - the fixed temporary metafile name of native-metafile conversion.
 // ================================================================= end reserved
 

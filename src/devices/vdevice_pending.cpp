@@ -1,26 +1,11 @@
-// The device's roads into the bitmap, DIB and metafile subsystems. Until
+// The device's roads into the DIB and metafile subsystems. Until
 // those serve them, each of these members draws nothing and returns 0, so
 // that a caller is told the primitive was not drawn.
 #include <windows.h>
 #include "rl132/devices/vdevice.h"
 
-// Bitmaps, DIBs and metafiles are drawn by their own subsystems.
+// DIBs and metafiles are drawn by their own subsystems.
 int vDEVICE::DrawMetafile(vMETAFILE&, const vRECT&)
-{
-    return 0;
-}
-
-int vDEVICE::DrawBitmap(const vBITMAP&, const vRECT&, const vRECT&)
-{
-    return 0;
-}
-
-int vDEVICE::DrawBitmap(const vBITMAP&, const vRECT&)
-{
-    return 0;
-}
-
-int vDEVICE::DrawBitmap(const vBITMAP&, const vPOINT&)
 {
     return 0;
 }
@@ -31,11 +16,6 @@ int vDEVICE::DrawDIB(const oDIB&, const vRECT&, vCOLOUR*)
 }
 
 int vDEVICE::DrawDIB(const oDIB&, vRECT*, vCOLOUR*, int, int, vRECT*, int, vCOLOUR*)
-{
-    return 0;
-}
-
-int vDEVICE::DrawTransparentBitmap(const vBITMAP&, const vPOINT&, const vCOLOUR&)
 {
     return 0;
 }

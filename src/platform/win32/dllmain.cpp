@@ -2,10 +2,15 @@
 #include <windows.h>
 #include "rl132/core/rldefs.h"
 #include "platform/vsystementry.h"
+#include "bitmaps/bitmapman.h"
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD /*reason*/, LPVOID /*reserved*/)
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/)
 {
     vSYSTEMENTRY::Run(instance);
+    if (reason == DLL_PROCESS_ATTACH)
+        rlbitmapman::Start();
+    else if (reason == DLL_PROCESS_DETACH)
+        rlbitmapman::Stop();
     return TRUE;
 }
 

@@ -1,0 +1,260 @@
+// Reading bitmap records (see bmread.h and bmrecord.h).
+#include "bitmaps/bmread.h"
+#include <cstring>
+#include "core/rlstate.h"
+#include "rl132/core/vmem.h"
+#include "rl132/streams/vimplode.h"
+#include "rl132/streams/vstream.h"
+
+namespace rlbmread {
+
+namespace {
+
+// The expander's input: the compressed bytes already in memory.
+struct INPUT {
+    const unsigned char* data;
+    unsigned long left;
+};
+
+// The expander's output, grown as it comes and never past `cap`: no record
+// holds more than the largest image with its header and palette.
+struct OUTPUT {
+    unsigned char* data;
+    std::uint32_t size;
+    std::uint32_t capacity;
+    bool overflow;
+};
+const std::uint32_t kOutputCap = rlbmrec::kMaxImageBytes + 40u + 1024u;
+
+unsigned int FeedInput(char* buf, unsigned int* size, void* param)
+{
+    INPUT* in = static_cast<INPUT*>(param);
+    unsigned int n = *size < in->left ? *size : (unsigned int)in->left;
+    std::memcpy(buf, in->data, n);
+    in->data += n;
+    in->left -= n;
+    return n;
+}
+
+void TakeOutput(char* buf, unsigned int* size, void* param)
+{
+    OUTPUT* out = static_cast<OUTPUT*>(param);
+    std::uint32_t n = *size;
+    if (out->overflow)
+        return;
+    if (n > kOutputCap - out->size) {
+        out->overflow = true;
+        return;
+    }
+    if (out->size + n > out->capacity) {
+        std::uint32_t grown = out->capacity ? out->capacity : 65536u;
+        while (grown < out->size + n)
+            grown = grown > kOutputCap / 2 ? kOutputCap : grown * 2;
+        unsigned char* p = static_cast<unsigned char*>(out->data ? vMemRealloc(out->data, grown) : vMemAlloc(grown));
+        if (!p) {
+            out->overflow = true;
+            return;
+        }
+        out->data = p;
+        out->capacity = grown;
+    }
+    std::memcpy(out->data + out->size, buf, n);
+    out->size += n;
+}
+
+// The header as GDI is to read it: no stated image size or colour count to
+// second-guess the rows and the full palette that follow it.
+void PrepareHeader(unsigned char* h)
+{
+    std::memset(h + 20, 0, 4);  // biSizeImage
+    std::memset(h + 32, 0, 8);  // biClrUsed, biClrImportant
+}
+
+} // namespace
+
+RECORD::RECORD(vSTREAM& stream)
+    : s(stream), detect(stream.DetectingCompressed()), ok(false), expanded(nullptr), expandedBytes(0), at(0),
+      rowsDone(0)
+{
+    std::memset(&plan, 0, sizeof plan);
+    // Row bytes may begin like a compressed frame; the record's bytes are
+    // taken as they stand.
+    s.DetectCompressed(0);
+    unsigned long start = s.CurrentPos();
+    // A seek clears a failure an earlier operation left on the stream.
+    s.MoveFromStart(start);
+    unsigned long first = s.ReadULong();
+    if (s.Status() != vSTREAM_OK)
+        return;
+    ok = first == rlbmrec::kRecordMagic ? ReadCompressed() : ReadPlain(start);
+}
+
+RECORD::~RECORD()
+{
+    vMemFree(expanded);
+    s.DetectCompressed(detect);
+}
+
+bool RECORD::ReadCompressed()
+{
+    unsigned long length = s.ReadULong();
+    if (s.Status() != vSTREAM_OK)
+        return false;
+    unsigned long pos = s.CurrentPos(), size = s.Size();
+    if (pos > size || length > size - pos || length == 0)
+        return false;
+    unsigned char* packed = static_cast<unsigned char*>(vMemAlloc(length));
+    char* work = static_cast<char*>(vMemAlloc(EXP_BUFFER_SIZE));
+    bool good = packed && work && (unsigned long)s.ReadByteString(packed, length) == length;
+    OUTPUT out = {nullptr, 0, 0, false};
+    if (good) {
+        INPUT in = {packed, length};
+        // Both callbacks take their state through the one parameter.
+        struct BOTH {
+            INPUT* in;
+            OUTPUT* out;
+        } both = {&in, &out};
+        good = explode(
+                   [](char* b, unsigned int* n, void* p) { return FeedInput(b, n, static_cast<BOTH*>(p)->in); },
+                   [](char* b, unsigned int* n, void* p) { TakeOutput(b, n, static_cast<BOTH*>(p)->out); },
+                   work, &both) == CMP_NO_ERROR &&
+               !out.overflow;
+    }
+    vMemFree(work);
+    vMemFree(packed);
+    expanded = out.data;
+    expandedBytes = out.size;
+    if (!good || rlbmrec::PlanCompressed(expanded, expandedBytes, &plan) != rlbmrec::kOk)
+        return false;
+    std::memcpy(info, expanded, InfoBytes());
+    PrepareHeader(info);
+    at = 40u + plan.paletteEntries * 4u + plan.skipBytes;
+    return true;
+}
+
+bool RECORD::ReadPlain(unsigned long start)
+{
+    s.MoveFromStart(start);
+    unsigned char fileHeader[14];
+    if (s.ReadByteString(fileHeader, 14) != 14 || fileHeader[0] != 'B' || fileHeader[1] != 'M')
+        s.MoveFromStart(start);
+    if (s.ReadByteString(info, 40) != 40)
+        return false;
+    unsigned long pos = s.CurrentPos(), size = s.Size();
+    std::uint64_t available = pos <= size ? size - pos : 0;
+    if (rlbmrec::PlanHeader(info, available, &plan) != rlbmrec::kOk)
+        return false;
+    unsigned long palette = plan.paletteEntries * 4ul;
+    if (palette && (unsigned long)s.ReadByteString(info + 40, palette) != palette)
+        return false;
+    if (plan.skipBytes)
+        s.MoveFromCur((long)plan.skipBytes);
+    PrepareHeader(info);
+    return s.Status() == vSTREAM_OK;
+}
+
+bool RECORD::Rows(unsigned char* out, std::uint32_t rows)
+{
+    if (!ok || rows > plan.height - rowsDone)
+        return false;
+    std::uint32_t bytes = rows * plan.stride;
+    rowsDone += rows;
+    if (!expanded)
+        return (std::uint32_t)s.ReadByteString(out, bytes) == bytes;
+    // Rows a 16-bit byte count left out of the record read as zero.
+    std::uint32_t have = at < expandedBytes ? expandedBytes - at : 0;
+    if (have > bytes)
+        have = bytes;
+    std::memcpy(out, expanded + at, have);
+    std::memset(out + have, 0, bytes - have);
+    at += bytes;
+    return true;
+}
+
+void RECORD::Finish()
+{
+    if (ok && !expanded && rowsDone == plan.height && plan.imageBytes > plan.rowBytes)
+        s.MoveFromCur((long)(plan.imageBytes - plan.rowBytes));
+}
+
+SCREENDC::SCREENDC() : dc(GetDC(nullptr)), old(nullptr)
+{
+    if (dc && rlstate::devState.palette) {
+        old = SelectPalette(dc, rlstate::devState.palette, FALSE);
+        RealizePalette(dc);
+    }
+}
+
+SCREENDC::~SCREENDC()
+{
+    if (!dc)
+        return;
+    if (old)
+        SelectPalette(dc, old, FALSE);
+    ReleaseDC(nullptr, dc);
+}
+
+bool ReadStrips(vSTREAM& stream, STRIPSINK& sink)
+{
+    RECORD r(stream);
+    if (!r.Ok())
+        return false;
+    const rlbmrec::Plan& p = r.Plan();
+    if (p.stripCount > 0xFFFFu || p.rowsPerStrip > 0xFFFFu || !sink.Begin((unsigned short)p.stripCount))
+        return false;
+    unsigned char* rows = static_cast<unsigned char*>(vMemAlloc(p.rowsPerStrip * p.stride));
+    if (!rows)
+        return false;
+    SCREENDC screen;
+    BITMAPINFO* bi = r.Info();
+    bool good = screen.dc != nullptr;
+    for (std::uint32_t k = 0; good && k < p.stripCount; ++k) {
+        std::uint32_t n = rlbmrec::StripRows(p.height, p.rowsPerStrip, k);
+        if (!r.Rows(rows, n)) {
+            good = false;
+            break;
+        }
+        bi->bmiHeader.biHeight = p.topDown ? -(LONG)n : (LONG)n;
+        HBITMAP b = CreateDIBitmap(screen.dc, &bi->bmiHeader, CBM_INIT, rows, bi, DIB_RGB_COLORS);
+        if (!b) {
+            good = false;
+            break;
+        }
+        // Bottom strip first: stored top-down rows arrive top strip first.
+        sink.Put((unsigned short)(p.topDown ? p.stripCount - 1 - k : k), b, (unsigned short)n);
+    }
+    vMemFree(rows);
+    if (good)
+        r.Finish();
+    return good;
+}
+
+unsigned char* ReadPacked(vSTREAM& stream, unsigned long* bytes)
+{
+    RECORD r(stream);
+    if (!r.Ok())
+        return nullptr;
+    const rlbmrec::Plan& p = r.Plan();
+    unsigned long head = r.InfoBytes();
+    unsigned char* dib = static_cast<unsigned char*>(vMemAlloc(head + p.rowBytes));
+    if (!dib)
+        return nullptr;
+    std::memcpy(dib, r.Info(), head);
+    BITMAPINFOHEADER* h = reinterpret_cast<BITMAPINFOHEADER*>(dib);
+    h->biHeight = (LONG)p.height;
+    h->biSizeImage = p.rowBytes;
+    bool good = true;
+    if (!p.topDown)
+        good = r.Rows(dib + head, p.height);
+    for (std::uint32_t y = 0; good && p.topDown && y < p.height; ++y)
+        good = r.Rows(dib + head + (p.height - 1 - y) * p.stride, 1);
+    if (!good) {
+        vMemFree(dib);
+        return nullptr;
+    }
+    r.Finish();
+    *bytes = head + p.rowBytes;
+    return dib;
+}
+
+} // namespace rlbmread

@@ -1,0 +1,178 @@
+// The bitmap manager: a thousand bitmaps of one file paged out and in under a
+// small resident limit, the page-out passes, and the new-failure handler
+// paging real bitmaps out.
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <random>
+#include "bitmap_oracle.h"
+#include "rltest.h"
+
+namespace {
+
+DWORD GdiObjects()
+{
+    return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+}
+
+// Sets the resident limit for one test and puts the old one back.
+struct LIMIT {
+    explicit LIMIT(unsigned short l) : old(vPAGEOUT::GetResidentLimit()) { vPAGEOUT::SetResidentLimit(l); }
+    ~LIMIT() { vPAGEOUT::SetResidentLimit(old); }
+    unsigned short old;
+};
+
+// n small pictures in one file, each its own; the expected pixels of each
+// drawn at (0, 0) on a memory device of its size.
+struct DOCUMENT {
+    DOCUMENT(int n, long w, long h) : path(rltest::TempPath("bmm"))
+    {
+        std::vector<unsigned char> all;
+        for (int i = 0; i < n; ++i) {
+            bmo::PIC p = bmo::Make(w, h, 24, 1000 + i);
+            bmo::CANVAS c(w, h);
+            c.Draw(p, {0, 0, w, h}, {0, 0, w, h});
+            want.emplace_back(c.Bytes(), c.Bytes() + c.size);
+            all.insert(all.end(), p.bytes.begin(), p.bytes.end());
+        }
+        bmt::Save(path, all);
+    }
+    ~DOCUMENT() { DeleteFileA(path.c_str()); }
+    std::string path;
+    std::vector<std::vector<unsigned char>> want;
+};
+
+TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
+{
+    const int n = 1000;
+    const long w = 24, h = 16;
+    DOCUMENT doc(n, w, h);
+    vBITMAPMAN* m = vBITMAPMAN::Get();
+    ASSERT_NE(nullptr, m);
+    LIMIT limit(20);
+    vMEMDEVICE dev{vINT(w), vINT(h)};
+    dev.GetDIB();
+    const DWORD base = GdiObjects();
+    DWORD peak = base;
+    auto drawsRight = [&](const vBITMAP& b, int i) {
+        if (!b.Draw(dev, vPOINT(vINT(0L), vINT(0L))))
+            return false;
+        peak = std::max(peak, GdiObjects());
+        return std::memcmp(dev.GetDIB(), doc.want[i].data(), doc.want[i].size()) == 0;
+    };
+    {
+        std::vector<vBITMAP> bitmaps;
+        bitmaps.reserve(n);
+        {
+            vFILE file(vSTRING(doc.path.c_str()), vFILE_READONLY, 1);
+            for (int i = 0; i < n; ++i) {
+                bitmaps.emplace_back(file);
+                ASSERT_TRUE(bitmaps.back().Resource() != nullptr) << i;
+                peak = std::max(peak, GdiObjects());
+            }
+            EXPECT_EQ(file.Size(), file.CurrentPos());
+            // While the stream is open, a page-in reads through it and leaves
+            // it where it was.
+            EXPECT_EQ(0, bitmaps[0].Resource()->IsResident());
+            EXPECT_TRUE(drawsRight(bitmaps[0], 0));
+            EXPECT_EQ(file.Size(), file.CurrentPos());
+        }
+        EXPECT_LE(m->ResidentCount(), 20);
+        const unsigned long pageInsBefore = m->PageIns();
+        std::mt19937 rng(3);
+        std::vector<int> order(n);
+        for (int pass = 0; pass < 2; ++pass) {
+            for (int i = 0; i < n; ++i)
+                order[i] = i;
+            std::shuffle(order.begin(), order.end(), rng);
+            int wrong = 0;
+            for (int i : order)
+                wrong += !drawsRight(bitmaps[i], i);
+            EXPECT_EQ(0, wrong) << "pass " << pass;
+        }
+        // Nearly every draw pages in: only the resident few are spared.
+        EXPECT_GT(m->PageIns() - pageInsBefore, (unsigned long)(2 * n - 100));
+        EXPECT_LE(m->ResidentCount(), 20);
+        // One strip each, a device, its bitmap and a few contexts of the drawing.
+        EXPECT_LE(peak, base + 20 * 1 + 6);
+    }
+    EXPECT_EQ(0, m->ResidentCount() + m->PagedOutCount());
+    EXPECT_LE(GdiObjects(), base);
+}
+
+TEST(BitmapManager, PassesStopAtWhatMayNotGo)
+{
+    vBITMAPMAN* m = vBITMAPMAN::Get();
+    ASSERT_EQ(0, m->ResidentCount() + m->PagedOutCount());
+    EXPECT_EQ(0, m->PageOut());
+    DOCUMENT doc(8, 10, 10);
+    LIMIT limit(100);
+    // An unnamed stream cannot be read again: its bitmap stays resident, and
+    // while it is the least recently used nothing behind it goes either.
+    bmo::PIC p = bmo::Make(10, 10, 24, 1);
+    vMEMSTREAM mem;
+    bmt::Fill(mem, p.bytes);
+    std::unique_ptr<vBITMAP> fixed(new vBITMAP(mem));
+    EXPECT_EQ(0, fixed->Resource()->IsPageable());
+    vFILE file(vSTRING(doc.path.c_str()), vFILE_READONLY, 1);
+    std::vector<vBITMAP> named;
+    for (int i = 0; i < 8; ++i)
+        named.emplace_back(file);
+    EXPECT_EQ(9, m->ResidentCount());
+    EXPECT_EQ(5, m->PageOut());
+    EXPECT_EQ(9, m->ResidentCount());
+    // Without it the five oldest go; one made unpageable stays.
+    fixed.reset();
+    named[7].Pageable(0);
+    EXPECT_EQ(5, m->PageOut());
+    EXPECT_EQ(3, m->ResidentCount());
+    EXPECT_EQ(0, named[0].Resource()->IsResident());
+    EXPECT_EQ(1, named[7].Resource()->IsResident());
+    EXPECT_EQ(5, m->PageOut());
+    EXPECT_EQ(1, m->ResidentCount());
+    // The same file and position share one resource, and the stream moves on.
+    file.MoveFromStart(0);
+    vBITMAP again(file);
+    EXPECT_EQ(named[0].Resource(), again.Resource());
+    EXPECT_EQ(p.bytes.size(), file.CurrentPos());
+    EXPECT_TRUE(again.Valid());
+}
+
+TEST(BitmapManager, NewFailureHandlerPagesBitmapsOut)
+{
+    vBITMAPMAN* m = vBITMAPMAN::Get();
+    DOCUMENT doc(10, 10, 10);
+    LIMIT limit(20);
+    std::vector<vBITMAP> bitmaps;
+    {
+        vFILE file(vSTRING(doc.path.c_str()), vFILE_READONLY, 1);
+        for (int i = 0; i < 10; ++i)
+            bitmaps.emplace_back(file);
+    }
+    ASSERT_EQ(10, m->ResidentCount());
+    rltest::MessageBoxes boxes;
+    void* block = vMemAlloc(16);
+    // Twice five bitmaps go and the limit drops by as many; the next pass
+    // finds the list empty and the retried allocation fails again.
+    EXPECT_EQ(nullptr, vMemRealloc(block, 0x7FFFFFF0ul));
+    vMemFree(block);
+    EXPECT_EQ(0, m->ResidentCount());
+    EXPECT_EQ(10, m->PagedOutCount());
+    EXPECT_EQ(10, vPAGEOUT::GetResidentLimit());
+    EXPECT_EQ(1, vSYSTEM::GetExceptionFlag());
+    EXPECT_EQ(1u, boxes.Calls().size());
+    vSYSTEM::SetExceptionFlag(0);
+
+    // They come back from their file, with the trace lines of the way.
+    vSYSTEM::SetTraceLevel(2);
+    rltest::DebugOutput out;
+    EXPECT_TRUE(bitmaps[3].Valid());
+    vSYSTEM::SetTraceLevel(0);
+    const std::string text = out.Text();
+    for (const char* line : {"gdiRESOURCE::GetMSBitmap", "fileRESOURCE::Paging In", "fileRESOURCE::DIBToBitmap"})
+        EXPECT_NE(std::string::npos, text.find(std::string("Trace: ") + line)) << line;
+}
+
+} // namespace

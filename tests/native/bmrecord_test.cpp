@@ -1,0 +1,161 @@
+// The bitmap record's arithmetic: the resident limit, the strips, and the
+// verdicts on headers and expanded records, with a bounded fuzz loop over
+// damaged headers (the same checks as fuzz_bmrecord.cpp).
+#include <gtest/gtest.h>
+#include <cstring>
+#include "bitmaps/bmrecord.h"
+#include "bmrecord_harness.h"
+#include "native_support.h"
+
+namespace {
+using namespace rlbmrec;
+
+TEST(NativeBmRecord, ResidentLimitClampsAndWraps)
+{
+    const struct {
+        std::uint32_t free;
+        std::uint16_t limit;
+    } cases[] = {
+        {8u * 1024 * 1024, 150},  // 241 clamped
+        {1024u * 1024, 21},
+        {0, 150},                 // 0 - 10 wraps to 65526
+        {300000, 150},            // 9 - 10 wraps
+        {333334, 20},             // exactly 0
+        {700000, 20},             // 11 raised
+        {5000000, 140},
+        {146498910u, 90},         // the product wraps to 100000004
+        {0xFFFFFFFFu, 150},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.limit, ResidentLimitFor(c.free)) << c.free;
+}
+
+TEST(NativeBmRecord, StripsOfAnImage)
+{
+    const struct {
+        std::uint32_t bytes, height, count, rows;
+    } cases[] = {
+        {59999, 100, 1, 100}, {60000, 100, 2, 50}, {60000, 101, 2, 51}, {100000, 7, 2, 4},
+        {100001, 9, 3, 3},    {150001, 5, 3, 2},   // 2, 2, 1: a fourth strip would be empty
+        {1000000, 1, 1, 1},   {0, 0, 0, 0},        {196608, 256, 4, 64},
+    };
+    for (const auto& c : cases) {
+        std::uint32_t count = 99, rows = 99;
+        PlanStrips(c.bytes, c.height, &count, &rows);
+        EXPECT_EQ(c.count, count) << c.bytes << " " << c.height;
+        EXPECT_EQ(c.rows, rows) << c.bytes << " " << c.height;
+        std::uint32_t total = 0;
+        for (std::uint32_t i = 0; i < count; ++i) {
+            EXPECT_GT(StripRows(c.height, rows, i), 0u);
+            total += StripRows(c.height, rows, i);
+        }
+        EXPECT_EQ(c.height, total);
+    }
+    EXPECT_EQ(1u, StripRows(5, 2, 2));
+    EXPECT_EQ(0u, StripRows(5, 2, 3));
+}
+
+TEST(NativeBmRecord, HeaderVerdicts)
+{
+    using bmrec::Header;
+    const struct {
+        Header h;
+        std::uint64_t available;
+        Verdict verdict;
+        std::uint32_t palette, skip, image, strips;
+    } cases[] = {
+        {{40, 10, 10, 24, 0, 0, 0}, 320, kOk, 0, 0, 320, 1},
+        {{40, 10, 10, 24, 0, 0, 0}, 319, kShort, 0, 0, 0, 0},
+        {{40, 10, -10, 8, 0, 0, 7}, 1024 + 120, kOk, 256, 0, 120, 1},  // the stored count is not looked at
+        {{40, 10, 10, 8, 0, 0, 0}, 1024 + 119, kShort, 0, 0, 0, 0},
+        {{40, 10, 10, 32, 0, 0, 3}, 12 + 400, kOk, 0, 12, 400, 1},
+        {{40, 10, 10, 32, 0, 0, 0x40000000}, 100000, kShort, 0, 0, 0, 0},
+        {{40, 10, 10, 24, 0, 400, 0}, 400, kOk, 0, 0, 400, 1},
+        {{40, 10, 10, 24, 0, 319, 0}, 400, kBadSizeImage, 0, 0, 0, 0},
+        {{12, 10, 10, 24, 0, 0, 0}, 400, kBadHeader, 0, 0, 0, 0},
+        {{40, 0, 10, 24, 0, 0, 0}, 400, kBadHeader, 0, 0, 0, 0},
+        {{40, 10, 0, 24, 0, 0, 0}, 400, kBadHeader, 0, 0, 0, 0},
+        {{40, -3, 10, 24, 0, 0, 0}, 400, kBadHeader, 0, 0, 0, 0},
+        {{40, 10, (std::int32_t)0x80000000, 24, 0, 0, 0}, ~0ull, kBadHeader, 0, 0, 0, 0},
+        {{40, 10, 10, 2, 0, 0, 0}, 400, kBadBits, 0, 0, 0, 0},
+        {{40, 10, 10, 8, 1, 0, 0}, ~0ull, kCompressed, 0, 0, 0, 0},
+        {{40, 0x7FFFFFFF, 0x7FFFFFFF, 32, 0, 0, 0}, ~0ull, kTooLarge, 0, 0, 0, 0},
+        {{40, 20000, 20000, 24, 0, 0, 0}, ~0ull, kTooLarge, 0, 0, 0, 0},
+        {{40, 200, 100, 24, 0, 0, 0}, 60000, kOk, 0, 0, 60000, 2},
+    };
+    for (const auto& c : cases) {
+        unsigned char bytes[40];
+        bmrec::Encode(c.h, bytes);
+        Plan p;
+        std::memset(&p, 0, sizeof p);
+        ASSERT_EQ(c.verdict, PlanHeader(bytes, c.available, &p)) << c.h.width << "x" << c.h.height;
+        if (c.verdict != kOk)
+            continue;
+        EXPECT_EQ(c.palette, p.paletteEntries);
+        EXPECT_EQ(c.skip, p.skipBytes);
+        EXPECT_EQ(c.image, p.imageBytes);
+        EXPECT_EQ(c.strips, p.stripCount);
+        EXPECT_EQ(c.h.height < 0, p.topDown);
+    }
+}
+
+// A writer that tells the compressor the size in 16 bits stores the first
+// (size mod 65536) bytes; exactly that much is accepted, rows read as zero.
+TEST(NativeBmRecord, ExpandedRecordsAndTheSixteenBitCount)
+{
+    const bmrec::Header big = {40, 256, 256, 24, 0, 0, 0};   // 40 + 196608 bytes: 40 survive
+    const bmrec::Header odd = {40, 300, 100, 24, 0, 0, 0};   // 40 + 90000: 24504 survive
+    const bmrec::Header small = {40, 16, 16, 8, 0, 0, 0};    // 40 + 1024 + 256, whole
+    const struct {
+        bmrec::Header h;
+        std::uint32_t bytes;
+        Verdict verdict;
+    } cases[] = {
+        {big, 40, kOk},           {big, 41, kShort},         {big, 196648, kOk}, {big, 39, kShort},
+        {odd, 24504, kOk},        {odd, 24503, kShort},      {odd, 90040, kOk},  {small, 1320, kOk},
+        {small, 1319, kShort},    {small, 1063, kShort},     {small, 5000, kOk},
+    };
+    for (const auto& c : cases) {
+        rlnative::Exact buf(c.bytes);
+        std::memset(buf.p, 0, c.bytes);
+        if (c.bytes >= 40)
+            bmrec::Encode(c.h, buf.p);
+        Plan p;
+        EXPECT_EQ(c.verdict, PlanCompressed(buf.p, c.bytes, &p)) << c.h.width << " " << c.bytes;
+    }
+}
+
+TEST(NativeBmRecord, WriteDepths)
+{
+    const std::uint32_t planesBits[][3] = {{1, 1, 1}, {1, 2, 4}, {1, 4, 4}, {4, 1, 4}, {1, 5, 8},
+                                           {1, 8, 8}, {1, 9, 24}, {1, 16, 24}, {1, 32, 24}, {0, 0, 1}};
+    for (const auto& c : planesBits)
+        EXPECT_EQ(c[2], WriteDepth(c[0], c[1])) << c[0] << "x" << c[1];
+    EXPECT_EQ(2u, WritePaletteEntries(1));
+    EXPECT_EQ(256u, WritePaletteEntries(8));
+    EXPECT_EQ(0u, WritePaletteEntries(24));
+}
+
+TEST(NativeBmRecord, AnyHeaderIsJudgedWithinItsBytes)
+{
+    rlnative::Rng rng(7);
+    for (int i = 0; i < 200000; ++i) {
+        unsigned char b[64];
+        rng.Fill(b, sizeof b);
+        if (!rng.Chance(4)) {
+            b[0] = 40, b[1] = b[2] = b[3] = 0;
+            const unsigned bits[] = {1, 4, 8, 16, 24, 32};
+            b[14] = (unsigned char)bits[rng.Below(6)], b[15] = 0;
+            if (rng.Chance(2))
+                std::memset(b + 16, 0, 4);
+            for (int at : {4, 8, 20, 32})
+                if (rng.Chance(2)) {
+                    std::uint32_t v = rng.Edgy();
+                    std::memcpy(b + at, &v, 4);
+                }
+        }
+        ASSERT_TRUE(bmrec::Check(b, sizeof b)) << rlnative::LastFailure();
+    }
+}
+
+} // namespace
