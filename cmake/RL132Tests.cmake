@@ -68,7 +68,8 @@ endforeach()
 
 # Checks on the built files and the installed SDK, run on the build machine.
 add_test(NAME build_binaries COMMAND bash ${CMAKE_SOURCE_DIR}/tests/build/check_binaries.sh
-  ${CMAKE_OBJDUMP} $<TARGET_FILE:RL132> $<TARGET_FILE:rltool>)
+  ${CMAKE_OBJDUMP} $<TARGET_FILE:RL132> $<TARGET_FILE:rltool> $<TARGET_FILE:rlphbmp> $<TARGET_FILE:rlphpcx>
+  $<TARGET_FILE:rlphtif>)
 add_test(NAME build_install_host COMMAND bash ${CMAKE_SOURCE_DIR}/tests/build/check_install.sh
   ${CMAKE_SOURCE_DIR} ${CMAKE_BINARY_DIR})
 add_test(NAME tools_rltool COMMAND bash ${CMAKE_SOURCE_DIR}/tests/tools/rltool_test.sh

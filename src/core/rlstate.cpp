@@ -19,6 +19,7 @@ unsigned short residentLimit = 0;
 
 OUTLIBFILEMAP outlibFileMap = nullptr;
 OUTLIB pantoneLibrary("POCE.DLL");
+PCDACCESS pcdAccess;
 
 DEVSTATE devState = {nullptr, nullptr, nullptr, nullptr, 0, 0, nullptr, nullptr, nullptr};
 

@@ -24,6 +24,7 @@
 #include "rl132/core/rlwin.h"
 #include "rl132/core/vexcept.h"
 #include "rl132/core/vpageout.h"
+#include "photocd/pcdaccess.h"
 #include "platform/outlib.h"
 
 class vDEVICE;
@@ -90,9 +91,12 @@ extern OUTLIBFILEMAP outlibFileMap;
 // The Pantone colour library, held only for the length of one lookup
 // (vCOLOUR::PantToRgb).
 extern OUTLIB pantoneLibrary;
-// To come with their features: the Photo CD access library and its entry
-// table (held from the first volume to the last), the imaging library (from
-// first need to the bridge's release).
+// The Photo CD access library and its entry table: acquired by each volume
+// (and by whoever else needs the library, such as an export) and released by
+// it, so the library is held from the first user to the last.
+extern PCDACCESS pcdAccess;
+// To come with its feature: the imaging library (from first need to the
+// bridge's release).
 
 // ---------------------------------------------------------------- drawing
 // Owner: the device core (src/devices/vdevice_dc.cpp) and the screen device.

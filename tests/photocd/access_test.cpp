@@ -1,0 +1,106 @@
+// The Photo CD access interface over a stand-in library (tests/dlls/PCDSTANDIN)
+// that offers eleven of the fifty-four operations: loading by name with its
+// trace line, the use count, empty slots answering a status, and unloading
+// with the last use.
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <cstdlib>
+#include <set>
+#include <string>
+#include "rl132.h"
+#include "rltest.h"
+#include "photocd/pcdaccess.h"
+
+namespace {
+long Counter(const char* name)
+{
+    char v[32];
+    DWORD n = GetEnvironmentVariableA(name, v, sizeof v);
+    return (n > 0 && n < sizeof v) ? atol(v) : 0;
+}
+const char* gLibrary = "PCDSTANDIN.DLL";
+const char* PhotoLibrary(const char* name) { return lstrcmpiA(name, "PCDLIB32.DLL") == 0 ? gLibrary : nullptr; }
+} // namespace
+
+TEST(PhotoAccess, LoadsByNameCountsUsesAndUnloadsWithTheLast)
+{
+    const std::set<std::string> offered = {"PCDopen", "PCDclose", "PCDgetFormat", "PCDsetFormat",
+                                           "PCDgetSize", "PCDcreatePalette", "PCDfreePalette", "PCDsetPalette",
+                                           "PCDgetPalette", "PCDgetBlock", "PCDgetToolkitVersion"};
+    // The table's order is the resolving order, end to end.
+    ASSERT_EQ(PCDACCESS::ENTRY_COUNT, 54);
+    EXPECT_STREQ(PCDACCESS::EntryName(0), "PCDopen");
+    EXPECT_STREQ(PCDACCESS::EntryName(16), "PCDgetBlock");
+    EXPECT_STREQ(PCDACCESS::EntryName(31), "PCDOclose");
+    EXPECT_STREQ(PCDACCESS::EntryName(53), "PCDreadInfoFile");
+    EXPECT_TRUE(!PCDACCESS::EntryName(54) && !PCDACCESS::EntryName(-1));
+
+    OUTLIBFILEMAP saved = OUTLIB::SetFileMap(PhotoLibrary);
+    unsigned short level = vSYSTEM::GetTraceLevel();
+    vSYSTEM::SetTraceLevel(2);
+    for (const char* name : {"PCDSTANDIN_LOADS", "PCDSTANDIN_UNLOADS"})
+        SetEnvironmentVariableA(name, nullptr);
+    PCDACCESS& pcd = PCDACCESS::Process();
+    ASSERT_EQ(&pcd, &PCDACCESS::Process());
+    ASSERT_FALSE(pcd.IsLoaded());
+    unsigned long version = 7;
+    EXPECT_EQ(pcd.PCDgetToolkitVersion(&version), PCDACCESS::NO_ENTRY) << "nothing before the first use";
+
+    {
+        rltest::DebugOutput trace;
+        ASSERT_EQ(pcd.Acquire(), 1);
+        ASSERT_EQ(pcd.Acquire(), 1);
+        EXPECT_EQ(trace.Text(), "Trace: PCD Library Loaded\n") << "traced once, at the load";
+    }
+    EXPECT_EQ(pcd.Uses(), 2);
+    EXPECT_EQ(Counter("PCDSTANDIN_LOADS"), 1);
+    HMODULE module = GetModuleHandleA("PCDSTANDIN.DLL");
+    ASSERT_NE(module, nullptr);
+    const void* const* slots = (const void* const*)&pcd.Entries();
+    for (int i = 0; i < PCDACCESS::ENTRY_COUNT; ++i) {
+        const char* name = PCDACCESS::EntryName(i);
+        bool present = offered.count(name) != 0;
+        EXPECT_EQ(pcd.Has(name), present ? 1 : 0) << name;
+        EXPECT_EQ(slots[i], present ? (const void*)GetProcAddress(module, name) : nullptr) << name;
+    }
+    EXPECT_EQ(pcd.Has("PCDnoSuchEntry") + pcd.Has(nullptr), 0);
+
+    // An offered operation answers the library's status; a missing one answers
+    // NO_ENTRY and leaves its results alone.
+    EXPECT_EQ(pcd.PCDgetToolkitVersion(&version), PCD_OK);
+    EXPECT_EQ(version, 0x0102u);
+    PCDoviewHdl oview = (PCDoviewHdl)&version;
+    EXPECT_EQ(pcd.PCDOopen("D:", &oview), PCDACCESS::NO_ENTRY);
+    EXPECT_EQ(oview, (PCDoviewHdl)&version);
+    PCDpkHdl pack = nullptr;
+    ASSERT_EQ(pcd.PCDopen("3x2", &pack), PCD_OK);
+    long width = 0, height = 0;
+    EXPECT_EQ(pcd.PCDgetSize(pack, &width, &height), PCD_OK);
+    EXPECT_TRUE(width == 3 && height == 2);
+    EXPECT_EQ(pcd.PCDgetRotation(pack, &width), PCDACCESS::NO_ENTRY);
+    EXPECT_EQ(pcd.PCDclose(pack), PCD_OK);
+
+    pcd.Release();
+    EXPECT_TRUE(pcd.IsLoaded() && pcd.Uses() == 1 && Counter("PCDSTANDIN_UNLOADS") == 0);
+    pcd.Release();
+    EXPECT_TRUE(!pcd.IsLoaded() && pcd.Uses() == 0 && Counter("PCDSTANDIN_UNLOADS") == 1);
+    EXPECT_EQ(GetModuleHandleA("PCDSTANDIN.DLL"), nullptr);
+    EXPECT_EQ(pcd.PCDgetToolkitVersion(&version), PCDACCESS::NO_ENTRY) << "the table is emptied";
+    EXPECT_EQ(pcd.Has("PCDopen"), 0);
+    pcd.Release();   // no use held: nothing happens
+    EXPECT_EQ(pcd.Uses(), 0);
+
+    // A library that is not there: no use, no trace, every operation a status.
+    gLibrary = "RL132_NO_SUCH_PHOTO_LIBRARY.DLL";
+    {
+        rltest::DebugOutput trace;
+        EXPECT_EQ(pcd.Acquire(), 0);
+        EXPECT_EQ(trace.Text(), "");
+    }
+    EXPECT_TRUE(!pcd.IsLoaded() && pcd.Uses() == 0);
+    EXPECT_EQ(pcd.PCDopen("3x2", &pack), PCDACCESS::NO_ENTRY);
+    gLibrary = "PCDSTANDIN.DLL";
+
+    vSYSTEM::SetTraceLevel(level);
+    OUTLIB::SetFileMap(saved);
+}

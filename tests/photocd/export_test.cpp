@@ -1,0 +1,221 @@
+// Exporting Photo CD images: over the stand-in access library
+// (tests/dlls/PCDSTANDIN), the statuses of bad arguments, missing plug-ins and
+// entries and of a plug-in that misbehaves on purpose (tests/dlls/rlphbad),
+// each stopping at the first failure; then a real image pack through
+// PCDLIB32.DLL and each plug-in, the files read back independently (BMP also
+// by the library's own DIB reader). The encoders' edges are tested natively.
+#include <gtest/gtest.h>
+#include <windows.h>
+#include <string>
+#include "../bitmaps/bmtest.h"
+#include "export_files.h"
+#include "pcdwriter.h"
+#include "photocd/photoexport.h"
+#include "rl132.h"
+#include "rltest.h"
+
+using bmt::Fill;
+using bmt::Load;
+using bmt::Rows;
+using bmt::Save;
+using exportfiles::BYTES;
+
+namespace {
+const char* PhotoLibrary(const char* name) { return lstrcmpiA(name, "PCDLIB32.DLL") == 0 ? "PCDSTANDIN.DLL" : nullptr; }
+
+std::string Env(const char* name)
+{
+    char v[4096];
+    DWORD n = GetEnvironmentVariableA(name, v, sizeof v);
+    return n > 0 && n < sizeof v ? std::string(v, n) : std::string();
+}
+
+void Env(const char* name, const char* value) { SetEnvironmentVariableA(name, value); }
+
+// The stand-in's image as red, green, blue triples, first row first: its
+// 24-bit pixels, or its 8-bit indices through the palette it makes.
+BYTES Expected(long w, long h, long format)
+{
+    BYTES v;
+    for (long y = 0; y < h; ++y)
+        for (long x = 0; x < w; ++x) {
+            if (format == PCD_FORMAT_PAL8) {
+                unsigned char i = (unsigned char)(x + 3 * y);
+                v.insert(v.end(), {(unsigned char)(3 * i), (unsigned char)(255 - i), i});
+            } else {
+                v.insert(v.end(), {(unsigned char)((x ^ y) * 3), (unsigned char)(x + y * 5), (unsigned char)(x * 7 + y)});
+            }
+        }
+    return v;
+}
+
+// Holds the stand-in for one test and opens made-up packs on it.
+struct STANDIN {
+    OUTLIBFILEMAP saved;
+    PCDACCESS& pcd = PCDACCESS::Process();
+    STANDIN() : saved(OUTLIB::SetFileMap(PhotoLibrary))
+    {
+        for (const char* v : {"PCDSTANDIN", "RLPHBAD", "RLPHBAD_ORDER", "RLPHBAD_CALLS",
+                              "RLPHHALF_STARTED"})
+            Env(v, nullptr);
+        EXPECT_EQ(pcd.Acquire(), 1);
+    }
+    ~STANDIN()
+    {
+        pcd.Release();
+        OUTLIB::SetFileMap(saved);
+    }
+    PCDpkHdl Open(const char* size)
+    {
+        PCDpkHdl pack = nullptr;
+        EXPECT_EQ(pcd.PCDopen(size, &pack), PCD_OK);
+        return pack;
+    }
+};
+} // namespace
+
+// Statuses and where each failure stops: the calls the plug-in saw (s start,
+// z header size, h header, c convert, y footer size, f footer, x finish) and
+// what reached the file.
+TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
+{
+    STANDIN s;
+    const std::string path = rltest::TempPath("rlx");
+    const std::string longName(65, 'b');
+    const long rgb = PCD_FORMAT_RGB24, pal = PCD_FORMAT_PAL8;
+    // 37 pixels are 112 bytes a row at 24 bits: 585 rows a band, so 3 bands;
+    // at 8 bits 40 bytes, one band.
+    const struct CASE {
+        const char* what;
+        bool image;
+        const char* format;
+        bool file;
+        long colours;
+        const char* standin;   // PCDSTANDIN
+        const char* plugin;    // RLPHBAD
+        unsigned short status;
+        const char* calls;
+        long fileBytes;        // -1: no file made
+    } cases[] = {
+        {"no image", false, "bad", true, rgb, "", "", 3001, "", -1},
+        {"no format", true, nullptr, true, rgb, "", "", 3001, "", -1},
+        {"empty format", true, "", true, rgb, "", "", 3001, "", -1},
+        {"format too long", true, longName.c_str(), true, rgb, "", "", 3001, "", -1},
+        {"no file", true, "bad", false, rgb, "", "", 3001, "", -1},
+        {"colour format 11", true, "bad", true, 11, "", "", 3001, "", -1},
+        {"no such plug-in", true, "nosuch", true, rgb, "", "", 3001, "", 0},
+        {"plug-in lacks an entry", true, "half", true, rgb, "", "", 3001, "", 0},
+        {"image unreadable", true, "bad", true, rgb, "block-fails", "", 5, "szhc", 4 + 585 * 112},
+        {"no palette made", true, "bad", true, pal, "palette-fails", "", 5, "", 0},
+        {"start refused", true, "bad", true, rgb, "", "start-fails", 5, "s", 0},
+        {"header short", true, "bad", true, rgb, "", "header-short", 5, "szh", 0},
+        {"conversion short", true, "bad", true, rgb, "", "convert-short", 5, "szhcc", 4 + 585 * 112},
+        {"conversion long", true, "bad", true, rgb, "", "convert-long", 5, "szhc", 4},
+        {"footer short", true, "bad", true, rgb, "", "footer-short", 5, "szhcccyf", 4 + 1300 * 112},
+        {"all well", true, "bad", true, rgb, "", "", 0, "szhcccyfx", 8 + 1300 * 112},
+        {"all well, 8 bits", true, "bad", true, pal, "", "", 0, "szhcyfx", 8 + 1300 * 40},
+    };
+    for (const CASE& c : cases) {
+        SCOPED_TRACE(c.what);
+        DeleteFileA(path.c_str());
+        Env("PCDSTANDIN", c.standin);
+        Env("RLPHBAD", c.plugin);
+        Env("RLPHBAD_CALLS", nullptr);
+        PCDpkHdl pack = s.Open("37x1300");
+        EXPECT_EQ(PhotoExport(c.image ? pack : nullptr, c.format, c.file ? path.c_str() : nullptr, c.colours, s.pcd),
+                  c.status);
+        s.pcd.PCDclose(pack);
+        EXPECT_EQ(Env("RLPHBAD_CALLS"), c.calls);
+        BYTES file = Load(path);
+        EXPECT_EQ(GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES ? -1 : (long)file.size(), c.fileBytes);
+    }
+    EXPECT_EQ(Env("RLPHHALF_STARTED"), "") << "a plug-in lacking an entry is not started";
+
+    // The rows reach a plug-in in the order it asks for, bands and rows within
+    // them; the 24-bit layout is blue, green, red.
+    for (const char* order : {"down", "up"}) {
+        Env("PCDSTANDIN", nullptr);
+        Env("RLPHBAD", nullptr);
+        Env("RLPHBAD_ORDER", order);
+        PCDpkHdl pack = s.Open("37x1300");
+        ASSERT_EQ(PhotoExport(pack, "bad", path.c_str(), rgb, s.pcd), PHOTOEXPORT_OK);
+        s.pcd.PCDclose(pack);
+        BYTES file = Load(path), want = Expected(37, 1300, rgb);
+        ASSERT_EQ(file.size(), 8u + 1300 * 112);
+        EXPECT_TRUE(BYTES(file.begin(), file.begin() + 4) == BYTES({'H', 'E', 'A', 'D'}));
+        EXPECT_TRUE(BYTES(file.end() - 4, file.end()) == BYTES({'F', 'O', 'O', 'T'}));
+        for (long i = 0; i < 1300; ++i) {
+            long y = order[0] == 'u' ? 1299 - i : i;
+            for (long k = 0; k < 37 * 3; ++k)
+                ASSERT_EQ(file[4 + 112 * i + k], want[111 * y + k / 3 * 3 + 2 - k % 3]) << order << " row " << i;
+        }
+    }
+
+    // Without the library's operations there is nothing to export with.
+    PCDACCESS unloaded;
+    PCDpkHdl pack = s.Open("2x2");
+    EXPECT_EQ(PhotoExport(pack, "bmp", path.c_str(), rgb, unloaded), PHOTOEXPORT_BAD_ARGUMENTS);
+    // An image already in the 8-bit format but without a palette gets one.
+    ASSERT_EQ(s.pcd.PCDsetFormat(pack, pal), PCD_OK);
+    EXPECT_EQ(PhotoExport(pack, "bmp", path.c_str(), pal, s.pcd), PHOTOEXPORT_OK);
+    exportfiles::PICTURE p;
+    EXPECT_TRUE(exportfiles::ReadBmp(Load(path), p) && p.rgb == Expected(2, 2, pal)) << p.error;
+    s.pcd.PCDclose(pack);
+    DeleteFileA(path.c_str());
+}
+
+// A real image pack (written by the tests' pack writer) read by PCDLIB32.DLL
+// and exported through each plug-in in both colour formats; the files must
+// hold exactly what the library hands out band by band.
+TEST(PhotoExportFiles, ImagePackThroughEachPlugin)
+{
+    const std::string pack = rltest::TempPath("rlp");
+    Save(pack, pcdwriter::ImagePack(pcdwriter::Pattern(768, 512, 3), 0));
+    const std::string path = rltest::TempPath("rlx");
+    PCDACCESS& pcd = PCDACCESS::Process();
+    ASSERT_EQ(pcd.Acquire(), 1);
+    for (const char* format : {"bmp", "pcx", "tif"})
+        for (long colours : {(long)PCD_FORMAT_RGB24, (long)PCD_FORMAT_PAL8}) {
+            SCOPED_TRACE(std::string(format) + " format " + std::to_string(colours));
+            PCDpkHdl image = nullptr;
+            ASSERT_EQ(pcd.PCDopen(pack.c_str(), &image), PCD_OK);
+            ASSERT_EQ(pcd.PCDsetResolution(image, (long)PCD_BASE_OVER_4), PCD_OK);
+            ASSERT_EQ(PhotoExport(image, format, path.c_str(), colours, pcd), PHOTOEXPORT_OK);
+
+            // What the library gives for the image as it now stands.
+            long w = 0, h = 0, bpp = colours == PCD_FORMAT_PAL8 ? 1 : 3;
+            ASSERT_EQ(pcd.PCDgetSize(image, &w, &h), PCD_OK);
+            ASSERT_TRUE(w == 384 && h == 256);
+            BYTES rows((size_t)w * h * bpp), want;
+            ASSERT_EQ(pcd.PCDgetBlock(image, 0L, h, rows.data(), w * bpp), PCD_OK);
+            PCDpalette palette = {};
+            if (bpp == 1) {
+                ASSERT_EQ(pcd.PCDgetPalette(image, &palette), PCD_OK);
+            }
+            for (size_t i = 0; i < (size_t)w * h; ++i) {
+                const unsigned char* p = bpp == 1 ? palette.entries[rows[i]] : &rows[3 * i];
+                want.insert(want.end(), {p[2], p[1], p[0]});
+            }
+            pcd.PCDclose(image);
+
+            exportfiles::PICTURE got;
+            BYTES file = Load(path);
+            bool read = format[0] == 'b' ? exportfiles::ReadBmp(file, got)
+                                         : format[0] == 'p' ? exportfiles::ReadPcx(file, got)
+                                                            : exportfiles::ReadTif(file, got);
+            ASSERT_TRUE(read) << got.error;
+            EXPECT_TRUE(got.width == w && got.height == h && got.bits == 8 * bpp);
+            EXPECT_TRUE(got.rgb == want);
+            if (format[0] != 'b')
+                continue;
+            vMEMSTREAM m;
+            Fill(m, file);
+            oMEMDIB dib(m, 0);
+            ASSERT_EQ(dib.Height(), (unsigned long)h);
+            BYTES stored = Rows(dib);
+            EXPECT_TRUE(BYTES(file.end() - stored.size(), file.end()) == stored) << "the library's reader agrees";
+        }
+    pcd.Release();
+    DeleteFileA(pack.c_str());
+    DeleteFileA(path.c_str());
+}
