@@ -4,5 +4,6 @@
 
 #include "rl132/core/rldefs.h"
 #include "rl132/photocd/pcdapi.h"
+#include "rl132/photocd/vphoto.h"
 
 #endif
