@@ -31,7 +31,8 @@ enum PHOTOEXPORTSTATUS {
 // for rlphbmp.dll), in the colour format needed (PCD_FORMAT_RGB24 or
 // PCD_FORMAT_PAL8). When the image is in another colour format it is set to
 // the needed one; for the 8-bit format a 256-colour palette is then made for
-// the image and applied to it. Returns a PHOTOEXPORTSTATUS.
+// the image and applied to it. Returns a PHOTOEXPORTSTATUS. Exported for the
+// test programs only; not part of the installed interface.
 RL132_API unsigned short PhotoExport(PCDpkHdl image, const char* format, const char* fileName, long colourFormat,
                                      const PCDACCESS& access);
 
