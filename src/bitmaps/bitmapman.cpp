@@ -1,7 +1,6 @@
 // Bitmap resources, the shared file-name records and the bitmap manager
 // (see rl132/bitmaps/vbitmapman.h).
 #include <windows.h>
-#include <initializer_list>
 #include "rl132/bitmaps/vbitmapman.h"
 #include "bitmaps/bitmapman.h"
 #include "bitmaps/bmread.h"
@@ -90,7 +89,7 @@ void REFSTRING::SetStream(vSTREAM* s)
 
 // ---------------------------------------------------------------- strips
 
-gdiRESOURCE::gdiRESOURCE() : pageable(1), table(&one), count(0)
+gdiRESOURCE::gdiRESOURCE() : pageable(1), table(&one), count(0), outPrev(nullptr), outNext(nullptr), pagedOut(0)
 {
     one.bitmap = nullptr;
     one.rows = 0;
@@ -330,7 +329,7 @@ int fileRESOURCE::PageIn()
 
 // ---------------------------------------------------------------- the manager
 
-vBITMAPMAN::vBITMAPMAN() : pageIns(0) {}
+vBITMAPMAN::vBITMAPMAN() : outHead(nullptr), outCount(0), pageIns(0) {}
 
 vBITMAPMAN::~vBITMAPMAN()
 {
@@ -352,6 +351,45 @@ void vBITMAPMAN::MakeRoom()
         PageOut();
 }
 
+void vBITMAPMAN::PushOut(gdiRESOURCE* r)
+{
+    r->outPrev = nullptr;
+    r->outNext = outHead;
+    if (outHead)
+        outHead->outPrev = r;
+    outHead = r;
+    r->pagedOut = 1;
+    ++outCount;
+}
+
+void vBITMAPMAN::TakeOut(gdiRESOURCE* r)
+{
+    if (!r->pagedOut)
+        return;
+    if (r->outPrev)
+        r->outPrev->outNext = r->outNext;
+    else
+        outHead = r->outNext;
+    if (r->outNext)
+        r->outNext->outPrev = r->outPrev;
+    r->outPrev = r->outNext = nullptr;
+    r->pagedOut = 0;
+    --outCount;
+}
+
+template <class F> gdiRESOURCE* vBITMAPMAN::Find(F f)
+{
+    for (fLINK* l = Next(nullptr); l; l = Next(l)) {
+        gdiRESOURCE* r = static_cast<gdiRESOURCE*>(l->Object());
+        if (f(r))
+            return r;
+    }
+    for (gdiRESOURCE* r = outHead; r; r = r->outNext)
+        if (f(r))
+            return r;
+    return nullptr;
+}
+
 void vBITMAPMAN::Track(gdiRESOURCE* r)
 {
     Prepend(*r);
@@ -369,7 +407,7 @@ unsigned short vBITMAPMAN::PageOut()
         if (r->StripCount() && r->IsResident() && r->IsPageable()) {
             r->DeleteStrips();
             Remove(*r);
-            pagedOut.Prepend(*r);
+            PushOut(r);
         }
     }
     return 5;
@@ -377,14 +415,13 @@ unsigned short vBITMAPMAN::PageOut()
 
 gdiRESOURCE* vBITMAPMAN::Add(const vRESID& id)
 {
-    for (fLIST* list : {static_cast<fLIST*>(this), &pagedOut})
-        for (fLINK* l = list->Next(nullptr); l; l = list->Next(l)) {
-            gdiRESOURCE* r = static_cast<gdiRESOURCE*>(l->Object());
-            if (r->Type() == gdiRESOURCE::MODULEKIND && static_cast<resRESOURCE*>(r)->Id() == id) {
-                r->AddRef();
-                return r;
-            }
-        }
+    gdiRESOURCE* same = Find([&](gdiRESOURCE* r) {
+        return r->Type() == gdiRESOURCE::MODULEKIND && static_cast<resRESOURCE*>(r)->Id() == id;
+    });
+    if (same) {
+        same->AddRef();
+        return same;
+    }
     MakeRoom();
     resRESOURCE* r = new resRESOURCE(id);
     if (r && !r->IsResident()) {
@@ -419,19 +456,18 @@ gdiRESOURCE* vBITMAPMAN::Add(vSTREAM& stream, int share)
     const char* name = stream.Name()();
     if (share && name && name[0]) {
         unsigned long at = stream.CurrentPos();
-        for (fLIST* list : {static_cast<fLIST*>(this), &pagedOut})
-            for (fLINK* l = list->Next(nullptr); l; l = list->Next(l)) {
-                gdiRESOURCE* r = static_cast<gdiRESOURCE*>(l->Object());
-                if (r->Type() != gdiRESOURCE::FILEKIND)
-                    continue;
-                fileRESOURCE* f = static_cast<fileRESOURCE*>(r);
-                if (f->Position() == at && f->File() && f->File()->Name() == stream.Name()) {
-                    r->AddRef();
-                    GetStrip(r, 0, nullptr);
-                    stream.MoveFromStart(at + f->Length());
-                    return r;
-                }
-            }
+        gdiRESOURCE* same = Find([&](gdiRESOURCE* r) {
+            if (r->Type() != gdiRESOURCE::FILEKIND)
+                return false;
+            fileRESOURCE* f = static_cast<fileRESOURCE*>(r);
+            return f->Position() == at && f->File() && f->File()->Name() == stream.Name();
+        });
+        if (same) {
+            same->AddRef();
+            GetStrip(same, 0, nullptr);
+            stream.MoveFromStart(at + static_cast<fileRESOURCE*>(same)->Length());
+            return same;
+        }
     }
     MakeRoom();
     fileRESOURCE* r = new fileRESOURCE(stream);
@@ -461,8 +497,10 @@ void vBITMAPMAN::Release(gdiRESOURCE* r)
 {
     if (!r || r->DropRef())
         return;
-    if (!Remove(*r))
-        pagedOut.Remove(*r);
+    if (r->pagedOut)
+        TakeOut(r);
+    else
+        Remove(*r);
     delete r;
 }
 
@@ -475,7 +513,7 @@ HBITMAP vBITMAPMAN::GetStrip(gdiRESOURCE* r, unsigned short strip, unsigned shor
         MakeRoom();
         if (r->PageIn()) {
             ++pageIns;
-            pagedOut.Remove(*r);
+            TakeOut(r);
             Prepend(*r);
         }
     } else if (First() != r) {
@@ -541,6 +579,7 @@ void Stop()
     vPAGEOUT::SetProc(nullptr);
     delete rlstate::bmState.manager;
     rlstate::bmState.manager = nullptr;
+    rlbmread::FreeDisplayDC();
 }
 
 } // namespace rlbitmapman

@@ -83,10 +83,22 @@ RECORD::RECORD(vSTREAM& stream)
     unsigned long start = s.CurrentPos();
     // A seek clears a failure an earlier operation left on the stream.
     s.MoveFromStart(start);
-    unsigned long first = s.ReadULong();
-    if (s.Status() != vSTREAM_OK)
+    // The first 54 bytes in one read: a file header and the info header, or
+    // the start of a compressed record, or an info header without file header.
+    unsigned char head[54];
+    long got = s.ReadByteString(head, sizeof head);
+    if (got < 4)
         return;
-    ok = first == rlbmrec::kRecordMagic ? ReadCompressed() : ReadPlain(start);
+    std::uint32_t first = head[0] | head[1] << 8 | head[2] << 16 | (std::uint32_t)head[3] << 24;
+    if (first == rlbmrec::kRecordMagic) {
+        if (got < 8)
+            return;
+        std::uint32_t length = head[4] | head[5] << 8 | head[6] << 16 | (std::uint32_t)head[7] << 24;
+        s.MoveFromStart(start + 8);
+        ok = ReadCompressed(length);
+    } else {
+        ok = ReadPlain(start, head, got);
+    }
 }
 
 RECORD::~RECORD()
@@ -95,11 +107,8 @@ RECORD::~RECORD()
     s.DetectCompressed(detect);
 }
 
-bool RECORD::ReadCompressed()
+bool RECORD::ReadCompressed(unsigned long length)
 {
-    unsigned long length = s.ReadULong();
-    if (s.Status() != vSTREAM_OK)
-        return false;
     unsigned long pos = s.CurrentPos(), size = s.Size();
     if (pos > size || length > size - pos || length == 0)
         return false;
@@ -132,14 +141,16 @@ bool RECORD::ReadCompressed()
     return true;
 }
 
-bool RECORD::ReadPlain(unsigned long start)
+bool RECORD::ReadPlain(unsigned long start, const unsigned char* head, long got)
 {
-    s.MoveFromStart(start);
-    unsigned char fileHeader[14];
-    if (s.ReadByteString(fileHeader, 14) != 14 || fileHeader[0] != 'B' || fileHeader[1] != 'M')
-        s.MoveFromStart(start);
-    if (s.ReadByteString(info, 40) != 40)
+    // Without the "BM" file header the info header starts the record.
+    const bool file = got >= 2 && head[0] == 'B' && head[1] == 'M';
+    const long infoAt = file ? 14 : 0;
+    if (got < infoAt + 40)
         return false;
+    std::memcpy(info, head + infoAt, 40);
+    if (got != infoAt + 40)
+        s.MoveFromStart(start + infoAt + 40);
     unsigned long pos = s.CurrentPos(), size = s.Size();
     std::uint64_t available = pos <= size ? size - pos : 0;
     if (rlbmrec::PlanHeader(info, available, &plan) != rlbmrec::kOk)
@@ -177,8 +188,10 @@ void RECORD::Finish()
         s.MoveFromCur((long)(plan.imageBytes - plan.rowBytes));
 }
 
-SCREENDC::SCREENDC() : dc(GetDC(nullptr)), old(nullptr)
+SCREENDC::SCREENDC() : dc(rlstate::bmState.displayDC), old(nullptr)
 {
+    if (!dc)
+        dc = rlstate::bmState.displayDC = CreateDCA("DISPLAY", nullptr, nullptr, nullptr);
     if (dc && rlstate::devState.palette) {
         old = SelectPalette(dc, rlstate::devState.palette, FALSE);
         RealizePalette(dc);
@@ -191,7 +204,13 @@ SCREENDC::~SCREENDC()
         return;
     if (old)
         SelectPalette(dc, old, FALSE);
-    ReleaseDC(nullptr, dc);
+}
+
+void FreeDisplayDC()
+{
+    if (rlstate::bmState.displayDC)
+        DeleteDC(rlstate::bmState.displayDC);
+    rlstate::bmState.displayDC = nullptr;
 }
 
 bool ReadStrips(vSTREAM& stream, STRIPSINK& sink)

@@ -33,8 +33,8 @@ public:
 private:
     RECORD(const RECORD&);
     RECORD& operator=(const RECORD&);
-    bool ReadCompressed();
-    bool ReadPlain(unsigned long start);
+    bool ReadCompressed(unsigned long length);
+    bool ReadPlain(unsigned long start, const unsigned char* head, long got);
 
     vSTREAM& s;
     int detect;
@@ -65,8 +65,9 @@ bool ReadStrips(vSTREAM& stream, STRIPSINK& sink);
 // palette, rows, bottom row first) allocated with vMemAlloc; null on failure.
 unsigned char* ReadPacked(vSTREAM& stream, unsigned long* bytes);
 
-// The screen's context with the screen palette realised in it, for making
-// and reading device-dependent bitmaps; released by the destructor.
+// A context on the display with the screen palette realised in it, for
+// making device-dependent bitmaps like the screen's; the palette goes back
+// when it goes. The context itself is kept until FreeDisplayDC.
 class SCREENDC {
 public:
     SCREENDC();
@@ -76,6 +77,7 @@ public:
 private:
     HPALETTE old;
 };
+void FreeDisplayDC();
 
 } // namespace rlbmread
 

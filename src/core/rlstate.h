@@ -148,6 +148,10 @@ struct BMSTATE {
     REFSTRING* files;
     REFSTRING* volumes;
     REFSTRING* lastFile;
+    // A context on the display that strips are made on, created on first
+    // need and deleted with the manager, so that a page-in does not ask the
+    // window system for the screen's context each time.
+    HDC displayDC;
 };
 extern BMSTATE bmState;
 

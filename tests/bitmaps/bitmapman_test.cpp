@@ -7,14 +7,30 @@
 #include <cstring>
 #include <memory>
 #include <random>
+#include <set>
 #include "bitmap_oracle.h"
 #include "rltest.h"
 
 namespace {
 
+// The process's GDI objects, where the system counts them (Wine answers 0).
 DWORD GdiObjects()
 {
     return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+}
+
+// The strips the bitmaps hold that GDI knows as live bitmaps, each noted in
+// `seen` so that they can be asked after again once the bitmaps are gone.
+int LiveStrips(const std::vector<vBITMAP>& bitmaps, std::set<HBITMAP>& seen)
+{
+    int live = 0;
+    for (const vBITMAP& b : bitmaps)
+        for (unsigned short i = 0; b.Resource() && i < b.Resource()->StripCount(); ++i)
+            if (HBITMAP h = b.Resource()->Strip(i)) {
+                seen.insert(h);
+                live += GetObjectType(h) == OBJ_BITMAP;
+            }
+    return live;
 }
 
 // Sets the resident limit for one test and puts the old one back.
@@ -56,14 +72,19 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
     dev.GetDIB();
     const DWORD base = GdiObjects();
     DWORD peak = base;
+    int peakLive = 0, checks = 0;
+    std::set<HBITMAP> seen;
+    std::vector<vBITMAP> bitmaps;
     auto drawsRight = [&](const vBITMAP& b, int i) {
         if (!b.Draw(dev, vPOINT(vINT(0L), vINT(0L))))
             return false;
         peak = std::max(peak, GdiObjects());
+        // Every strip of every bitmap, now and then: a full walk is 1,000 bitmaps.
+        if (++checks % 100 == 0)
+            peakLive = std::max(peakLive, LiveStrips(bitmaps, seen));
         return std::memcmp(dev.GetDIB(), doc.want[i].data(), doc.want[i].size()) == 0;
     };
     {
-        std::vector<vBITMAP> bitmaps;
         bitmaps.reserve(n);
         {
             vFILE file(vSTRING(doc.path.c_str()), vFILE_READONLY, 1);
@@ -71,6 +92,7 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
                 bitmaps.emplace_back(file);
                 ASSERT_TRUE(bitmaps.back().Resource() != nullptr) << i;
                 peak = std::max(peak, GdiObjects());
+                seen.insert(bitmaps.back().Resource()->Strip(0));
             }
             EXPECT_EQ(file.Size(), file.CurrentPos());
             // While the stream is open, a page-in reads through it and leaves
@@ -95,11 +117,21 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
         // Nearly every draw pages in: only the resident few are spared.
         EXPECT_GT(m->PageIns() - pageInsBefore, (unsigned long)(2 * n - 100));
         EXPECT_LE(m->ResidentCount(), 20);
-        // One strip each, a device, its bitmap and a few contexts of the drawing.
+        // One strip each, and where the system counts GDI objects, the
+        // device, its bitmap and a few contexts of the drawing besides.
+        EXPECT_LE(peakLive, 20);
+        EXPECT_GT(peakLive, 10);
         EXPECT_LE(peak, base + 20 * 1 + 6);
+        LiveStrips(bitmaps, seen);
+        bitmaps.clear();
     }
     EXPECT_EQ(0, m->ResidentCount() + m->PagedOutCount());
     EXPECT_LE(GdiObjects(), base);
+    int leaked = 0;
+    for (HBITMAP h : seen)
+        leaked += GetObjectType(h) != 0;
+    EXPECT_EQ(0, leaked) << "of " << seen.size();
+    EXPECT_GE(seen.size(), 1000u);
 }
 
 TEST(BitmapManager, PassesStopAtWhatMayNotGo)

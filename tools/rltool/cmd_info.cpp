@@ -1,5 +1,6 @@
 // rltool info: what a bitmap file holds (headers, palette, resolution), and
-// whether the library reads it.
+// whether the library reads it; a compressed bitmap record is told by its
+// first long and described by cmd_bitmap.cpp.
 #include <windows.h>
 #include <cstdio>
 #include <cstring>
@@ -97,11 +98,21 @@ const char* rltool_bmp_refusal(const RlBmpSummary& s)
     return "the size overflows or the file is shorter than its rows";
 }
 
+int rltool_record_info(const char* path);
+void rltool_bitmap_strips(const char* path);
+
 static int RunInfo(int argc, char** argv)
 {
     if (argc != 2 || argv[1][0] == '-')
         return rltool_usage("info");
     const char* path = argv[1];
+    if (FILE* f = fopen(path, "rb")) {
+        unsigned char magic[4] = {0, 0, 0, 0};
+        size_t n = fread(magic, 1, 4, f);
+        fclose(f);
+        if (n == 4 && U32(magic) == 0x0012AAB1ul)
+            return rltool_record_info(path);
+    }
     RlBmpSummary s;
     if (!rltool_bmp_summary(path, &s))
         return rltool_fail(RLTOOL_FAILED, "%s: cannot read a bitmap header from this file", path);
@@ -132,6 +143,7 @@ static int RunInfo(int argc, char** argv)
            ModelName(h.ColourModel()), h.Width(), h.Height(), dib.Stride(), h.Size());
     printf("resolution     %lu x %lu dpi (stored %ld x %ld pels per metre)\n", h.HorzDPI(), h.VertDPI(),
            s.xPels, s.yPels);
+    rltool_bitmap_strips(path);
     oDIBPALETTE* p = nullptr;
     unsigned n = dib.GetPalette(&p);
     if (!n) {
@@ -150,4 +162,5 @@ static int RunInfo(int argc, char** argv)
     return RLTOOL_OK;
 }
 
-RLTOOL_COMMAND(info, "info", "FILE.bmp", "a bitmap file's headers, palette and resolution", RunInfo);
+RLTOOL_COMMAND(info, "info", "FILE", "a bitmap file's or bitmap record's headers, palette, resolution and strips",
+               RunInfo);

@@ -117,9 +117,15 @@ protected:
     int pageable;
 
 private:
+    friend class vBITMAPMAN;
     vBITMAPSTRIP one;
     vBITMAPSTRIP* table;
     unsigned short count;
+    // Links of the manager's paged-out list, kept in the resource so that a
+    // page-in takes it off in one step however long the list is.
+    gdiRESOURCE* outPrev;
+    gdiRESOURCE* outNext;
+    int pagedOut;
 };
 
 // A bitmap made in memory. It keeps a copy of its own and cannot be made
@@ -209,7 +215,7 @@ public:
     unsigned short ResidentLimit() const;
     void SetResidentLimit(unsigned short limit);
     unsigned short ResidentCount() const { return NoItems(); }
-    unsigned short PagedOutCount() const { return pagedOut.NoItems(); }
+    unsigned short PagedOutCount() const { return outCount; }
     // Page-ins since the manager was made.
     unsigned long PageIns() const { return pageIns; }
 
@@ -222,8 +228,15 @@ private:
     vBITMAPMAN& operator=(const vBITMAPMAN&);
     void MakeRoom();
     void Track(gdiRESOURCE* resource);
+    // The paged-out list: most recently paged out first.
+    void PushOut(gdiRESOURCE* resource);
+    void TakeOut(gdiRESOURCE* resource);
+    // Calls f on every resource, resident ones first; stops at the first
+    // that f accepts and returns it.
+    template <class F> gdiRESOURCE* Find(F f);
 
-    fLIST pagedOut;
+    gdiRESOURCE* outHead;
+    unsigned short outCount;
     unsigned long pageIns;
 };
 
