@@ -74,4 +74,6 @@ add_test(NAME build_install_host COMMAND bash ${CMAKE_SOURCE_DIR}/tests/build/ch
   ${CMAKE_SOURCE_DIR} ${CMAKE_BINARY_DIR})
 add_test(NAME tools_rltool COMMAND bash ${CMAKE_SOURCE_DIR}/tests/tools/rltool_test.sh
   ${CMAKE_BINARY_DIR}/wine-run $<TARGET_FILE:rltool>)
-set_tests_properties(build_binaries build_install_host tools_rltool PROPERTIES LABELS headless TIMEOUT 300)
+add_test(NAME tools_photocd COMMAND bash ${CMAKE_SOURCE_DIR}/tests/tools/photocd_test.sh
+  ${CMAKE_BINARY_DIR}/wine-run $<TARGET_FILE:rltool> $<TARGET_FILE:pcdsample>)
+set_tests_properties(build_binaries build_install_host tools_rltool tools_photocd PROPERTIES LABELS headless TIMEOUT 300)

@@ -46,3 +46,10 @@ run resize "$(win "$BMP")" "$(win "$DEMO/small8.bmp")" --width 64 --keep-aspect 
 run info "$(win "$DEMO/small8.bmp")"
 # Damaged or foreign input is refused with a message and exit code 1.
 run explode "$(win "$DEMO/sample.txt")" "$(win "$DEMO/never.out")"
+
+# Photo CD: a small volume of three generated pictures, listed, and one picture
+# exported turned and at a quarter of Base.
+wine "$BUILD/bin/pcdsample.exe" "$(win "$DEMO/photocd")" > /dev/null
+run photocd "$(win "$DEMO/photocd")" --list
+run photocd "$(win "$DEMO/photocd")" --export 2 "$(win "$DEMO/photo2.bmp")" --resolution base4 --rotate 90
+echo "(the exported photo is in $DEMO/photo2.bmp)"

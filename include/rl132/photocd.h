@@ -5,5 +5,6 @@
 #include "rl132/core/rldefs.h"
 #include "rl132/photocd/pcdapi.h"
 #include "rl132/photocd/rlphplug.h"
+#include "rl132/photocd/vphoto.h"
 
 #endif

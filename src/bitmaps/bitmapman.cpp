@@ -487,6 +487,19 @@ gdiRESOURCE* vBITMAPMAN::Add(vSTREAM& stream, int share)
     return r;
 }
 
+gdiRESOURCE* vBITMAPMAN::Add(gdiRESOURCE* r)
+{
+    if (!r)
+        return nullptr;
+    if (!r->IsResident()) {
+        delete r;
+        return nullptr;
+    }
+    MakeRoom();
+    Track(r);
+    return r;
+}
+
 void vBITMAPMAN::Release(gdiRESOURCE* r)
 {
     if (!r || r->DropRef())

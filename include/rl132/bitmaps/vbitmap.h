@@ -20,6 +20,7 @@
 class vRESID;
 class gdiRESOURCE;
 class oPROGRESS;
+class vPHOTO;
 
 class RL132_API vBITMAP : public vPICTURE {
 public:
@@ -37,6 +38,9 @@ public:
     vBITMAP(vSTREAM& source, vSTREAM& target, unsigned short width, unsigned short height, int keepAspect);
     // An empty bitmap of that size, compatible with the screen.
     vBITMAP(const vINT& width, const vINT& height);
+    // The photo's full image as its face shows it now (vphoto.h), read when
+    // the photo has not yet read it; the pixels are shared with the photo.
+    explicit vBITMAP(const vPHOTO& photo);
     vBITMAP(const vBITMAP& other);
     vBITMAP& operator=(const vBITMAP& other);
     ~vBITMAP() override;
@@ -86,6 +90,7 @@ public:
     static unsigned short wBitmapSize;
 
 private:
+    friend class vPHOTO;
     void Adopt(gdiRESOURCE* r);
     void SizeFromStrips();
 

@@ -197,6 +197,9 @@ public:
     gdiRESOURCE* Add(const vRESID& id);
     gdiRESOURCE* Add(HBITMAP bitmap);
     gdiRESOURCE* Add(vSTREAM& stream, int share);
+    // A resource made elsewhere (a Photo CD image's), resident already; null,
+    // with the resource deleted, when it is not.
+    gdiRESOURCE* Add(gdiRESOURCE* made);
     // Counts the caller out; the last holder's release deletes the resource.
     void Release(gdiRESOURCE* resource);
 
