@@ -3,6 +3,7 @@
 // IStream; and what values look like on a stream.
 #include <gtest/gtest.h>
 #include <objbase.h>
+#include <cstdio>
 #include <cstring>
 #include "stream_util.h"
 
@@ -101,8 +102,14 @@ TEST(StreamMemory, CallerBuffersAndTheSpillAtOneHundredMillionBytes)
         ASSERT_EQ(p[4 + i], (unsigned char)i);
     vMemFree(p);
 
-    char dir[MAX_PATH];
+    // A temporary folder of this test's own, so that other programs' files
+    // in the shared one cannot change the count.
+    char dir[MAX_PATH], saved[MAX_PATH];
+    DWORD hadTmp = GetEnvironmentVariableA("TMP", saved, sizeof saved);
     GetTempPathA(sizeof dir, dir);
+    sprintf(dir + strlen(dir), "rlspill%lu\\", GetCurrentProcessId());
+    CreateDirectoryA(dir, nullptr);
+    SetEnvironmentVariableA("TMP", dir);
     auto spillFiles = [&]() {
         WIN32_FIND_DATAA fd;
         HANDLE h = FindFirstFileA((std::string(dir) + "rl*.tmp").c_str(), &fd);
@@ -136,6 +143,8 @@ TEST(StreamMemory, CallerBuffersAndTheSpillAtOneHundredMillionBytes)
         EXPECT_EQ(m.MoveFromStart(written + 100), written + 4);
     }
     EXPECT_EQ(spillFiles(), before);
+    SetEnvironmentVariableA("TMP", hadTmp ? saved : nullptr);
+    RemoveDirectoryA(dir);
 }
 
 TEST(StreamOle, TakesOverSizeAndPositionCompressesAndNeverReleases)
