@@ -16,10 +16,10 @@
 //   A  advances     unsigned word n (0, or the text's length), then n signed words
 //   C  colour       unsigned word: 0 none; otherwise the colour's 8-byte form follows
 //   D  DIB          the stored DIB: 40-byte info header, palette, pixel rows
-//   l  line style   the line specification's stream form (24 bytes)
-//   f  fill style   the fill specification's stream form; its pattern image,
+//   l  line style   the line style's stream form (24 bytes)
+//   f  fill style   the fill style's stream form; its pattern image,
 //                   when present, is a stored DIB
-//   F  font         the font specification's stream form: T, then a word and
+//   F  font         the font description's stream form: T, then a word and
 //                   four longs
 //
 //   op    operation                       operands
