@@ -33,6 +33,16 @@ run colour --rgb 255,0,255
 run text "RL132 draws text" "$(win "$DEMO/text.bmp")" --size 20 --angle 15 --colour 30,60,160
 run showcase "$(win "$DEMO/showcase.bmp")" && echo "(the drawing showcase is in $DEMO/showcase.bmp)" && echo
 
+# Metafiles: the same sheet recorded into a metafile, played back at two sizes
+# and converted to a Windows metafile.
+run showcase "$(win "$DEMO/showcase.rlm")"
+run render "$(win "$DEMO/showcase.rlm")" "$(win "$DEMO/showcase-800.bmp")" --width 800 --height 600
+run render "$(win "$DEMO/showcase.rlm")" "$(win "$DEMO/showcase-300.bmp")" --width 300 --height 225
+run wmf "$(win "$DEMO/showcase.rlm")" "$(win "$DEMO/showcase.wmf")"
+echo "(the recorded sheet is in $DEMO/showcase.rlm; played back at 800 and 300 pixels wide"
+echo " in $DEMO/showcase-800.bmp and $DEMO/showcase-300.bmp; as a Windows metafile in $DEMO/showcase.wmf)"
+echo
+
 # Compression: a file through implode and back.
 cat "$ROOT"/README.md "$ROOT"/src/*/*.cpp > "$DEMO/sample.txt"
 run implode "$(win "$DEMO/sample.txt")" "$(win "$DEMO/sample.imp")"

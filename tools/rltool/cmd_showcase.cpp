@@ -1,5 +1,6 @@
 // rltool showcase: one sheet that shows what the drawing devices can do, saved
-// as a bitmap file.
+// as a bitmap file, or recorded into a metafile (an OUT name ending in .rlm)
+// that rltool render and rltool wmf take.
 //
 // The sheet is 960 × 720 pixels in five panels:
 //   top left      outlines: every line type, the width classes, the three
@@ -130,7 +131,17 @@ void Shapes(vDEVICE& d)
     d.FillSpec(vFILLSPEC(vFT_RADIAL, vCOLOUR(255, 255, 255), vCOLOUR(0, 60, 200), vANGLE(0), vFM_ALTERNATE));
     d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(0, 0, 80), vINT(2L)));
     d.DrawShape(Blob(600, 270));
-    // Stripes seen through an ellipse.
+    NoLine(d);
+    d.FontSpec(vFONTSPEC(vSTRING("Arial"), vFS_NORMAL, vINT(14L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
+    d.DrawTextA(vSTRING("RL132 draws text"), Rc(740, 400, 950, 440), vTA_LEFT);
+    d.FontSpec(vFONTSPEC(vSTRING("Arial"), vFS_NORMAL, vINT(8L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
+}
+
+// Stripes seen through an ellipse. Drawn last: a metafile records the clip
+// but not its clearing, so played back the clip would hold for whatever
+// followed it.
+void ClippedStripes(vDEVICE& d)
+{
     vELPSSHAPE window(Rc(740, 270, 860, 390));
     d.ClipArea(window);
     NoLine(d);
@@ -139,9 +150,6 @@ void Shapes(vDEVICE& d)
         d.DrawRect(Rc(740, 270 + i * 10, 860, 279 + i * 10));
     }
     d.ClearClipArea();
-    d.FontSpec(vFONTSPEC(vSTRING("Arial"), vFS_NORMAL, vINT(14L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
-    d.DrawTextA(vSTRING("RL132 draws text"), Rc(740, 400, 950, 440), vTA_LEFT);
-    d.FontSpec(vFONTSPEC(vSTRING("Arial"), vFS_NORMAL, vINT(8L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
 }
 
 void Picture(vDEVICE& d, long x, long y)
@@ -171,7 +179,65 @@ void Plates(vDEVICE& d)
     d.DisplayMode(vDM_NORMAL, plain, 1, 1);
 }
 
+// The whole sheet, on any device: in pixels from (0, 0) to (kWidth, kHeight)
+// on a white ground the device already has.
+void DrawSheet(vDEVICE& d)
+{
+    d.FontSpec(vFONTSPEC(vSTRING("Arial"), vFS_NORMAL, vINT(8L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
+    d.Transparency(1);
+    Outlines(d);
+    BrushFills(d);
+    GradedFills(d);
+    Shapes(d);
+    Plates(d);
+    ClippedStripes(d);
+}
+
 bool Put(FILE* f, const void* p, size_t n) { return fwrite(p, 1, n, f) == n; }
+
+bool EndsWith(const char* s, const char* tail)
+{
+    size_t n = strlen(s), t = strlen(tail);
+    return n >= t && _stricmp(s + n - t, tail) == 0;
+}
+
+// The sheet recorded into a metafile whose record stream becomes the file. The
+// metafile takes the screen's resolution and the sheet's rectangle as its
+// extents, so that played onto a sheet-sized area it draws what the bitmap
+// shows, text and margins included.
+int RecordSheet(const char* out)
+{
+    vMETAFILE meta;
+    if (!meta.Status())
+        return rltool_fail(RLTOOL_FAILED, "the metafile could not be made");
+    HDC screen = GetDC(nullptr);
+    long dpiX = screen ? GetDeviceCaps(screen, LOGPIXELSX) : 96, dpiY = screen ? GetDeviceCaps(screen, LOGPIXELSY) : 96;
+    if (screen)
+        ReleaseDC(nullptr, screen);
+    meta.LogUnitsPerHorzInch(vINT(dpiX > 0 ? dpiX : 96));
+    meta.LogUnitsPerVertInch(vINT(dpiY > 0 ? dpiY : 96));
+    DrawSheet(meta);
+    if (!meta.EndMetaFile())
+        return rltool_fail(RLTOOL_FAILED, "the metafile could not be recorded");
+    meta.LogicalExtents(0, kWidth, 0, kHeight);
+    vMEMSTREAM records;
+    meta >> records;
+    unsigned long size = records.Size();
+    unsigned char* bytes = size ? (unsigned char*)vMemAlloc(size) : nullptr;
+    if (!bytes)
+        return rltool_fail(RLTOOL_FAILED, "the metafile could not be copied");
+    records.MoveFromStart(0);
+    records.DetectCompressed(0);
+    records.ReadByteString(bytes, size);
+    bool ok = records.Status() == vSTREAM_OK;
+    RlOutput file;
+    ok = ok && file.Create(out) && Put(file.File(), bytes, size) && file.Commit();
+    vMemFree(bytes);
+    if (!ok)
+        return RLTOOL_FAILED;
+    printf("wrote %s: own-format metafile of %lu bytes, %ld x %ld\n", out, size, kWidth, kHeight);
+    return RLTOOL_OK;
+}
 
 // The device over the sheet; at 8 bits it takes the sheet's colours as the
 // library's palette, so that fills use palette indices and dithers.
@@ -201,6 +267,11 @@ static int RunShowcase(int argc, char** argv)
     }
     if (!out)
         return rltool_usage("showcase");
+    if (EndsWith(out, ".rlm")) {
+        if (bits != 24)
+            return rltool_fail(RLTOOL_USAGE, "--bits is for a bitmap file, not a metafile");
+        return RecordSheet(out);
+    }
 
     struct {
         BITMAPINFOHEADER h;
@@ -259,13 +330,7 @@ static int RunShowcase(int argc, char** argv)
             vDEVICE::SetNoColours(8);
             SelectPalette(dc, palette, FALSE);
         }
-        d.FontSpec(vFONTSPEC(vSTRING("Arial"), vFS_NORMAL, vINT(8L), vREAL(0), 0, vFH_POINTS, vANGLE(0)));
-        d.Transparency(1);
-        Outlines(d);
-        BrushFills(d);
-        GradedFills(d);
-        Shapes(d);
-        Plates(d);
+        DrawSheet(d);
     }
     GdiFlush();
     if (palette) {
@@ -296,5 +361,6 @@ static int RunShowcase(int argc, char** argv)
     return RLTOOL_OK;
 }
 
-RLTOOL_COMMAND(showcase, "showcase", "OUT.bmp [--bits 24|8]",
-               "draw a sheet of line, fill, shape, text and plate samples into a bitmap file", RunShowcase);
+RLTOOL_COMMAND(showcase, "showcase", "OUT.bmp [--bits 24|8] | OUT.rlm",
+               "draw a sheet of line, fill, shape, text and plate samples into a bitmap file, or record it into a metafile",
+               RunShowcase);

@@ -21,6 +21,7 @@ class vRESID;
 class gdiRESOURCE;
 class oPROGRESS;
 class vPHOTO;
+class vMETAFILE;
 
 class RL132_API vBITMAP : public vPICTURE {
 public:
@@ -38,6 +39,14 @@ public:
     vBITMAP(vSTREAM& source, vSTREAM& target, unsigned short width, unsigned short height, int keepAspect);
     // An empty bitmap of that size, compatible with the screen.
     vBITMAP(const vINT& width, const vINT& height);
+    // The metafile played into a display bitmap of its proportions fitted
+    // inside width × height (PreserveAspect on its extents), kept as a memory
+    // bitmap and written to `stream` with Write(stream, compress): `compress`
+    // non-zero writes the compressed record, 0 the plain bitmap file image.
+    // Invalid, with nothing written, when the metafile cannot be played or has
+    // no extents, the size is not 1 to 32767 on both axes, or the bitmap
+    // cannot be made.
+    vBITMAP(vMETAFILE& metafile, vSTREAM& stream, const vINT& width, const vINT& height, int compress);
     // The photo's full image as its face shows it now (vphoto.h), read when
     // the photo has not yet read it; the pixels are shared with the photo.
     explicit vBITMAP(const vPHOTO& photo);
