@@ -125,51 +125,37 @@ TEST(WmfNative, WriteAndTheRecordingContext)
     DeleteMetaFile(written);
     DeleteMetaFile(held);
     DeleteFileA(path.c_str());
-    // Nothing held: nothing written.
     EXPECT_EQ(0, drawn.Write(vSTRING("%s", path.c_str())));
     EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA(path.c_str()));
 }
 
-// The library's own recordings are drawn onto an A4 page shrunk to their aspect.
+// The library's own recordings are drawn onto an A4 page shrunk to their
+// aspect, which becomes the recording's window.
 TEST(WmfNative, FromOwnRecordings)
 {
-    struct Case {
-        vRECT figure;
-        short pageX, pageY;
-    } cases[] = {
-        {vRECT(vINT(0L), vINT(0L), vINT(1000L), vINT(500L)), 21000, 10500},
-        {vRECT(vINT(0L), vINT(0L), vINT(500L), vINT(1000L)), 14850, 29700},
-        {vRECT(vINT(100L), vINT(0L), vINT(100L), vINT(500L)), 21000, 29700},   // no width: the page stays
-    };
-    for (const Case& c : cases) {
+    const long cases[][4] = {{1000, 500, 21000, 10500}, {500, 1000, 14850, 29700}, {0, 500, 21000, 29700}};
+    for (const auto& c : cases) {
         vMETAFILE m;
-        m.DrawRect(c.figure);
+        m.DrawRect(vRECT(vINT(100L), vINT(0L), vINT(100L + c[0]), vINT(c[1])));
         m.EndMetaFile();
-        ASSERT_EQ(1, m.Native());
         vNATIVEMETA native(m);
-        EXPECT_EQ(c.pageX, native.PageWidth());
-        EXPECT_EQ(c.pageY, native.PageHeight());
+        EXPECT_EQ(c[2], native.PageWidth());
+        EXPECT_EQ(c[3], native.PageHeight());
         HMETAFILE h = native.RemoveFileHandle();
         ASSERT_TRUE(h != nullptr);
-        // The page is the recording's window, and the rectangle is in it.
         Bytes bits = BitsOf(h);
         bool window = false;
-        for (size_t at = 18; at + 10 <= bits.size();) {
-            unsigned long words = bits[at] | bits[at + 1] << 8 | bits[at + 2] << 16;
-            unsigned fn = bits[at + 4] | bits[at + 5] << 8;
-            if (fn == 0x020C)
-                window = (short)(bits[at + 6] | bits[at + 7] << 8) == c.pageY &&
-                         (short)(bits[at + 8] | bits[at + 9] << 8) == c.pageX;
-            if (words < 3)
-                break;
-            at += words * 2;
+        for (size_t at = 18, words; at + 10 <= bits.size() && (words = bits[at] | bits[at + 1] << 8 | bits[at + 2] << 16) >= 3;
+             at += words * 2) {
+            if ((bits[at + 4] | bits[at + 5] << 8) == 0x020C)
+                window = (short)(bits[at + 6] | bits[at + 7] << 8) == c[3] && (short)(bits[at + 8] | bits[at + 9] << 8) == c[2];
         }
-        EXPECT_TRUE(window) << c.pageX << " x " << c.pageY;
+        EXPECT_TRUE(window) << c[2] << " x " << c[3];
         devtest::SURFACE s(120, 120);
         SetMapMode(s.dc, MM_ANISOTROPIC);
         SetViewportExtEx(s.dc, 120, 120, nullptr);
         PlayMetaFile(s.dc, h);
-        EXPECT_GT(s.Count(0xFFFFFF), 0) << c.pageX << " x " << c.pageY;
+        EXPECT_GT(s.Count(0xFFFFFF), 0) << c[2] << " x " << c[3];
         DeleteMetaFile(h);
     }
 }

@@ -30,6 +30,14 @@ Bytes Longs(unsigned op, std::initializer_list<long> values)
         Long(b, v);
     return b;
 }
+// head, then each value as a long, then tail.
+Bytes Mix(Bytes head, std::initializer_list<long> values, const Bytes& tail = {})
+{
+    for (long v : values)
+        Long(head, v);
+    head.insert(head.end(), tail.begin(), tail.end());
+    return head;
+}
 
 // What a record held, copied out before its reader goes.
 struct Seen {
@@ -97,38 +105,13 @@ TEST(NativeMetaRecords, OpcodeTable)
 
 TEST(NativeMetaRecords, LayoutsDecodeAndEveryCutIsShort)
 {
-    Bytes text = {0x23, 0, 3, 0, 'a', 'b', 'c'};
-    for (long v : {-1L, 2L, 300L, 0x7FFFFFFFL, 9L})
-        Long(text, v);
-    Bytes online = {0x27, 0, 2, 0, 'h', 'i'};
-    Long(online, 5);
-    Long(online, -6);
-    Word(online, 2);
-    Word(online, 0xFFF6);
-    Word(online, 12);
-    Bytes shape = {0x21, 0, 2, 0};
-    for (long v : {1L, 2L})
-        Long(shape, v);
-    shape.push_back(0x09);
-    for (long v : {-3L, 4L})
-        Long(shape, v);
-    shape.push_back(0x0A);
-    Bytes dib = {0x24, 0};
     Bytes image = StoredDIB(3, 2, 8);
-    dib.insert(dib.end(), image.begin(), image.end());
-    for (long v : {0L, 0L, 10L, 10L})
-        Long(dib, v);
-    Word(dib, 1);
-    for (int i = 0; i < 8; ++i)
-        dib.push_back((unsigned char)(0x10 + i));
-    Bytes fill = {0x15, 0, 14, 0};
-    for (int i = 0; i < 22; ++i)
-        fill.push_back(0);
-    fill.insert(fill.end(), image.begin(), image.end());   // a pattern image
-    Bytes font = {0x16, 0, 4, 0, 'H', 'e', 'l', 'v', 2, 0};
-    for (int i = 0; i < 16; ++i)
-        font.push_back(0);
-
+    Bytes text = Mix({0x23, 0, 3, 0, 'a', 'b', 'c'}, {-1, 2, 300, 0x7FFFFFFF, 9});
+    Bytes online = Mix({0x27, 0, 2, 0, 'h', 'i'}, {5, -6}, {2, 0, 0xF6, 0xFF, 12, 0});
+    Bytes shape = Mix(Mix({0x21, 0, 2, 0}, {1, 2}, {0x09}), {-3, 4}, {0x0A});
+    Bytes dib = Mix(Mix({0x24, 0}, {}, image), {0, 0, 10, 10}, {1, 0, 0x10, 0x11, 0x12, 0x13, 0x14, 0x15, 0x16, 0x17});
+    Bytes fill = Mix(Mix({0x15, 0, 14, 0}, {0, 0, 0, 0, 0}, {0, 0}), {}, image);   // a pattern image
+    Bytes font = Mix({0x16, 0, 4, 0, 'H', 'e', 'l', 'v', 2, 0}, {0, 0, 0, 0});
     struct {
         Bytes bytes;
         std::vector<long> nums;
@@ -229,17 +212,11 @@ TEST(NativeMetaRecords, ImpossibleCountsAndImages)
 // reader accepts stays within what it read.
 TEST(NativeMetaRecords, DamagedRecordingsStayInBounds)
 {
-    Bytes seed;
-    for (const Bytes& b : {Longs(0x1F, {1, 2, 3, 4}), Bytes{0x1E, 0, 2, 0, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0, 4, 0, 0, 0},
-                           Bytes{0x23, 0, 1, 0, 'x', 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0, 4, 0, 0, 0, 0, 0, 0, 0},
-                           Bytes{0x16, 0, 1, 0, 'A', 2, 0, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}})
-        seed.insert(seed.end(), b.begin(), b.end());
-    Bytes image = StoredDIB(2, 2, 8);
-    seed.push_back(0x24);
-    seed.push_back(0);
-    seed.insert(seed.end(), image.begin(), image.end());
-    for (int i = 0; i < 18; ++i)
-        seed.push_back(0);
+    Bytes seed = Mix(Longs(0x1F, {1, 2, 3, 4}), {}, Mix({0x1E, 0, 2, 0}, {1, 2, 3, 4}));
+    seed = Mix(Mix(seed, {}, {0x23, 0, 1, 0, 'x'}), {1, 2, 3, 4, 0});
+    seed = Mix(Mix(seed, {}, {0x16, 0, 1, 0, 'A', 2, 0}), {1, 0, 0, 0}, {0, 0});
+    seed = Mix(Mix(seed, {}, {0x24, 0}), {}, StoredDIB(2, 2, 8));
+    seed.resize(seed.size() + 18);
     rlnative::Rng rng(7);
     for (int iter = 0; iter < 4000; ++iter) {
         Bytes b = seed;
