@@ -26,6 +26,12 @@ struct OUTPUT {
 };
 const std::uint32_t kOutputCap = rlbmrec::kMaxImageBytes + 40u + 1024u;
 
+// The rows of a page-in: one block, grown as needed and kept while it stays
+// small enough that keeping it costs little beside the bitmaps made from it.
+unsigned char* rowBuffer = nullptr;
+std::uint32_t rowBufferBytes = 0;
+const std::uint32_t kKeptRowBytes = 1u << 20;
+
 unsigned int FeedInput(char* buf, unsigned int* size, void* param)
 {
     INPUT* in = static_cast<INPUT*>(param);
@@ -182,6 +188,19 @@ bool RECORD::Rows(unsigned char* out, std::uint32_t rows)
     return true;
 }
 
+const unsigned char* RECORD::AllRows()
+{
+    if (!ok || rowsDone != 0)
+        return nullptr;
+    if (expanded && at <= expandedBytes && expandedBytes - at >= plan.rowBytes) {
+        rowsDone = plan.height;
+        at += plan.rowBytes;
+        return expanded + at - plan.rowBytes;
+    }
+    unsigned char* spare = RowBuffer(plan.rowBytes);
+    return spare && Rows(spare, plan.height) ? spare : nullptr;
+}
+
 void RECORD::Finish()
 {
     if (ok && !expanded && rowsDone == plan.height && plan.imageBytes > plan.rowBytes)
@@ -206,8 +225,31 @@ SCREENDC::~SCREENDC()
         SelectPalette(dc, old, FALSE);
 }
 
+unsigned char* RowBuffer(std::uint32_t bytes)
+{
+    if (bytes <= rowBufferBytes)
+        return rowBuffer;
+    // The old rows are not wanted: a fresh block spares copying them.
+    vMemFree(rowBuffer);
+    rowBufferBytes = 0;
+    rowBuffer = static_cast<unsigned char*>(vMemAlloc(bytes ? bytes : 1));
+    if (rowBuffer)
+        rowBufferBytes = bytes;
+    return rowBuffer;
+}
+
+void ReleaseRowBuffer(bool all)
+{
+    if (!all && rowBufferBytes <= kKeptRowBytes)
+        return;
+    vMemFree(rowBuffer);
+    rowBuffer = nullptr;
+    rowBufferBytes = 0;
+}
+
 void FreeDisplayDC()
 {
+    ReleaseRowBuffer(true);
     if (rlstate::bmState.displayDC)
         DeleteDC(rlstate::bmState.displayDC);
     rlstate::bmState.displayDC = nullptr;
@@ -221,20 +263,21 @@ bool ReadStrips(vSTREAM& stream, STRIPSINK& sink)
     const rlbmrec::Plan& p = r.Plan();
     if (p.stripCount > 0xFFFFu || p.rowsPerStrip > 0xFFFFu || !sink.Begin((unsigned short)p.stripCount))
         return false;
-    unsigned char* rows = static_cast<unsigned char*>(vMemAlloc(p.rowsPerStrip * p.stride));
-    if (!rows)
+    // One read of every row; each strip is made from its place in them.
+    // A compressed record's rows are used where they were expanded.
+    const unsigned char* rows = r.AllRows();
+    if (!rows) {
+        ReleaseRowBuffer(false);
         return false;
+    }
     SCREENDC screen;
     BITMAPINFO* bi = r.Info();
     bool good = screen.dc != nullptr;
     for (std::uint32_t k = 0; good && k < p.stripCount; ++k) {
         std::uint32_t n = rlbmrec::StripRows(p.height, p.rowsPerStrip, k);
-        if (!r.Rows(rows, n)) {
-            good = false;
-            break;
-        }
         bi->bmiHeader.biHeight = p.topDown ? -(LONG)n : (LONG)n;
-        HBITMAP b = CreateDIBitmap(screen.dc, &bi->bmiHeader, CBM_INIT, rows, bi, DIB_RGB_COLORS);
+        HBITMAP b = CreateDIBitmap(screen.dc, &bi->bmiHeader, CBM_INIT, rows + (std::size_t)k * p.rowsPerStrip * p.stride,
+                                   bi, DIB_RGB_COLORS);
         if (!b) {
             good = false;
             break;
@@ -242,7 +285,7 @@ bool ReadStrips(vSTREAM& stream, STRIPSINK& sink)
         // Bottom strip first: stored top-down rows arrive top strip first.
         sink.Put((unsigned short)(p.topDown ? p.stripCount - 1 - k : k), b, (unsigned short)n);
     }
-    vMemFree(rows);
+    ReleaseRowBuffer(false);
     if (good)
         r.Finish();
     return good;

@@ -26,6 +26,11 @@ public:
     // The next `rows` rows in stored order, plan.stride bytes each; false when
     // the record ran short.
     bool Rows(unsigned char* out, std::uint32_t rows);
+    // All the rows in stored order, read in one go: straight out of a
+    // compressed record's expanded image when it holds them all, otherwise
+    // into the kept row buffer (see RowBuffer). Null when the record ran
+    // short or the buffer could not grow.
+    const unsigned char* AllRows();
     // Leaves the stream after the record (past any bytes of a stated image
     // size beyond the rows) and gives it its frame detection back.
     void Finish();
@@ -65,6 +70,13 @@ bool ReadStrips(vSTREAM& stream, STRIPSINK& sink);
 // palette, rows, bottom row first) allocated with vMemAlloc; null on failure.
 unsigned char* ReadPacked(vSTREAM& stream, unsigned long* bytes);
 
+// The buffer ReadStrips reads a record's rows into, kept from one page-in to
+// the next so that paging does not allocate; null when it cannot grow to
+// `bytes`. ReleaseRowBuffer gives back a buffer that grew past what paging
+// usually needs (and, at the end, the buffer itself).
+unsigned char* RowBuffer(std::uint32_t bytes);
+void ReleaseRowBuffer(bool all);
+
 // A context on the display with the screen palette realised in it, for
 // making device-dependent bitmaps like the screen's; the palette goes back
 // when it goes. The context itself is kept until FreeDisplayDC.
@@ -77,6 +89,7 @@ public:
 private:
     HPALETTE old;
 };
+// Deletes the kept display context and the kept row buffer.
 void FreeDisplayDC();
 
 } // namespace rlbmread
