@@ -264,8 +264,10 @@ std::vector<std::vector<GPOINT>> RefDashes(const std::vector<GPOINT>& pts, const
 
 TEST(NativeStroke, DashStretchesFollowThePattern)
 {
+    // Long segments under short patterns make thousands of dashes each: a few
+    // thousand outlines already cover every pattern shape the draws give.
     Rng rng(29);
-    for (int iter = 0; iter < 20000; ++iter) {
+    for (int iter = 0; iter < 5000; ++iter) {
         LINEPARAMS p = Params(2 + (int)rng.Below(5), 1, 2, (int)rng.Below(3));
         for (int i = 0; i < 6; ++i)
             p.pattern[i] = (unsigned char)(rng.Chance(3) ? 0 : rng.Chance(4) ? rng.Byte() : rng.Below(9));
@@ -582,9 +584,10 @@ TEST(NativeStroke, CapsJoinsAndTheMitreLimit)
 
 TEST(NativeStroke, AnyInputFinishes)
 {
+    // fuzz_stroke explores further; this is its quick, always-run share.
     Rng rng(77);
     LINESTROKER st;
-    for (int iter = 0; iter < 20000; ++iter) {
+    for (int iter = 0; iter < 6000; ++iter) {
         LINEPARAMS p = Params((int)rng.Below(8), 0, (int)rng.Below(4), (int)rng.Below(4), rng.U32());
         p.width = rng.Chance(3) ? (std::int32_t)rng.Edgy() : (std::int32_t)rng.Below(rng.Chance(4) ? 40000 : 64);
         p.fastUpdate = rng.Chance(8);

@@ -86,7 +86,7 @@ int LINESTROKER::DottedLineSegment(const GPOINT* p)
         along.kind = ALONG::kWide;
     }
     const std::int32_t len = along.len;
-    const bool squareDash = st_.method == kMethodPolygons && !st_.roundCaps;
+    const bool polygons = st_.method == kMethodPolygons;
 
     int polys = 0;
     std::int32_t pos = 0;
@@ -102,15 +102,22 @@ int LINESTROKER::DottedLineSegment(const GPOINT* p)
         } else if (remaining > 0) {
             // A real gap: draw the stretch that ends here. A zero-length gap
             // does not cut the line.
-            if (squareDash && runStart >= 0 && anyRun_ && !inRun_ && !st_.continuing) {
+            if (polygons && runStart >= 0 && anyRun_ && !inRun_ && !st_.continuing) {
                 // A dash wholly inside the segment, after an earlier one of
                 // the contour: EmitPiece and EndRun would draw its own
-                // quadrilateral and nothing else, and leave the run closed.
+                // quadrilateral between its two caps (when round) and nothing
+                // else, and leave the run closed.
                 GPOINT a = along.At(runStart), b = along.At(pos);
                 if (a != b) {
                     GPOINT q[4] = {GPOINT{a.x + o.x1, a.y + o.y1}, GPOINT{a.x - o.x2, a.y - o.y2},
                                    GPOINT{b.x - o.x2, b.y - o.y2}, GPOINT{b.x + o.x1, b.y + o.y1}};
-                    polys += AppendQuad(q, false);
+                    if (st_.roundCaps) {
+                        polys += Cap(a, b);
+                        polys += AppendQuad(q, false);
+                        polys += Cap(b, a);
+                    } else {
+                        polys += AppendQuad(q, false);
+                    }
                     runFrom_ = a;
                     runEnd_ = prevEnd_ = b;
                     prevLeft_ = q[3];
