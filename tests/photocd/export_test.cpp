@@ -1,9 +1,5 @@
-// Exporting Photo CD images: over the stand-in access library
-// (tests/dlls/PCDSTANDIN), the statuses of bad arguments, missing plug-ins and
-// entries and of a plug-in that misbehaves on purpose (tests/dlls/rlphbad),
-// each stopping at the first failure; then a real image pack through
-// PCDLIB32.DLL and each plug-in, the files read back independently (BMP also
-// by the library's own DIB reader). The encoders' edges are tested natively.
+// Exporting Photo CD images over the stand-in access library (tests/dlls/PCDSTANDIN) and a
+// misbehaving plug-in (tests/dlls/rlphbad), then a real pack through PCDLIB32.DLL.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <string>
@@ -85,17 +81,10 @@ TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
     const long rgb = PCD_FORMAT_RGB24, pal = PCD_FORMAT_PAL8;
     // 37 pixels are 112 bytes a row at 24 bits: 585 rows a band, so 3 bands;
     // at 8 bits 40 bytes, one band.
+    // standin, plugin: PCDSTANDIN and RLPHBAD; fileBytes -1: no file made.
     const struct CASE {
-        const char* what;
-        bool image;
-        const char* format;
-        bool file;
-        long colours;
-        const char* standin;   // PCDSTANDIN
-        const char* plugin;    // RLPHBAD
-        unsigned short status;
-        const char* calls;
-        long fileBytes;        // -1: no file made
+        const char* what; bool image; const char* format; bool file; long colours;
+        const char* standin; const char* plugin; unsigned short status; const char* calls; long fileBytes;
     } cases[] = {
         {"no image", false, "bad", true, rgb, "", "", 3001, "", -1},
         {"no format", true, nullptr, true, rgb, "", "", 3001, "", -1},
@@ -164,9 +153,7 @@ TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
     DeleteFileA(path.c_str());
 }
 
-// A real image pack (written by the tests' pack writer) read by PCDLIB32.DLL
-// and exported through each plug-in in both colour formats; the files must
-// hold exactly what the library hands out band by band.
+// Each plug-in in both colour formats holds exactly what the library hands out.
 TEST(PhotoExportFiles, ImagePackThroughEachPlugin)
 {
     const std::string pack = rltest::TempPath("rlp");
@@ -182,7 +169,6 @@ TEST(PhotoExportFiles, ImagePackThroughEachPlugin)
             ASSERT_EQ(pcd.PCDsetResolution(image, (long)PCD_BASE_OVER_4), PCD_OK);
             ASSERT_EQ(PhotoExport(image, format, path.c_str(), colours, pcd), PHOTOEXPORT_OK);
 
-            // What the library gives for the image as it now stands.
             long w = 0, h = 0, bpp = colours == PCD_FORMAT_PAL8 ? 1 : 3;
             ASSERT_EQ(pcd.PCDgetSize(image, &w, &h), PCD_OK);
             ASSERT_TRUE(w == 384 && h == 256);

@@ -1,8 +1,5 @@
-// Photo CD volumes and photos on volumes the tests write: statuses, numbering,
-// the rights file, overview and full-image pixels against what PCDLIB32.DLL
-// hands out for the same settings, paging of overview bitmaps (also once the
-// overview's file is gone), Write through the plug-ins read back, a damaged
-// pack, the abort and progress callbacks and the disc-change text.
+// Photo CD volumes and photos on volumes the tests write, their pixels against
+// what PCDLIB32.DLL hands out for the same settings.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <cstring>
@@ -10,7 +7,7 @@
 #include <vector>
 #include "../bitmaps/bitmap_oracle.h"
 #include "export_files.h"
-#include "pcdwriter.h"
+#include "pcdvolume.h"
 #include "photocd/pcdaccess.h"
 #include "rltest.h"
 
@@ -25,67 +22,12 @@ vSTRING Text(const std::string& s)
     return t;
 }
 
-void WriteBytes(const std::string& path, const BYTES& data)
-{
-    FILE* f = fopen(path.c_str(), "wb");
-    ASSERT_TRUE(f) << path;
-    fwrite(data.data(), 1, data.size(), f);
-    fclose(f);
-}
-
-// A volume of three pictures in a fresh folder, with its overview pack and
-// INFO.PCD; the second picture is stored turned. Optionally a rights file.
-struct VOLUME {
-    std::string root;
-    std::vector<std::string> files, dirs;
-    explicit VOLUME(bool rights = false)
-    {
-        root = rltest::TempPath("pv");
-        Dir(root);
-        Dir(root + "\\IMAGES");
-        Dir(root + "\\PHOTO_CD");
-        std::vector<pcdwriter::Ycc> small;
-        const std::vector<int> turns = {0, 1, 0};
-        for (int i = 0; i < 3; ++i) {
-            pcdwriter::Ycc p = pcdwriter::Pattern(768, 512, i + 1);
-            small.push_back(pcdwriter::Halve(pcdwriter::Halve(p)));
-            Add(Pack(i + 1), pcdwriter::ImagePack(p, turns[i]));
-        }
-        Add(root + "\\PHOTO_CD\\OVERVIEW.PCD", pcdwriter::OverviewPack(small, turns));
-        const uint8_t id[12] = {'D', 'I', 'S', 'C', '0', '0', '0', '1', 'A', 'B', 'C', 'D'};
-        Add(root + "\\PHOTO_CD\\INFO.PCD", pcdwriter::InfoFile(id, 3));
-        if (rights) {
-            Dir(root + "\\RIGHTS");
-            Add(root + "\\RIGHTS\\COPYRGHT.TXT", BYTES{'(', 'c', ')'});
-        }
-    }
-    ~VOLUME()
-    {
-        for (auto& f : files)
-            DeleteFileA(f.c_str());
-        for (auto d = dirs.rbegin(); d != dirs.rend(); ++d)
-            RemoveDirectoryA(d->c_str());
-    }
-    void Dir(const std::string& d)
-    {
-        CreateDirectoryA(d.c_str(), nullptr);
-        dirs.push_back(d);
-    }
-    void Add(const std::string& path, const BYTES& data)
-    {
-        WriteBytes(path, data);
-        files.push_back(path);
-    }
-    std::string Pack(int n) const
-    {
-        char name[32];
-        snprintf(name, sizeof name, "\\IMAGES\\IMG%04d.PCD", n);
-        return root + name;
-    }
+// Three pictures, the second stored turned, with an overview pack.
+struct VOLUME : PCDVOLUME {
+    explicit VOLUME(bool rights = false) : PCDVOLUME({0, 1, 0}, true, 7, rights) {}
 };
 
-// What the library itself gives for an entry: the overview's (pack empty)
-// or an image pack's packed DIB at these settings.
+// The library's own packed DIB for an entry: the overview's or the image pack's.
 struct SETTINGS {
     long resolution, format, rotation, mirror;
     PCDrect crop;
@@ -125,8 +67,7 @@ BYTES LibraryDib(const VOLUME& v, int entry, bool full, const SETTINGS& s)
     return out;
 }
 
-// The DIB's pixels as the screen shows them: made a device-dependent bitmap
-// and BitBlt onto a canvas, the way a plain program would.
+// The DIB's pixels as a plain program shows them: CreateDIBitmap, then BitBlt.
 std::vector<unsigned char> Expected(const BYTES& dib, long* w, long* h)
 {
     const BITMAPINFOHEADER* hd = (const BITMAPINFOHEADER*)dib.data();
@@ -186,27 +127,17 @@ struct ABORTING : vPHOTO {
 
 } // namespace
 
-// Statuses of names, the count, the numbering of photos and their paths, the
-// rights file, the toolkit version and the access library's uses.
 TEST(PhotoVolume, StatusesCountNumberingAndRights)
 {
     VOLUME v(true);
     PCDACCESS& pcd = PCDACCESS::Process();
-    const struct {
-        std::string name;
-        unsigned short status;
-        long count;
-    } cases[] = {
-        {"", vPCD_NOT_FOUND, 0},
-        {"Z", vPCD_NOT_FOUND, 0},
-        {v.root + "\\nothing-here", vPCD_NOT_FOUND, 0},
+    const struct { std::string name; unsigned short status; long count; } cases[] = {
+        {"", vPCD_NOT_FOUND, 0}, {"Z", vPCD_NOT_FOUND, 0}, {v.root + "\\nothing-here", vPCD_NOT_FOUND, 0},
         {v.root, vPCD_OK, 3},
     };
     for (const auto& c : cases) {
         vPHOTOVOLUME vol(Text(c.name));
-        EXPECT_EQ(c.status, vol.Status()) << c.name;
-        EXPECT_EQ(1, pcd.Uses()) << c.name;
-        EXPECT_EQ(c.count, vol.Count()) << c.name;
+        EXPECT_TRUE(c.status == vol.Status() && pcd.Uses() == 1 && c.count == vol.Count()) << c.name;
     }
     EXPECT_EQ(0, pcd.IsLoaded());
     EXPECT_NE(0u, vPHOTOVOLUME::ToolkitVersion());
@@ -231,22 +162,14 @@ TEST(PhotoVolume, StatusesCountNumberingAndRights)
     EXPECT_TRUE(p.CopyrightFileName().Null());
 
     vSTRING drive = vPHOTOVOLUME::FirstCDROMDrive();
-    if (!drive.Null()) {
-        EXPECT_EQ((UINT)DRIVE_CDROM, GetDriveTypeA((std::string(drive()) + "\\").c_str()));
-    }
+    EXPECT_TRUE(drive.Null() || GetDriveTypeA((std::string(drive()) + "\\").c_str()) == DRIVE_CDROM);
 }
 
-// The library's 12-byte identifier becomes three groups of four; the
-// volume's answer goes back.
 TEST(PhotoVolume, VolumeChangeText)
 {
     VOLUME v;
     RECORDER vol(Text(v.root));
-    const struct {
-        unsigned char id[12];
-        const char* text;
-        int answer;
-    } cases[] = {
+    const struct { unsigned char id[12]; const char* text; int answer; } cases[] = {
         {{'D', 'I', 'S', 'C', '0', '0', '0', '7', 'A', 'B', 'C', 'D'}, "DISC 0007 ABCD", 1},
         {{'1', '2', '3', '4', '5', '6', '7', '8', '9', '0', 'X', 'Y'}, "1234 5678 90XY", 0},
         {{'A', 0, 'B', 0, 0, 0, 0, 0, 0, 0, 0, 'Z'}, "A B          Z", 1},
@@ -258,8 +181,6 @@ TEST(PhotoVolume, VolumeChangeText)
     }
 }
 
-// Overview and full image, drawn through the library, against the library's
-// own DIB for the same entry and settings put on a screen-compatible bitmap.
 TEST(Photo, PixelsMatchTheAccessLibrary)
 {
     VOLUME v;
@@ -267,12 +188,7 @@ TEST(Photo, PixelsMatchTheAccessLibrary)
     std::vector<vPHOTO*> photos;
     for (int i = 0; i < 3; ++i)
         photos.push_back(new vPHOTO(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0));
-    const struct {
-        int entry;
-        bool full;
-        long resolution, format, rotation, mirror;
-        PCDrect crop;
-    } cases[] = {
+    const struct { int entry; bool full; long resolution, format, rotation, mirror; PCDrect crop; } cases[] = {
         {1, false, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, 0, 0, {0, 0, 0, 0}},
         {2, false, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, 1, 1, {0, 0, 0, 0}},
         {3, false, PCD_BASE_OVER_16, PCD_FORMAT_PAL8, 3, 0, {100, 40, 500, 300}},
@@ -326,10 +242,8 @@ TEST(Photo, PixelsMatchTheAccessLibrary)
         delete p;
 }
 
-// Overview bitmaps under a resident limit of 2: the oldest pages out and
-// comes back identical, read through the volume, through a reopened file when
-// the volume's overview let its file go, and through a temporary open of the
-// overview pack once the volume is gone.
+// Overview bitmaps under a resident limit of 2 page out and come back identical: through the
+// volume, through a reopened file once the overview let its file go, and once the volume is gone.
 TEST(Photo, OverviewBitmapsPageOutAndBackIn)
 {
     vBITMAPMAN* m = vBITMAPMAN::Get();
@@ -348,8 +262,6 @@ TEST(Photo, OverviewBitmapsPageOutAndBackIn)
     unsigned short level = vSYSTEM::GetTraceLevel();
     vSYSTEM::SetTraceLevel(2);
     LIMIT limit(2);
-    // A page-out pass takes the three; drawn again, each comes back, and the
-    // third one's return pushes the oldest out again under the limit.
     auto roundTrip = [&](const char* how) {
         SCOPED_TRACE(how);
         m->PageOut();
@@ -382,8 +294,7 @@ TEST(Photo, OverviewBitmapsPageOutAndBackIn)
     vSYSTEM::SetTraceLevel(level);
 }
 
-// Write by the stream's extension, read back independently; statuses for
-// names the export does not know.
+// Write picks the plug-in by the stream's extension in any case.
 TEST(Photo, WriteThroughThePlugins)
 {
     VOLUME v;
@@ -403,10 +314,7 @@ TEST(Photo, WriteThroughThePlugins)
             const unsigned char* px = dib.data() + 40 + y * stride + 3 * x;
             rgb.insert(rgb.end(), {px[2], px[1], px[0]});
         }
-    const struct {
-        const char* extension;
-        bool (*read)(const BYTES&, exportfiles::PICTURE&);
-    } formats[] = {{".bmp", exportfiles::ReadBmp}, {".PCX", exportfiles::ReadPcx}, {".Tif", exportfiles::ReadTif}};
+    const struct { const char* extension; bool (*read)(const BYTES&, exportfiles::PICTURE&); } formats[] = {{".bmp", exportfiles::ReadBmp}, {".PCX", exportfiles::ReadPcx}, {".Tif", exportfiles::ReadTif}};
     for (const auto& f : formats) {
         SCOPED_TRACE(f.extension);
         std::string path = rltest::TempPath("pw") + f.extension;
@@ -432,8 +340,6 @@ TEST(Photo, WriteThroughThePlugins)
     DeleteFileA(jpg.c_str());
 }
 
-// A damaged image pack and a damaged overview give statuses, never a crash;
-// the abort callback stops a read and progress is told.
 TEST(Photo, DamagedPacksAndAbort)
 {
     VOLUME v;
@@ -445,17 +351,14 @@ TEST(Photo, DamagedPacksAndAbort)
         EXPECT_GE(a.asked, 2);
     }
     BYTES pack = bmt::Load(v.Pack(2));
-    const struct {
-        const char* what;
-        BYTES bytes;
-    } damages[] = {
+    const struct { const char* what; BYTES bytes; } damages[] = {
         {"cut short", BYTES(pack.begin(), pack.begin() + 5000)},
         {"not a pack", BYTES(300000, 0x5A)},
         {"empty", BYTES()},
     };
     for (const auto& d : damages) {
         SCOPED_TRACE(d.what);
-        WriteBytes(v.Pack(2), d.bytes);
+        bmt::Save(v.Pack(2), d.bytes);
         vPHOTOVOLUME vol(Text(v.root));
         vPHOTO a(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0), b(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
         EXPECT_EQ(0, b.LoadPhoto());
@@ -471,7 +374,7 @@ TEST(Photo, DamagedPacksAndAbort)
         EXPECT_EQ(1, a.LoadPhoto());
     }
     // The overview pack itself damaged: the volume says so and draws nothing.
-    WriteBytes(v.root + "\\PHOTO_CD\\OVERVIEW.PCD", BYTES(4000, 0x33));
+    bmt::Save(v.root + "\\PHOTO_CD\\OVERVIEW.PCD", BYTES(4000, 0x33));
     vPHOTOVOLUME vol(Text(v.root));
     EXPECT_NE(vPCD_OK, vol.Status());
     EXPECT_EQ(0, vol.Count());
