@@ -2,9 +2,6 @@
 // what PCDLIB32.DLL hands out for the same settings.
 #include <gtest/gtest.h>
 #include <windows.h>
-#include <cstring>
-#include <string>
-#include <vector>
 #include "../bitmaps/bitmap_oracle.h"
 #include "export_files.h"
 #include "pcdvolume.h"
@@ -18,8 +15,7 @@ using BYTES = std::vector<unsigned char>;
 vSTRING Text(const std::string& s)
 {
     vSTRING t;
-    t = s.c_str();
-    return t;
+    return t = s.c_str(), t;
 }
 
 // Three pictures, the second stored turned, with an overview pack.
@@ -28,10 +24,7 @@ struct VOLUME : PCDVOLUME {
 };
 
 // The library's own packed DIB for an entry: the overview's or the image pack's.
-struct SETTINGS {
-    long resolution, format, rotation, mirror;
-    PCDrect crop;
-};
+struct SETTINGS { long resolution, format, rotation, mirror; PCDrect crop; };
 
 BYTES LibraryDib(const VOLUME& v, int entry, bool full, const SETTINGS& s)
 {
@@ -42,17 +35,13 @@ BYTES LibraryDib(const VOLUME& v, int entry, bool full, const SETTINGS& s)
     if (full) {
         PCDpkHdl h = nullptr;
         EXPECT_EQ(PCD_OK, pcd.PCDopen(v.Pack(entry).c_str(), &h));
-        pcd.PCDsetResolution(h, s.resolution);
-        pcd.PCDsetFormat(h, s.format);
-        pcd.PCDsetTransform(h, &t);
+        pcd.PCDsetResolution(h, s.resolution), pcd.PCDsetFormat(h, s.format), pcd.PCDsetTransform(h, &t);
         EXPECT_EQ(PCD_OK, pcd.PCDloadImage(h, &dib));
         pcd.PCDclose(h);
     } else {
         PCDoviewHdl h = nullptr;
         EXPECT_EQ(PCD_OK, pcd.PCDOopen(v.root.c_str(), &h));
-        pcd.PCDOsetSelect(h, entry);
-        pcd.PCDOsetFormat(h, s.format);
-        pcd.PCDOsetTransform(h, &t);
+        pcd.PCDOsetSelect(h, entry), pcd.PCDOsetFormat(h, s.format), pcd.PCDOsetTransform(h, &t);
         EXPECT_EQ(PCD_OK, pcd.PCDOloadImage(h, &dib));
         pcd.PCDOclose(h);
     }
@@ -71,8 +60,7 @@ BYTES LibraryDib(const VOLUME& v, int entry, bool full, const SETTINGS& s)
 std::vector<unsigned char> Expected(const BYTES& dib, long* w, long* h)
 {
     const BITMAPINFOHEADER* hd = (const BITMAPINFOHEADER*)dib.data();
-    *w = hd->biWidth;
-    *h = hd->biHeight;
+    *w = hd->biWidth, *h = hd->biHeight;
     bmo::CANVAS c(*w, *h);
     HDC screen = GetDC(nullptr);
     HBITMAP b = CreateDIBitmap(screen, hd, CBM_INIT, dib.data() + 40 + (hd->biBitCount == 8 ? 1024 : 0),
@@ -81,10 +69,7 @@ std::vector<unsigned char> Expected(const BYTES& dib, long* w, long* h)
     HDC src = CreateCompatibleDC(c.dc);
     HGDIOBJ was = SelectObject(src, b);
     BitBlt(c.dc, 0, 0, *w, *h, src, 0, 0, SRCCOPY);
-    SelectObject(src, was);
-    DeleteDC(src);
-    DeleteObject(b);
-    GdiFlush();
+    SelectObject(src, was), DeleteDC(src), DeleteObject(b), GdiFlush();
     return std::vector<unsigned char>(c.Bytes(), c.Bytes() + c.size);
 }
 
@@ -109,11 +94,7 @@ struct LIMIT {
 
 struct RECORDER : vPHOTOVOLUME {
     explicit RECORDER(const vSTRING& n) : vPHOTOVOLUME(n) {}
-    int vVolumeChange(vSTRING& id) override
-    {
-        text = id();
-        return answer;
-    }
+    int vVolumeChange(vSTRING& id) override { return text = id(), answer; }
     std::string text;
     int answer = 0;
 };
@@ -121,8 +102,7 @@ struct RECORDER : vPHOTOVOLUME {
 struct ABORTING : vPHOTO {
     ABORTING(const vPHOTOVOLUME& v) : vPHOTO(v, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0) {}
     int vAbortAction() override { return ++asked >= 2; }
-    void vProgress(unsigned short, unsigned short total) override { lastTotal = total, ++progress; }
-    int asked = 0, progress = 0, lastTotal = 0;
+    int asked = 0;
 };
 
 } // namespace
@@ -146,9 +126,7 @@ TEST(PhotoVolume, StatusesCountNumberingAndRights)
         vPHOTOVOLUME vol(Text(v.root));
         EXPECT_EQ(1, pcd.Uses());
         vPHOTO a(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0), b(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
-        EXPECT_EQ(1, a.OverviewNumber());
-        EXPECT_EQ(2, b.OverviewNumber());
-        EXPECT_EQ(vPCD_OK, vol.Status());
+        EXPECT_TRUE(a.OverviewNumber() == 1 && b.OverviewNumber() == 2 && vol.Status() == vPCD_OK);
         EXPECT_EQ(v.root + "\\IMAGES\\", std::string(b.ImagePath()()));
         EXPECT_EQ(0, lstrcmpiA(v.Pack(2).c_str(), b.PackName()()));
         EXPECT_EQ(1, b.IsCopyrighted());
@@ -158,9 +136,7 @@ TEST(PhotoVolume, StatusesCountNumberingAndRights)
     VOLUME plain;
     vPHOTOVOLUME vol(Text(plain.root));
     vPHOTO p(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
-    EXPECT_EQ(0, p.IsCopyrighted());
-    EXPECT_TRUE(p.CopyrightFileName().Null());
-
+    EXPECT_TRUE(p.IsCopyrighted() == 0 && p.CopyrightFileName().Null());
     vSTRING drive = vPHOTOVOLUME::FirstCDROMDrive();
     EXPECT_TRUE(drive.Null() || GetDriveTypeA((std::string(drive()) + "\\").c_str()) == DRIVE_CDROM);
 }
@@ -202,41 +178,31 @@ TEST(Photo, PixelsMatchTheAccessLibrary)
                                         << c.resolution << " turn " << c.rotation);
         vPHOTO& p = *photos[c.entry - 1];
         p.Crop(vRECT(c.crop.left, c.crop.top, c.crop.right, c.crop.bottom));
-        if (c.full) {
-            p.PhotoResolution((vPCD_IMAGE_RES)c.resolution);
-            p.PhotoColourFormat((vPCD_COLOUR)c.format);
-            p.PhotoRotate((vROTATEANGLE)c.rotation);
-            p.PhotoMirror(c.mirror);
-        } else {
-            p.ColourFormat((vPCD_COLOUR)c.format);
-            p.Rotate((vROTATEANGLE)c.rotation);
-            p.Mirror(c.mirror);
-        }
+        if (c.full)
+            p.PhotoResolution((vPCD_IMAGE_RES)c.resolution), p.PhotoColourFormat((vPCD_COLOUR)c.format),
+                p.PhotoRotate((vROTATEANGLE)c.rotation), p.PhotoMirror(c.mirror);
+        else
+            p.ColourFormat((vPCD_COLOUR)c.format), p.Rotate((vROTATEANGLE)c.rotation), p.Mirror(c.mirror);
         BYTES dib = LibraryDib(v, c.entry, c.full, {c.resolution, c.format, c.rotation, c.mirror, c.crop});
         ASSERT_FALSE(dib.empty());
         long w = 0, h = 0;
         std::vector<unsigned char> want = Expected(dib, &w, &h);
         vRECT size = c.full ? p.PhotoSize() : p.Size();
-        EXPECT_EQ(w, size.Width()());
-        EXPECT_EQ(h, size.Height()());
-        EXPECT_EQ(1, c.full ? p.LoadPhoto() : p.Load());
-        EXPECT_EQ(vPCD_OK, vol.Status());
+        EXPECT_TRUE(w == size.Width()() && h == size.Height()());
+        EXPECT_TRUE((c.full ? p.LoadPhoto() : p.Load()) == 1 && vol.Status() == vPCD_OK);
         auto got = Drawn(w, h, [&](vDEVICE& d) { return c.full ? p.PhotoDraw(d, kOrigin) : p.Draw(d, kOrigin); });
         EXPECT_TRUE(got == want);
         if (c.full) {
             // A bitmap on the photo shares the photo's resource.
             vBITMAP b(p);
-            ASSERT_TRUE(b.Resource() != nullptr);
-            EXPECT_EQ(gdiRESOURCE::PHOTOKIND, b.Resource()->Type());
-            EXPECT_EQ(1, b.Resource()->StripCount());
-            EXPECT_EQ(p.PhotoBitmap().Resource(), b.Resource());
+            ASSERT_TRUE(b.Resource() != nullptr && b.Resource() == p.PhotoBitmap().Resource());
+            EXPECT_TRUE(b.Resource()->Type() == gdiRESOURCE::PHOTOKIND && b.Resource()->StripCount() == 1);
             EXPECT_TRUE(Drawn(w, h, [&](vDEVICE& d) { return b.Draw(d, kOrigin); }) == want);
         }
     }
     // The higher resolutions are not decoded: a status, no bitmap.
     photos[0]->PhotoResolution(vPCD_4BASE);
-    EXPECT_EQ(0, photos[0]->LoadPhoto());
-    EXPECT_EQ(vPCD_RES_NOT_SUPPORTED, vol.Status());
+    EXPECT_TRUE(photos[0]->LoadPhoto() == 0 && vol.Status() == vPCD_RES_NOT_SUPPORTED);
     EXPECT_FALSE(vBITMAP(*photos[0]).Valid());
     for (vPHOTO* p : photos)
         delete p;
@@ -274,8 +240,7 @@ TEST(Photo, OverviewBitmapsPageOutAndBackIn)
             EXPECT_EQ(ins + 1, m->PageIns()) << i;
             EXPECT_TRUE(got == want[i]) << i;
         }
-        EXPECT_EQ(0, bitmaps[0].Resource()->IsResident());
-        EXPECT_EQ(1, bitmaps[2].Resource()->IsResident());
+        EXPECT_TRUE(bitmaps[0].Resource()->IsResident() == 0 && bitmaps[2].Resource()->IsResident() == 1);
         return out.Text();
     };
     std::string t = roundTrip("volume open");
@@ -301,9 +266,7 @@ TEST(Photo, WriteThroughThePlugins)
     vPHOTOVOLUME vol(Text(v.root));
     vPHOTO p(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
     vPHOTO second(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
-    second.PhotoResolution(vPCD_BASE16);
-    second.PhotoRotate(vROTATE_90);
-    second.PhotoMirror(1);
+    second.PhotoResolution(vPCD_BASE16), second.PhotoRotate(vROTATE_90), second.PhotoMirror(1);
     BYTES dib = LibraryDib(v, 2, true, {PCD_BASE_OVER_16, PCD_FORMAT_RGB24, 1, 1, {0, 0, 0, 0}});
     ASSERT_FALSE(dib.empty());
     const BITMAPINFOHEADER* h = (const BITMAPINFOHEADER*)dib.data();
@@ -314,7 +277,8 @@ TEST(Photo, WriteThroughThePlugins)
             const unsigned char* px = dib.data() + 40 + y * stride + 3 * x;
             rgb.insert(rgb.end(), {px[2], px[1], px[0]});
         }
-    const struct { const char* extension; bool (*read)(const BYTES&, exportfiles::PICTURE&); } formats[] = {{".bmp", exportfiles::ReadBmp}, {".PCX", exportfiles::ReadPcx}, {".Tif", exportfiles::ReadTif}};
+    const struct { const char* extension; bool (*read)(const BYTES&, exportfiles::PICTURE&); } formats[] = {
+        {".bmp", exportfiles::ReadBmp}, {".PCX", exportfiles::ReadPcx}, {".Tif", exportfiles::ReadTif}};
     for (const auto& f : formats) {
         SCOPED_TRACE(f.extension);
         std::string path = rltest::TempPath("pw") + f.extension;
@@ -324,9 +288,7 @@ TEST(Photo, WriteThroughThePlugins)
         }
         exportfiles::PICTURE pic;
         ASSERT_TRUE(f.read(bmt::Load(path), pic)) << pic.error;
-        EXPECT_EQ(h->biWidth, pic.width);
-        EXPECT_EQ(h->biHeight, pic.height);
-        EXPECT_TRUE(pic.rgb == rgb);
+        EXPECT_TRUE(pic.width == h->biWidth && pic.height == h->biHeight && pic.rgb == rgb);
         DeleteFileA(path.c_str());
     }
     vMEMSTREAM unnamed;
@@ -346,23 +308,18 @@ TEST(Photo, DamagedPacksAndAbort)
     {
         vPHOTOVOLUME vol(Text(v.root));
         ABORTING a(vol);
-        EXPECT_EQ(0, a.LoadPhoto());
-        EXPECT_EQ(vPCD_ABORTED, vol.Status());
-        EXPECT_GE(a.asked, 2);
+        EXPECT_TRUE(a.LoadPhoto() == 0 && vol.Status() == vPCD_ABORTED && a.asked >= 2);
     }
     BYTES pack = bmt::Load(v.Pack(2));
     const struct { const char* what; BYTES bytes; } damages[] = {
-        {"cut short", BYTES(pack.begin(), pack.begin() + 5000)},
-        {"not a pack", BYTES(300000, 0x5A)},
-        {"empty", BYTES()},
-    };
+        {"cut short", BYTES(pack.begin(), pack.begin() + 5000)}, {"not a pack", BYTES(300000, 0x5A)},
+        {"empty", BYTES()}};
     for (const auto& d : damages) {
         SCOPED_TRACE(d.what);
         bmt::Save(v.Pack(2), d.bytes);
         vPHOTOVOLUME vol(Text(v.root));
         vPHOTO a(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0), b(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
-        EXPECT_EQ(0, b.LoadPhoto());
-        EXPECT_NE(vPCD_OK, vol.Status());
+        EXPECT_TRUE(b.LoadPhoto() == 0 && vol.Status() != vPCD_OK);
         std::string path = rltest::TempPath("pd") + ".bmp";
         {
             vFILE file(Text(path), vFILE_WRITENEW, 0);
@@ -376,8 +333,7 @@ TEST(Photo, DamagedPacksAndAbort)
     // The overview pack itself damaged: the volume says so and draws nothing.
     bmt::Save(v.root + "\\PHOTO_CD\\OVERVIEW.PCD", BYTES(4000, 0x33));
     vPHOTOVOLUME vol(Text(v.root));
-    EXPECT_NE(vPCD_OK, vol.Status());
-    EXPECT_EQ(0, vol.Count());
+    EXPECT_TRUE(vol.Status() != vPCD_OK && vol.Count() == 0);
     vPHOTO p(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
     EXPECT_EQ(0, p.Load());
     vMEMDEVICE dev{vINT(8L), vINT(8L)};
