@@ -161,8 +161,7 @@ TEST(PcdLib, HeaderTurnAndTransforms)
     EXPECT_EQ(A().PCDgetSize(pk, &w, &h), PCD_ERR_BAD_ARG);
     outside.rotation = 4;
     EXPECT_EQ(A().PCDsetTransform(pk, &outside), PCD_ERR_BAD_ARG);
-    A().PCDfreeBitmap(plainDib);
-    A().PCDclose(pk);
+    A().PCDfreeBitmap(plainDib), A().PCDclose(pk);
 }
 
 TEST(PcdLib, EightBitPaletteImages)
@@ -195,8 +194,7 @@ TEST(PcdLib, EightBitPaletteImages)
             total += d[0] + d[1] + d[2];
             ASSERT_LT(d8.Row(y)[x], pal.count);
         }
-    EXPECT_LE(worst, 48);
-    EXPECT_LE(total / (256 * 384 * 3), 6);
+    EXPECT_TRUE(worst <= 48 && total / (256 * 384 * 3) <= 6) << worst << " " << total;
     // A 16-colour palette of the caller's, used for loading and for converting.
     PCDpalette* p16;
     ASSERT_EQ(A().PCDcreatePalette(pk, 16, &p16), PCD_OK);
@@ -213,16 +211,13 @@ TEST(PcdLib, EightBitPaletteImages)
     ASSERT_EQ(A().PCDconvertBitmap(conv, PCD_FORMAT_RGB24, nullptr, &wide), PCD_OK);
     Dib wd(wide);
     for (long y = 0; y < h; y += 17)
-        for (long x = 0; x < w; x += 13) {
-            const uint8_t* e = p16->entries[c.Row(y)[x]];
-            ASSERT_EQ(0, memcmp(wd.Row(y) + 3 * x, e, 3));
-        }
+        for (long x = 0; x < w; x += 13)
+            ASSERT_EQ(0, memcmp(wd.Row(y) + 3 * x, p16->entries[c.Row(y)[x]], 3));
     EXPECT_EQ(A().PCDconvertBitmap(dib24, 7, nullptr, &wide), PCD_ERR_FORMAT_NOT_SUPPORTED);
     EXPECT_EQ(A().PCDcreatePalette(pk, 1, &p16), PCD_ERR_BAD_ARG);
     for (void* p : {dib24, dib8, conv, wide})
         EXPECT_EQ(A().PCDfreeBitmap(p), PCD_OK);
-    A().PCDfreePalette(p16);
-    A().PCDclose(pk);
+    A().PCDfreePalette(p16), A().PCDclose(pk);
 }
 
 struct Calls {
@@ -280,8 +275,7 @@ TEST(PcdLib, OverviewWithAndWithoutAnOverviewPack)
         PCDoviewHdl ov;
         ASSERT_EQ(A().PCDOopen(vol.root.c_str(), &ov), PCD_OK);
         long count = 0;
-        ASSERT_EQ(A().PCDOgetCount(ov, &count), PCD_OK);
-        ASSERT_EQ(count, 3);
+        ASSERT_TRUE(A().PCDOgetCount(ov, &count) == PCD_OK && count == 3);
         for (long e = 1; e <= count; ++e) {
             ASSERT_EQ(A().PCDOsetSelect(ov, e), PCD_OK);
             long sel, rot, w, h;
@@ -298,8 +292,7 @@ TEST(PcdLib, OverviewWithAndWithoutAnOverviewPack)
             EXPECT_EQ(A().PCDOgetSize(ov, &w, &h), PCD_OK);
             PCDpkHdl pk;
             ASSERT_EQ(A().PCDopen(path, &pk), PCD_OK);
-            A().PCDsetResolution(pk, PCD_BASE_OVER_16);
-            A().PCDsetTransform(pk, &t);
+            A().PCDsetResolution(pk, PCD_BASE_OVER_16), A().PCDsetTransform(pk, &t);
             void* same;
             ASSERT_EQ(A().PCDloadImage(pk, &same), PCD_OK);
             Dib a(small), b(same);
@@ -323,9 +316,8 @@ TEST(PcdLib, OverviewWithAndWithoutAnOverviewPack)
         A().PCDfreeBitmap(dib);
         ASSERT_EQ(A().PCDOrefOpen(ov), PCD_OK);
         ASSERT_EQ(A().PCDOloadImage(ov, &dib), PCD_OK);
-        EXPECT_EQ(Dib(dib).h->biBitCount, 8);
         PCDpalette pal;
-        EXPECT_EQ(A().PCDOgetPalette(ov, &pal), PCD_OK);
+        EXPECT_TRUE(Dib(dib).h->biBitCount == 8 && A().PCDOgetPalette(ov, &pal) == PCD_OK);
         A().PCDfreeBitmap(dib);
         EXPECT_EQ(A().PCDOclose(ov), PCD_OK);
     }
