@@ -102,11 +102,7 @@ TEST(RlphEncoders, RoundTripThroughIndependentReaders)
 // Blocks an encoder must refuse, and what it then gives: nothing at all.
 TEST(RlphEncoders, RefuseBlocksTheyCannotHold)
 {
-    struct CASE {
-        const char* what;
-        void (*spoil)(RLPHFORMATINFO&);
-        unsigned formats;   // bit per format (bmp 1, pcx 2, tif 4) that must refuse
-    };
+    struct CASE { const char* what; void (*spoil)(RLPHFORMATINFO&); unsigned formats; };  // bmp 1, pcx 2, tif 4 refuse
     const CASE cases[] = {
         {"size", [](RLPHFORMATINFO& i) { i.size -= 4; }, 7},
         {"version", [](RLPHFORMATINFO& i) { i.version = 2; }, 7},
@@ -155,10 +151,7 @@ TEST(RlphEncoders, RefuseBlocksTheyCannotHold)
 // PCX run coding at its edges, byte for byte.
 TEST(RlphEncoders, PcxRunsByHand)
 {
-    struct CASE {
-        BYTES in, out;
-    };
-    const CASE cases[] = {
+    const struct { BYTES in, out; } cases[] = {
         {{0x01}, {0x01}},
         {{0xBF, 0xC0, 0xFF}, {0xBF, 0xC1, 0xC0, 0xC1, 0xFF}},   // a high byte alone is a run of one
         {{7, 7, 9}, {0xC2, 7, 9}},
@@ -166,7 +159,7 @@ TEST(RlphEncoders, PcxRunsByHand)
         {BYTES(64, 5), {0xFF, 5, 5}},
         {BYTES(127, 0xC8), {0xFF, 0xC8, 0xFF, 0xC8, 0xC1, 0xC8}},
     };
-    for (const CASE& c : cases) {
+    for (const auto& c : cases) {
         BYTES out(2 * c.in.size());
         out.resize(rlph::PcxRunCode(c.in.data(), (uint32_t)c.in.size(), out.data()));
         EXPECT_TRUE(out == c.out) << c.in.size() << " bytes from " << (int)c.in[0];
