@@ -1,6 +1,5 @@
-// The bitmap object and its records: pixels drawn through the library against
-// plain GDI, both written forms read back by the library and by a reader of
-// the test's own, damaged records, sharing and the small class-wide helpers.
+// The bitmap object: pixels against plain GDI, both written forms read back,
+// damaged records, sharing and the class-wide helpers.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <cstring>
@@ -32,8 +31,7 @@ vRECT R(long l, long t, long r, long b)
     return vRECT(vINT(l), vINT(t), vINT(r), vINT(b));
 }
 
-// Draws `bitmap` on a fresh memory device with `draw` and the picture on a
-// canvas with one plain call, and compares every byte.
+// `draw` on a fresh memory device against one plain stretch on a canvas.
 template <class F> void ExpectSameAsGdi(const PIC& p, RECT t, RECT s, F draw, const char* what)
 {
     const long W = 2 * p.w + 20, H = 2 * p.Rows() + 20;
@@ -68,22 +66,15 @@ TEST(Bitmap, DrawsLikePlainGdi)
         EXPECT_TRUE(b.Size() == R(0, 0, c.w, p.Rows()));
         const long w = c.w, h = p.Rows();
         const RECT whole = {0, 0, w, h}, part = {w / 4, h / 3, w / 4 + w / 2, h / 3 + h / 2};
-        ExpectSameAsGdi(p, {5, 7, 5 + w, 7 + h}, whole, [&](vDEVICE& d) { return b.Draw(d, vPOINT(vINT(5L), vINT(7L))); },
-                        "at a point");
-        ExpectSameAsGdi(p, {3, 4, 3 + 2 * w, 4 + 2 * h}, whole,
-                        [&](vDEVICE& d) { return b.Draw(d, R(3, 4, 3 + 2 * w, 4 + 2 * h)); }, "doubled");
-        ExpectSameAsGdi(p, {6, 5, 6 + w / 2, 5 + h / 2}, part,
-                        [&](vDEVICE& d) { return b.Draw(d, R(6, 5, 6 + w / 2, 5 + h / 2), R(part.left, part.top, part.right, part.bottom)); },
-                        "a part");
-        ExpectSameAsGdi(p, {1, 2, 1 + w, 2 + h}, part,
-                        [&](vDEVICE& d) { return d.DrawBitmap(b, R(part.left, part.top, part.right, part.bottom), R(1, 2, 1 + w, 2 + h)); },
-                        "a part doubled");
-        // Strips stretched one by one agree with one stretch only where the
-        // scale is whole; a single strip agrees at any scale.
+        const vRECT vpart = R(part.left, part.top, part.right, part.bottom);
+        ExpectSameAsGdi(p, {5, 7, 5 + w, 7 + h}, whole, [&](vDEVICE& d) { return b.Draw(d, vPOINT(vINT(5L), vINT(7L))); }, "at a point");
+        ExpectSameAsGdi(p, {3, 4, 3 + 2 * w, 4 + 2 * h}, whole, [&](vDEVICE& d) { return b.Draw(d, R(3, 4, 3 + 2 * w, 4 + 2 * h)); }, "doubled");
+        ExpectSameAsGdi(p, {6, 5, 6 + w / 2, 5 + h / 2}, part, [&](vDEVICE& d) { return b.Draw(d, R(6, 5, 6 + w / 2, 5 + h / 2), vpart); }, "a part");
+        ExpectSameAsGdi(p, {1, 2, 1 + w, 2 + h}, part, [&](vDEVICE& d) { return d.DrawBitmap(b, vpart, R(1, 2, 1 + w, 2 + h)); }, "a part doubled");
+        // Strips stretched one by one match one stretch only at whole scales.
+        const long sw = w * 3 / 2 + 1, sh = h * 2 / 3 + 1;
         if (c.strips == 1)
-            ExpectSameAsGdi(p, {1, 2, 1 + w * 3 / 2 + 1, 2 + h * 2 / 3 + 1}, whole,
-                            [&](vDEVICE& d) { return b.Draw(d, R(1, 2, 1 + w * 3 / 2 + 1, 2 + h * 2 / 3 + 1)); },
-                            "stretched");
+            ExpectSameAsGdi(p, {1, 2, 1 + sw, 2 + sh}, whole, [&](vDEVICE& d) { return b.Draw(d, R(1, 2, 1 + sw, 2 + sh)); }, "stretched");
     }
 }
 
@@ -121,8 +112,8 @@ TEST(Bitmap, TransparentColourLeavesTheTarget)
     }
 }
 
-// Both written forms, taken apart by the test's own reading: the plain one
-// as a bitmap file, the compressed one by expanding it.
+// Both written forms taken apart here: the plain one as a bitmap file, the
+// compressed one by expanding it.
 TEST(Bitmap, WrittenFormsReadBack)
 {
     unsigned seed = 60;
@@ -152,20 +143,13 @@ TEST(Bitmap, WrittenFormsReadBack)
         ASSERT_EQ((long)size, b.Write(packed, 1)());
         std::vector<unsigned char> f = Contents(plain), z = Contents(packed);
         ASSERT_EQ(14 + size, f.size());
-        EXPECT_EQ('B', f[0]);
-        EXPECT_EQ('M', f[1]);
-        EXPECT_EQ(0u, U32(f, 2));
-        EXPECT_EQ(0u, U32(f, 6));
-        EXPECT_EQ(54u, U32(f, 10));
-        EXPECT_EQ(40u, U32(f, 14));
-        EXPECT_EQ((std::uint32_t)w, U32(f, 18));
-        EXPECT_EQ((std::uint32_t)h, U32(f, 22));
-        EXPECT_EQ(0x00180001u, U32(f, 26));
-        EXPECT_EQ(0u, U32(f, 30));
+        EXPECT_TRUE(f[0] == 'B' && f[1] == 'M');
+        const std::uint32_t head[] = {0, 0, 54, 40, (std::uint32_t)w, (std::uint32_t)h, 0x00180001u, 0};
+        for (int i = 0; i < 8; ++i)
+            EXPECT_EQ(head[i], U32(f, 2 + 4 * i)) << "header word " << i;
         EXPECT_EQ(0, std::memcmp(rows.data(), f.data() + 54, rows.size())) << c.w;
 
-        // The compressed record: magic, the count of what follows, and what
-        // follows expands to the first (size mod 65536) bytes of the image.
+        // Magic, count, and what follows expands to the first (size mod 65536) bytes.
         ASSERT_GE(z.size(), 8u);
         EXPECT_EQ(0x0012AAB1u, U32(z, 0));
         EXPECT_EQ(z.size() - 8, U32(z, 4));
@@ -176,37 +160,28 @@ TEST(Bitmap, WrittenFormsReadBack)
             std::vector<unsigned char> out;
         } io{z.data() + 8, (unsigned)z.size() - 8, {}};
         std::vector<char> work(EXP_BUFFER_SIZE);
-        ASSERT_EQ(0u, explode(
-                          [](char* b, unsigned* n, void* q) {
-                              IO* s = (IO*)q;
-                              unsigned k = *n < s->left ? *n : s->left;
-                              std::memcpy(b, s->in, k);
-                              s->in += k;
-                              s->left -= k;
-                              return k;
-                          },
-                          [](char* b, unsigned* n, void* q) { ((IO*)q)->out.insert(((IO*)q)->out.end(), b, b + *n); },
-                          work.data(), &io));
+        const auto get = [](char* b, unsigned* n, void* q) {
+            IO* s = (IO*)q;
+            unsigned k = *n < s->left ? *n : s->left;
+            std::memcpy(b, s->in, k), s->in += k, s->left -= k;
+            return k;
+        };
+        const auto put = [](char* b, unsigned* n, void* q) { ((IO*)q)->out.insert(((IO*)q)->out.end(), b, b + *n); };
+        ASSERT_EQ(0u, explode(get, put, work.data(), &io));
         ASSERT_EQ(size % 65536, io.out.size());
         EXPECT_EQ(0, std::memcmp(f.data() + 14, io.out.data(), io.out.size()));
 
-        // Read back by the library: the plain form whole, the compressed one
-        // whole when it is below 64 KB, with zero rows beyond otherwise.
+        // Read back: the compressed form whole only below 64 KB.
         vBITMAP fromPlain(plain), fromPacked(packed);
         ASSERT_TRUE(fromPlain.Valid());
         ASSERT_TRUE(fromPacked.Valid());
-        EXPECT_TRUE(fromPlain.Size() == R(0, 0, w, h));
-        EXPECT_TRUE(fromPacked.Size() == R(0, 0, w, h));
-        EXPECT_EQ(plain.Size(), plain.CurrentPos());
-        EXPECT_EQ(packed.Size(), packed.CurrentPos());
-        vMEMSTREAM again;
+        EXPECT_TRUE(fromPlain.Size() == R(0, 0, w, h) && fromPacked.Size() == R(0, 0, w, h));
+        EXPECT_TRUE(plain.Size() == plain.CurrentPos() && packed.Size() == packed.CurrentPos());
+        vMEMSTREAM again, again2;
         fromPlain.Write(again, 0);
+        fromPacked.Write(again2, 0);
         EXPECT_TRUE(Contents(again) == f);
-        if (size < 65536) {
-            vMEMSTREAM again2;
-            fromPacked.Write(again2, 0);
-            EXPECT_TRUE(Contents(again2) == f);
-        }
+        EXPECT_TRUE(size >= 65536 || Contents(again2) == f);
     }
 }
 
@@ -248,8 +223,7 @@ TEST(Bitmap, DamagedRecordsGiveInvalidBitmaps)
         EXPECT_EQ(0, b.Write(m, 0)()) << i;
         ++i;
     }
-    // Both forms with header and length bytes changed at random: whatever is
-    // accepted draws, and nothing reads past the stream.
+    // Header and length bytes of both forms changed at random: what is accepted draws.
     PIC big = bmo::Make(120, 140, 8, 91);
     vMEMSTREAM src;
     bmt::Fill(src, big.bytes);
@@ -259,7 +233,7 @@ TEST(Bitmap, DamagedRecordsGiveInvalidBitmaps)
     const std::vector<unsigned char> forms[] = {big.bytes, Contents(packed)};
     std::mt19937 rng(5);
     int accepted = 0;
-    for (int k = 0; k < 400; ++k) {
+    for (int k = 0; k < 300; ++k) {
         std::vector<unsigned char> d = forms[k % 2];
         for (int n = 1 + rng() % 3; n; --n)
             d.at(rng() % 60) = (unsigned char)rng();
@@ -275,13 +249,12 @@ TEST(Bitmap, DamagedRecordsGiveInvalidBitmaps)
             EXPECT_EQ(1, b.Draw(dev, vPOINT(vINT(0L), vINT(0L)))) << k;
         }
     }
-    EXPECT_GT(accepted, 10);
+    EXPECT_GT(accepted, 8);
 }
 
 TEST(Bitmap, SharingAndTheSmallHelpers)
 {
-    // Module bitmaps (here the system's own, which the library's module
-    // lacks) are shared by id; copies and assignment share the resource.
+    // Module bitmaps (the system's own here) are shared by id, as are copies.
     vBITMAP a(vRESID(32760)), b(vRESID(32760));
     ASSERT_TRUE(a.Valid());
     EXPECT_EQ(a.Resource(), b.Resource());
@@ -301,12 +274,10 @@ TEST(Bitmap, SharingAndTheSmallHelpers)
     EXPECT_TRUE(sized.Size() == R(0, 0, 5, 6));
 
     vBITMAP empty(vINT(30L), vINT(20L));
-    ASSERT_TRUE(empty.Valid());
-    EXPECT_TRUE(empty.Size() == R(0, 0, 30, 20));
+    ASSERT_TRUE(empty.Valid() && empty.Size() == R(0, 0, 30, 20));
     empty.Pageable(1);
     EXPECT_EQ(0, empty.Resource()->IsPageable());
 
-    // Scaled on the way in: to the box, or to its proportions inside it.
     PIC p = bmo::Make(37, 23, 24, 5);
     for (int keep = 0; keep < 2; ++keep) {
         vMEMSTREAM src, dst;
@@ -324,8 +295,7 @@ TEST(Bitmap, SharingAndTheSmallHelpers)
     for (const auto& t : aspect) {
         short nw = t[2], nh = t[3];
         vBITMAP::PreserveAspect(t[0], t[1], &nw, &nh);
-        EXPECT_EQ(t[4], nw);
-        EXPECT_EQ(t[5], nh);
+        EXPECT_TRUE(t[4] == nw && t[5] == nh) << t[0] << "x" << t[1] << ": " << nw << "x" << nh;
     }
     const unsigned colours[][3] = {{1, 0, 2}, {4, 0, 16}, {8, 0, 256}, {24, 0, 0}, {8, 17, 17}, {24, 5, 5}};
     for (const auto& t : colours) {

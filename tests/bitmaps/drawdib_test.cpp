@@ -1,9 +1,6 @@
-// DIBs drawn on a memory device: as stored, against StretchDIBits of the same
-// rows on a second bitmap; with a transparent colour, the negative and under
-// the separation modes, against pixels worked out one by one (the device's
-// own Convert gives each colour). The negative and the process plates are
-// drawn twice, once with the imaging library missing and once through the
-// stand-in of tests/dlls/LEAD51N, and both must give the same pixels.
+// DIBs drawn on a memory device: as stored against StretchDIBits; with a
+// transparent colour, negative and separated against pixels worked out one by
+// one, with the imaging library missing and through the stand-in alike.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <memory>
@@ -37,13 +34,10 @@ std::unique_ptr<oMEMDIB> MakeDib(unsigned long w, unsigned long h, unsigned shor
 COLORREF DibPixel(const oMEMDIB& d, int x, int y)
 {
     const unsigned char* row = d.Bits() + (d.Height() - 1 - y) * d.Stride();
-    unsigned index;
-    switch (d.BitCount()) {
-    case 1: index = row[x / 8] >> (7 - x % 8) & 1; break;
-    case 4: index = x % 2 ? row[x / 2] & 15 : row[x / 2] >> 4; break;
-    case 8: index = row[x]; break;
-    default: return RGB(row[3 * x + 2], row[3 * x + 1], row[3 * x]);
-    }
+    const unsigned bits = d.BitCount();
+    if (bits == 24)
+        return RGB(row[3 * x + 2], row[3 * x + 1], row[3 * x]);
+    unsigned index = bits == 1 ? row[x / 8] >> (7 - x % 8) & 1 : bits == 4 ? (x % 2 ? row[x / 2] & 15 : row[x / 2] >> 4) : row[x];
     oDIBPALETTE* p = nullptr;
     d.GetPalette(&p);
     const RGBQUAD& q = p->GetRgbQuad()[index];
@@ -52,13 +46,8 @@ COLORREF DibPixel(const oMEMDIB& d, int x, int y)
 
 void StretchAll(HDC dc, const oMEMDIB& d, int x, int y, int w, int h)
 {
-    DIBINFO info;
-    memset(&info, 0, sizeof info);
-    info.h.biSize = 40;
-    info.h.biWidth = (LONG)d.Width();
-    info.h.biHeight = (LONG)d.Height();
-    info.h.biPlanes = 1;
-    info.h.biBitCount = d.BitCount();
+    DIBINFO info = {};
+    info.h = {40, (LONG)d.Width(), (LONG)d.Height(), 1, d.BitCount(), 0, 0, 0, 0, 0, 0};
     oDIBPALETTE* p = nullptr;
     if (unsigned n = d.GetPalette(&p))
         memcpy(info.colours, p->GetRgbQuad(), 4 * n);
@@ -97,39 +86,31 @@ void Road(bool library, const char* failure = nullptr)
 
 } // namespace
 
-// As stored: every depth, 1:1, stretched, mirrored and from a source rectangle.
+// As stored: every depth, 1:1, stretched, mirrored, and source (2, 3)-(9, 7)
+// at (20, 10): the whole picture at (18, 7) seen through that window.
 TEST(DrawDib, AsStoredMatchesStretchDIBits)
 {
+    // Target rectangle, then the plain stretch that must match it.
+    const int place[][8] = {{3, 4, 16, 13, 3, 4, 13, 9},
+                            {5, 2, 31, 20, 5, 2, 26, 18},
+                            {30, 20, 4, 2, 30, 20, -26, -18},
+                            {20, 10, 27, 14, 18, 7, 13, 9}};
     for (unsigned short bits : {1, 4, 8, 24})
-        for (int placement = 0; placement < 4; ++placement) {
-            SCOPED_TRACE(::testing::Message() << bits << " bits, placement " << placement);
-            std::unique_ptr<oMEMDIB> dib = MakeDib(13, 9, bits, bits * 7u + placement);
+        for (int k = 0; k < 4; ++k) {
+            SCOPED_TRACE(::testing::Message() << bits << " bits, placement " << k);
+            const int* pl = place[k];
+            std::unique_ptr<oMEMDIB> dib = MakeDib(13, 9, bits, bits * 7u + k);
             vMEMDEVICE d(vINT((long)kTW), vINT((long)kTH));
             ORACLE want(d, 0xFF);
             Backdrop(d, want);
-            switch (placement) {
-            case 0:
-                EXPECT_EQ(d.DrawDIB(*dib, R(3, 4, 16, 13), nullptr), 1);
-                StretchAll(want.dc, *dib, 3, 4, 13, 9);
-                break;
-            case 1:
-                EXPECT_EQ(d.DrawDIB(*dib, R(5, 2, 31, 20), nullptr), 1);
-                StretchAll(want.dc, *dib, 5, 2, 26, 18);
-                break;
-            case 2:
-                EXPECT_EQ(d.DrawDIB(*dib, R(30, 20, 4, 2), nullptr), 1);
-                StretchAll(want.dc, *dib, 30, 20, -26, -18);
-                break;
-            default: {
-                // Source (2, 3)-(9, 7) at (20, 10): the whole picture drawn at
-                // (18, 7) seen through that window.
-                vRECT src = R(2, 3, 9, 7), dst = R(20, 10, 27, 14);
+            vRECT src = R(2, 3, 9, 7), dst = R(pl[0], pl[1], pl[2], pl[3]);
+            if (k < 3) {
+                EXPECT_EQ(d.DrawDIB(*dib, dst, nullptr), 1);
+            } else {
                 EXPECT_EQ(d.DrawDIB(*dib, &src, nullptr, 0, 0, &dst, 0, nullptr), 1);
-                IntersectClipRect(want.dc, 20, 10, 27, 14);
-                StretchAll(want.dc, *dib, 18, 7, 13, 9);
-                SelectClipRgn(want.dc, nullptr);
+                IntersectClipRect(want.dc, pl[0], pl[1], pl[2], pl[3]);
             }
-            }
+            StretchAll(want.dc, *dib, pl[4], pl[5], pl[6], pl[7]);
             EXPECT_TRUE(SameBytes(d, want));
         }
     // Nothing to draw: an empty picture, an empty source rectangle, an empty target.
@@ -142,8 +123,7 @@ TEST(DrawDib, AsStoredMatchesStretchDIBits)
     EXPECT_EQ(d.DrawDIB(*dib, flat, nullptr), 0);
 }
 
-// The transparent colour, as the DIB stores it, leaves the target alone, at
-// 1:1 and stretched twice over, from a palette and from 24-bit pixels.
+// The transparent colour leaves the target alone, 1:1 and doubled, 8 and 24 bits.
 TEST(DrawDib, TransparentColourIsNotDrawn)
 {
     for (unsigned short bits : {8, 24})
@@ -180,10 +160,9 @@ TEST(DrawDib, TransparentColourIsNotDrawn)
         }
 }
 
-// Under the separation modes the picture's pixels become what Convert makes of
-// their colours; on a spot plate without knock-out the other colours are not
-// drawn at all. The negative comes first. Process plates and the negative go
-// through the imaging library when it is there, with the same result.
+// Separated, each pixel is what Convert makes of its colour (after the
+// negative); a spot plate without knock-out hides the rest. The library's road
+// must give the same pixels.
 TEST(DrawDib, SeparatedNegativeAndTintedPagesOnBothRoads)
 {
     struct CASE {
