@@ -13,10 +13,7 @@ namespace {
 
 const int kW = 40, kH = 30, kX = 10, kY = 8;
 
-int Sixteen(HDC)
-{
-    return 4;
-}
+int Sixteen(HDC) { return 4; }
 
 struct SEAM {
     explicit SEAM(bool sixteen) : was(vDisplayBitsSource(sixteen ? Sixteen : nullptr)) {}
@@ -35,16 +32,14 @@ const SHAPE kScene[] = {{2, 3, 20, 15, RGB(200, 30, 40), false},
                         {5, 14, 38, 28, RGB(0, 81, 200), true}};
 // Drawn after the first showing: black in the background, a colour over the red.
 const SHAPE kLater[] = {{32, 0, 39, 3, RGB(0, 0, 0), false}, {4, 5, 10, 10, RGB(10, 10, 250), false}};
+// The target's own picture, under and around the display bitmap.
+const SHAPE kBackdrop[] = {{0, 0, 63, 47, RGB(10, 200, 10), false}, {12, 20, 40, 44, RGB(250, 250, 0), false}};
 
 template <size_t N> void DrawScene(vDEVICE& d, const SHAPE (&shapes)[N])
 {
     for (const SHAPE& s : shapes) {
-        vCOLOUR c((long)s.c, 0);
-        PlainFill(d, c);
-        if (s.ellipse)
-            EXPECT_EQ(d.DrawEllipse(R(s.l, s.t, s.r, s.b)), 1);
-        else
-            EXPECT_EQ(d.DrawRect(R(s.l, s.t, s.r, s.b)), 1);
+        PlainFill(d, vCOLOUR((long)s.c, 0));
+        EXPECT_EQ(s.ellipse ? d.DrawEllipse(R(s.l, s.t, s.r, s.b)) : d.DrawRect(R(s.l, s.t, s.r, s.b)), 1);
     }
 }
 
@@ -52,27 +47,8 @@ template <size_t N> void GdiScene(HDC dc, const SHAPE (&shapes)[N])
 {
     for (const SHAPE& s : shapes) {
         WITHBRUSH b(dc, s.c);
-        if (s.ellipse)
-            Ellipse(dc, s.l, s.t, s.r, s.b);
-        else
-            Rectangle(dc, s.l, s.t, s.r + 1, s.b + 1);
+        s.ellipse ? Ellipse(dc, s.l, s.t, s.r, s.b) : Rectangle(dc, s.l, s.t, s.r + 1, s.b + 1);
     }
-}
-
-// The target's own picture, under and around the display bitmap.
-void Backdrop(vMEMDEVICE& d)
-{
-    PlainFill(d, vCOLOUR(10, 200, 10));
-    d.DrawRect(R(0, 0, 63, 47));
-    PlainFill(d, vCOLOUR(250, 250, 0));
-    d.DrawRect(R(12, 20, 40, 44));
-}
-void GdiBackdrop(HDC dc)
-{
-    WITHBRUSH g(dc, RGB(10, 200, 10));
-    Rectangle(dc, 0, 0, 64, 48);
-    WITHBRUSH y(dc, RGB(250, 250, 0));
-    Rectangle(dc, 12, 20, 41, 45);
 }
 
 // White as a brush paints it (the fourth byte of a pixel stays 0).
@@ -85,7 +61,7 @@ void WhiteBrushed(SURFACE& s)
 // What the target should hold after the picture is drawn at (kX, kY).
 void Expect(ORACLE& want, bool transparent, bool later)
 {
-    GdiBackdrop(want.dc);
+    GdiScene(want.dc, kBackdrop);
     SURFACE onWhite(kW, kH), onBlack(kW, kH);
     onBlack.Clear(0);
     WhiteBrushed(onWhite);
@@ -113,17 +89,16 @@ TEST(DisplayBitmap, OpaqueTransparentAndDualSurfacedMatchGdi)
             SCOPED_TRACE(::testing::Message() << "16 colours " << sixteen << ", transparent " << transparent);
             SEAM seam(sixteen);
             vDISPLAYBMP pic(kW, kH, transparent);
-            EXPECT_EQ(pic.IsTransparent(), transparent ? 1 : 0);
-            EXPECT_EQ(pic.IsDualSurfaced(), sixteen && transparent ? 1 : 0);
-            EXPECT_TRUE(pic.Size() == R(0, 0, kW, kH));
+            EXPECT_TRUE(pic.IsTransparent() == transparent && pic.IsDualSurfaced() == (sixteen && transparent) &&
+                        pic.Size() == R(0, 0, kW, kH));
 
             // Nothing drawn yet: a transparent picture leaves the target alone.
             vMEMDEVICE empty(vINT(64L), vINT(48L));
-            Backdrop(empty);
+            DrawScene(empty, kBackdrop);
             if (transparent) {
                 vDISPLAYBMP blank(kW, kH, 1);
                 ORACLE want(empty, 0xFF);
-                GdiBackdrop(want.dc);
+                GdiScene(want.dc, kBackdrop);
                 EXPECT_EQ(blank.Draw(empty, R(kX, kY, kX + kW, kY + kH)), 1);
                 EXPECT_TRUE(SameBytes(empty, want));
             }
@@ -135,7 +110,7 @@ TEST(DisplayBitmap, OpaqueTransparentAndDualSurfacedMatchGdi)
             }
             DrawScene(pic, kScene);
             vMEMDEVICE target(vINT(64L), vINT(48L));
-            Backdrop(target);
+            DrawScene(target, kBackdrop);
             ORACLE want(target, 0xFF);
             Expect(want, transparent, false);
             EXPECT_EQ(pic.Draw(target, R(kX, kY, kX + kW, kY + kH)), 1);
@@ -144,7 +119,7 @@ TEST(DisplayBitmap, OpaqueTransparentAndDualSurfacedMatchGdi)
             // The mask stays as first built.
             DrawScene(pic, kLater);
             vMEMDEVICE again(vINT(64L), vINT(48L));
-            Backdrop(again);
+            DrawScene(again, kBackdrop);
             ORACLE want2(again, 0xFF);
             Expect(want2, transparent, true);
             if (!transparent)
@@ -155,8 +130,7 @@ TEST(DisplayBitmap, OpaqueTransparentAndDualSurfacedMatchGdi)
             // The handed bitmap outlives the picture and is the caller's.
             HBITMAP handed = pic.RemoveHBitmap();
             ASSERT_NE(handed, nullptr);
-            EXPECT_EQ(pic.Draw(again, R(0, 0, kW, kH)), 0);
-            EXPECT_EQ(pic.RemoveHBitmap(), nullptr);
+            EXPECT_TRUE(pic.Draw(again, R(0, 0, kW, kH)) == 0 && pic.RemoveHBitmap() == nullptr);
             BITMAP bm;
             ASSERT_EQ(GetObjectA(handed, sizeof bm, &bm), (int)sizeof bm);
             EXPECT_TRUE(bm.bmWidth == kW && bm.bmHeight == kH);
