@@ -80,18 +80,15 @@ TEST(NativeBmRecord, HeaderVerdicts)
 // (size mod 65536) bytes; exactly that much is accepted, rows read as zero.
 TEST(NativeBmRecord, ExpandedRecordsAndTheSixteenBitCount)
 {
-    const bmrec::Header big = {40, 256, 256, 24, 0, 0, 0};   // 40 + 196608 bytes: 40 survive
-    const bmrec::Header odd = {40, 300, 100, 24, 0, 0, 0};   // 40 + 90000: 24504 survive
-    const bmrec::Header small = {40, 16, 16, 8, 0, 0, 0};    // 40 + 1024 + 256, whole
+    // 256 x 256: 40 bytes survive; 300 x 100: 24504 of 90040; 16 x 16 x 8: whole.
+    const bmrec::Header big = {40, 256, 256, 24, 0, 0, 0}, odd = {40, 300, 100, 24, 0, 0, 0}, small = {40, 16, 16, 8, 0, 0, 0};
     const struct {
         bmrec::Header h;
         std::uint32_t bytes;
         Verdict verdict;
-    } cases[] = {
-        {big, 40, kOk},           {big, 41, kShort},         {big, 196648, kOk}, {big, 39, kShort},
-        {odd, 24504, kOk},        {odd, 24503, kShort},      {odd, 90040, kOk},  {small, 1320, kOk},
-        {small, 1319, kShort},    {small, 1063, kShort},     {small, 5000, kOk},
-    };
+    } cases[] = {{big, 40, kOk},        {big, 41, kShort},      {big, 196648, kOk},     {big, 39, kShort},
+                 {odd, 24504, kOk},     {odd, 24503, kShort},   {odd, 90040, kOk},      {small, 1320, kOk},
+                 {small, 1319, kShort}, {small, 1063, kShort},  {small, 5000, kOk}};
     for (const auto& c : cases) {
         rlnative::Exact buf(c.bytes);
         std::memset(buf.p, 0, c.bytes);
@@ -118,9 +115,8 @@ TEST(NativeBmRecord, AnyHeaderIsJudgedWithinItsBytes)
         unsigned char b[64];
         rng.Fill(b, sizeof b);
         if (!rng.Chance(4)) {
-            b[0] = 40, b[1] = b[2] = b[3] = 0;
-            const unsigned bits[] = {1, 4, 8, 16, 24, 32};
-            b[14] = (unsigned char)bits[rng.Below(6)], b[15] = 0;
+            const unsigned char bits[] = {1, 4, 8, 16, 24, 32};
+            b[0] = 40, b[1] = b[2] = b[3] = 0, b[14] = bits[rng.Below(6)], b[15] = 0;
             if (rng.Chance(2))
                 std::memset(b + 16, 0, 4);
             for (int at : {4, 8, 20, 32})

@@ -16,10 +16,7 @@ struct PICTURE {
     std::vector<unsigned char> rows, palette;
     dibconv::SOURCE s;
 };
-std::uint32_t Colour(unsigned i)
-{
-    return 0x102030u * (i + 1);
-}
+std::uint32_t Colour(unsigned i) { return 0x102030u * (i + 1); }
 PICTURE Make(unsigned bits)
 {
     PICTURE p;
@@ -78,11 +75,7 @@ TEST(NativeDibConv, ExpandsEveryDepthAndRefusesWhatDoesNotFit)
     // Numbers that do not describe the rows are refused; an index past the palette reads black.
     PICTURE p = Make(8);
     const dibconv::SOURCE s = p.s;
-    const auto valid = [&](void (*change)(dibconv::SOURCE&)) {
-        dibconv::SOURCE v = s;
-        change(v);
-        return dibconv::Valid(v);
-    };
+    const auto valid = [&](void (*change)(dibconv::SOURCE&)) { dibconv::SOURCE v = s; return change(v), dibconv::Valid(v); };
     EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.size -= 1; }));
     EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.stride = 4; }));
     EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.bits = 16; }));
@@ -94,8 +87,7 @@ TEST(NativeDibConv, ExpandsEveryDepthAndRefusesWhatDoesNotFit)
     v.colours = 2;
     std::uint32_t canvas[15];
     ASSERT_TRUE(dibconv::Expand(v, 0, 0, 5, 3, canvas, nullptr, 0));
-    EXPECT_EQ(canvas[2], 0u) << "index 2 of a 2-entry palette";
-    EXPECT_EQ(canvas[1], Colour(1));
+    EXPECT_TRUE(canvas[2] == 0u && canvas[1] == Colour(1)) << "index 2 of a 2-entry palette";
 }
 
 TEST(NativeDibConv, InkPlanesFollowTheColourModelAndSurviveThePlane)
@@ -125,8 +117,7 @@ TEST(NativeDibConv, InkPlanesFollowTheColourModelAndSurviveThePlane)
                 ink[k] = (200 * (255 - (int)(px[i] >> (16 - 8 * k) & 0xFF)) + 127) / 255;
             int black = std::min(ink[0], std::min(ink[1], ink[2]));
             unsigned simple = (unsigned)((plate == 3 ? black : ink[plate] - black) >> 1);
-            ASSERT_EQ(dibconv::LevelFromPlane(plane[i]), want) << std::hex << px[i] << " plate " << plate;
-            ASSERT_EQ(simple, want) << std::hex << px[i] << " plate " << plate;
+            ASSERT_TRUE(dibconv::LevelFromPlane(plane[i]) == want && simple == want) << std::hex << px[i] << " plate " << plate;
         }
     }
 }
@@ -179,7 +170,7 @@ TEST(NativeDibConv, MaskAndPackedBlocks)
     std::vector<std::uint32_t> canvas(w * h, 0x777777);
     for (int i = 0; i < w * h; ++i)
         hidden[i] = (i % w + i / w) % 3 == 0;
-    EXPECT_EQ(dibconv::MaskStride(w), 4u);
+    ASSERT_EQ(dibconv::MaskStride(w), 4u);
     EXPECT_EQ(dibconv::BuildMask(hidden.data(), w, h, mask.data(), canvas.data()), 6u);
     const unsigned char want[8] = {0x92, 0x00, 0, 0, 0x24, 0x80, 0, 0};
     EXPECT_EQ(memcmp(mask.data(), want, 8), 0);
@@ -194,17 +185,13 @@ TEST(NativeDibConv, MaskAndPackedBlocks)
     dibconv::SOURCE s;
     ASSERT_TRUE(dibconv::ReadPacked(good.data(), good.size(), s));
     EXPECT_TRUE(s.width == 2 && s.height == 2 && s.bits == 8 && s.colours == 256 && s.stride == 4 && s.rows[0] == 7);
-    const struct {
-        int at;
-        std::uint32_t value;
-        size_t size;
-    } damaged[] = {{0, 12, 0},  {16, 1, 0},           {4, 0, 0}, {8, 0xFFFFFFFEu, 0}, {32, 300, 0},
-                              {14, 16, 0}, {0, 40, 40 + 1024 + 7}, {0, 40, 39}, {4, 0x8000, 0}};
+    // Offset, value written there, and the size handed over (0: all of it).
+    const std::uint32_t damaged[][3] = {{0, 12, 0},  {16, 1, 0},             {4, 0, 0},   {8, 0xFFFFFFFEu, 0}, {32, 300, 0},
+                                        {14, 16, 0}, {0, 40, 40 + 1024 + 7}, {0, 40, 39}, {4, 0x8000, 0}};
     for (const auto& d : damaged) {
         std::vector<unsigned char> b = good;
-        if (d.at || d.value != 40)
-            memcpy(&b[d.at], &d.value, d.at == 14 ? 2 : 4);
-        EXPECT_FALSE(dibconv::ReadPacked(b.data(), d.size ? d.size : b.size(), s)) << d.at << " " << d.value << " " << d.size;
+        memcpy(&b[d[0]], &d[1], d[0] == 14 ? 2 : 4);
+        EXPECT_FALSE(dibconv::ReadPacked(b.data(), d[2] ? d[2] : b.size(), s)) << d[0] << " " << d[1] << " " << d[2];
     }
     EXPECT_FALSE(dibconv::ReadPacked(nullptr, 100, s));
 }
