@@ -13,10 +13,7 @@
 namespace {
 
 // The process's GDI objects, where the system counts them (Wine answers 0).
-DWORD GdiObjects()
-{
-    return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-}
+DWORD GdiObjects() { return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); }
 
 // Strips GDI knows as live bitmaps, each noted in `seen` to ask after later.
 int LiveStrips(const std::vector<vBITMAP>& bitmaps, std::set<HBITMAP>& seen)
@@ -98,9 +95,9 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
     const unsigned long pageInsBefore = m->PageIns();
     std::mt19937 rng(3);
     std::vector<int> order(n);
+    for (int i = 0; i < n; ++i)
+        order[i] = i;
     for (int pass = 0; pass < 2; ++pass) {
-        for (int i = 0; i < n; ++i)
-            order[i] = i;
         std::shuffle(order.begin(), order.end(), rng);
         int wrong = 0;
         for (int i : order)
@@ -146,16 +143,13 @@ TEST(BitmapManager, PassesStopAtWhatMayNotGo)
     for (int i = 0; i < 8; ++i)
         named.emplace_back(file);
     EXPECT_EQ(9, m->ResidentCount());
-    EXPECT_EQ(5, m->PageOut());
-    EXPECT_EQ(9, m->ResidentCount());
+    EXPECT_TRUE(m->PageOut() == 5 && m->ResidentCount() == 9);
     // Without it the five oldest go; one made unpageable stays.
     fixed.reset();
     named[7].Pageable(0);
-    EXPECT_EQ(5, m->PageOut());
-    EXPECT_EQ(3, m->ResidentCount());
+    EXPECT_TRUE(m->PageOut() == 5 && m->ResidentCount() == 3);
     EXPECT_TRUE(!named[0].Resource()->IsResident() && named[7].Resource()->IsResident());
-    EXPECT_EQ(5, m->PageOut());
-    EXPECT_EQ(1, m->ResidentCount());
+    EXPECT_TRUE(m->PageOut() == 5 && m->ResidentCount() == 1);
     // The same file and position share one resource, and the stream moves on.
     file.MoveFromStart(0);
     vBITMAP again(file);
