@@ -1,6 +1,5 @@
-// The bitmap object and its records: pixels drawn through the library against
-// plain GDI, both written forms read back by the library and by a reader of
-// the test's own, damaged records, sharing and the small class-wide helpers.
+// The bitmap object: pixels against plain GDI, both written forms read back,
+// damaged records, sharing and the class-wide helpers.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <cstring>
@@ -10,10 +9,8 @@
 namespace {
 using bmo::PIC;
 
-std::uint32_t U32(const std::vector<unsigned char>& v, size_t at)
-{
-    return v[at] | v[at + 1] << 8 | v[at + 2] << 16 | (std::uint32_t)v[at + 3] << 24;
-}
+std::uint32_t U32(const std::vector<unsigned char>& v, size_t at) { return v[at] | v[at + 1] << 8 | v[at + 2] << 16 | (std::uint32_t)v[at + 3] << 24; }
+vRECT R(long l, long t, long r, long b) { return vRECT(vINT(l), vINT(t), vINT(r), vINT(b)); }
 
 std::vector<unsigned char> Contents(vMEMSTREAM& m)
 {
@@ -27,13 +24,7 @@ std::vector<unsigned char> Contents(vMEMSTREAM& m)
     return v;
 }
 
-vRECT R(long l, long t, long r, long b)
-{
-    return vRECT(vINT(l), vINT(t), vINT(r), vINT(b));
-}
-
-// Draws `bitmap` on a fresh memory device with `draw` and the picture on a
-// canvas with one plain call, and compares every byte.
+// `draw` on a fresh memory device against one plain stretch on a canvas.
 template <class F> void ExpectSameAsGdi(const PIC& p, RECT t, RECT s, F draw, const char* what)
 {
     const long W = 2 * p.w + 20, H = 2 * p.Rows() + 20;
@@ -47,12 +38,9 @@ template <class F> void ExpectSameAsGdi(const PIC& p, RECT t, RECT s, F draw, co
 
 struct CASE {
     long w, h;
-    unsigned bits;
-    unsigned strips;
+    unsigned bits, strips;
 };
-const CASE kCases[] = {
-    {37, 23, 24, 1}, {300, 210, 24, 4}, {250, -260, 24, 4}, {64, 50, 8, 1}, {45, 33, 1, 1}, {220, 300, 8, 2},
-};
+const CASE kCases[] = {{37, 23, 24, 1}, {300, 210, 24, 4}, {250, -260, 24, 4}, {64, 50, 8, 1}, {45, 33, 1, 1}, {220, 300, 8, 2}};
 
 TEST(Bitmap, DrawsLikePlainGdi)
 {
@@ -62,28 +50,19 @@ TEST(Bitmap, DrawsLikePlainGdi)
         vMEMSTREAM m;
         bmt::Fill(m, p.bytes);
         vBITMAP b(m);
-        ASSERT_TRUE(b.Valid()) << c.w;
-        EXPECT_EQ(m.Size(), m.CurrentPos());
-        ASSERT_EQ(c.strips, b.Resource()->StripCount()) << c.w;
-        EXPECT_TRUE(b.Size() == R(0, 0, c.w, p.Rows()));
         const long w = c.w, h = p.Rows();
+        ASSERT_TRUE(b.Valid() && m.Size() == m.CurrentPos() && b.Size() == R(0, 0, w, h)) << c.w;
+        ASSERT_EQ(c.strips, b.Resource()->StripCount()) << c.w;
         const RECT whole = {0, 0, w, h}, part = {w / 4, h / 3, w / 4 + w / 2, h / 3 + h / 2};
-        ExpectSameAsGdi(p, {5, 7, 5 + w, 7 + h}, whole, [&](vDEVICE& d) { return b.Draw(d, vPOINT(vINT(5L), vINT(7L))); },
-                        "at a point");
-        ExpectSameAsGdi(p, {3, 4, 3 + 2 * w, 4 + 2 * h}, whole,
-                        [&](vDEVICE& d) { return b.Draw(d, R(3, 4, 3 + 2 * w, 4 + 2 * h)); }, "doubled");
-        ExpectSameAsGdi(p, {6, 5, 6 + w / 2, 5 + h / 2}, part,
-                        [&](vDEVICE& d) { return b.Draw(d, R(6, 5, 6 + w / 2, 5 + h / 2), R(part.left, part.top, part.right, part.bottom)); },
-                        "a part");
-        ExpectSameAsGdi(p, {1, 2, 1 + w, 2 + h}, part,
-                        [&](vDEVICE& d) { return d.DrawBitmap(b, R(part.left, part.top, part.right, part.bottom), R(1, 2, 1 + w, 2 + h)); },
-                        "a part doubled");
-        // Strips stretched one by one agree with one stretch only where the
-        // scale is whole; a single strip agrees at any scale.
+        const vRECT vpart = R(part.left, part.top, part.right, part.bottom);
+        ExpectSameAsGdi(p, {5, 7, 5 + w, 7 + h}, whole, [&](vDEVICE& d) { return b.Draw(d, vPOINT(vINT(5L), vINT(7L))); }, "at a point");
+        ExpectSameAsGdi(p, {3, 4, 3 + 2 * w, 4 + 2 * h}, whole, [&](vDEVICE& d) { return b.Draw(d, R(3, 4, 3 + 2 * w, 4 + 2 * h)); }, "doubled");
+        ExpectSameAsGdi(p, {6, 5, 6 + w / 2, 5 + h / 2}, part, [&](vDEVICE& d) { return b.Draw(d, R(6, 5, 6 + w / 2, 5 + h / 2), vpart); }, "a part");
+        ExpectSameAsGdi(p, {1, 2, 1 + w, 2 + h}, part, [&](vDEVICE& d) { return d.DrawBitmap(b, vpart, R(1, 2, 1 + w, 2 + h)); }, "a part doubled");
+        // Strips stretched one by one match one stretch only at whole scales.
+        const long sw = w * 3 / 2 + 1, sh = h * 2 / 3 + 1;
         if (c.strips == 1)
-            ExpectSameAsGdi(p, {1, 2, 1 + w * 3 / 2 + 1, 2 + h * 2 / 3 + 1}, whole,
-                            [&](vDEVICE& d) { return b.Draw(d, R(1, 2, 1 + w * 3 / 2 + 1, 2 + h * 2 / 3 + 1)); },
-                            "stretched");
+            ExpectSameAsGdi(p, {1, 2, 1 + sw, 2 + sh}, whole, [&](vDEVICE& d) { return b.Draw(d, R(1, 2, 1 + sw, 2 + sh)); }, "stretched");
     }
 }
 
@@ -101,28 +80,26 @@ TEST(Bitmap, TransparentColourLeavesTheTarget)
         bmt::Fill(m2, p.bytes);
         vBITMAP bb(m1), bp(m2);
         const long W = c.w + 10, H = p.Rows() + 10;
+        const RECT t = {3, 4, 3 + c.w, 4 + p.Rows()}, s = {0, 0, c.w, p.Rows()};
         vMEMDEVICE dev{vINT(W), vINT(H)};
         bb.Draw(dev, vPOINT(vINT(3L), vINT(4L)));
         ASSERT_EQ(1, bp.DrawTransparent(dev, vPOINT(vINT(3L), vINT(4L)), vCOLOUR(0x1080F0L, 1)));
         bmo::CANVAS under(W, H), over(W, H);
-        under.Draw(back, {3, 4, 3 + c.w, 4 + p.Rows()}, {0, 0, c.w, p.Rows()});
-        over.Draw(p, {3, 4, 3 + c.w, 4 + p.Rows()}, {0, 0, c.w, p.Rows()});
+        under.Draw(back, t, s);
+        over.Draw(p, t, s);
         const unsigned char* got = dev.GetDIB();
         int wrong = 0;
         for (long y = 0; y < H; ++y)
             for (long x = 0; x < W; ++x) {
-                bool inside = x >= 3 && y >= 4 && x < 3 + c.w && y < 4 + p.Rows();
-                bool clear = inside && std::memcmp(p.Pixel(x - 3, y - 4), key, 3) == 0;
+                bool mine = x >= 3 && y >= 4 && x < t.right && y < t.bottom && std::memcmp(p.Pixel(x - 3, y - 4), key, 3) != 0;
                 size_t at = (size_t)(H - 1 - y) * W * 4 + x * 4;
-                const unsigned char* want = (inside && !clear ? over.Bytes() : under.Bytes()) + at;
-                wrong += std::memcmp(want, got + at, 3) != 0;
+                wrong += std::memcmp((mine ? over.Bytes() : under.Bytes()) + at, got + at, 3) != 0;
             }
         EXPECT_EQ(0, wrong) << c.w << "x" << c.h;
     }
 }
 
-// Both written forms, taken apart by the test's own reading: the plain one
-// as a bitmap file, the compressed one by expanding it.
+// Both written forms taken apart: the plain one as a file, the other expanded.
 TEST(Bitmap, WrittenFormsReadBack)
 {
     unsigned seed = 60;
@@ -136,12 +113,10 @@ TEST(Bitmap, WrittenFormsReadBack)
         HBITMAP ddb = bmo::Ddb(p);
         BITMAP bm;
         GetObjectA(ddb, sizeof bm, &bm);
-        const unsigned short depth = bm.bmBitsPixel * bm.bmPlanes > 8 ? 24 : bm.bmBitsPixel * bm.bmPlanes;
-        ASSERT_EQ(24, depth) << "the test expects a true-colour screen";
+        ASSERT_GT(bm.bmBitsPixel * bm.bmPlanes, 8) << "the test expects a true-colour screen";
         const unsigned long stride = ((w * 24 + 31) / 32) * 4, size = 40 + stride * h;
         std::vector<unsigned char> rows(stride * h);
-        BITMAPINFO bi = {};
-        bi.bmiHeader = {40, w, h, 1, 24, 0, 0, 0, 0, 0, 0};
+        BITMAPINFO bi = {{40, w, h, 1, 24, 0, 0, 0, 0, 0, 0}, {}};
         HDC screen = GetDC(nullptr);
         GetDIBits(screen, ddb, 0, h, rows.data(), &bi, DIB_RGB_COLORS);
         ReleaseDC(nullptr, screen);
@@ -152,23 +127,15 @@ TEST(Bitmap, WrittenFormsReadBack)
         ASSERT_EQ((long)size, b.Write(packed, 1)());
         std::vector<unsigned char> f = Contents(plain), z = Contents(packed);
         ASSERT_EQ(14 + size, f.size());
-        EXPECT_EQ('B', f[0]);
-        EXPECT_EQ('M', f[1]);
-        EXPECT_EQ(0u, U32(f, 2));
-        EXPECT_EQ(0u, U32(f, 6));
-        EXPECT_EQ(54u, U32(f, 10));
-        EXPECT_EQ(40u, U32(f, 14));
-        EXPECT_EQ((std::uint32_t)w, U32(f, 18));
-        EXPECT_EQ((std::uint32_t)h, U32(f, 22));
-        EXPECT_EQ(0x00180001u, U32(f, 26));
-        EXPECT_EQ(0u, U32(f, 30));
+        EXPECT_TRUE(f[0] == 'B' && f[1] == 'M');
+        const std::uint32_t head[] = {0, 0, 54, 40, (std::uint32_t)w, (std::uint32_t)h, 0x00180001u, 0};
+        for (int i = 0; i < 8; ++i)
+            EXPECT_EQ(head[i], U32(f, 2 + 4 * i)) << "header word " << i;
         EXPECT_EQ(0, std::memcmp(rows.data(), f.data() + 54, rows.size())) << c.w;
 
-        // The compressed record: magic, the count of what follows, and what
-        // follows expands to the first (size mod 65536) bytes of the image.
+        // Magic, count, and what follows expands to the first (size mod 65536) bytes.
         ASSERT_GE(z.size(), 8u);
-        EXPECT_EQ(0x0012AAB1u, U32(z, 0));
-        EXPECT_EQ(z.size() - 8, U32(z, 4));
+        EXPECT_TRUE(0x0012AAB1u == U32(z, 0) && z.size() - 8 == U32(z, 4));
         EXPECT_EQ((unsigned short)size, vBITMAP::wBitmapSize);
         struct IO {
             const unsigned char* in;
@@ -176,40 +143,30 @@ TEST(Bitmap, WrittenFormsReadBack)
             std::vector<unsigned char> out;
         } io{z.data() + 8, (unsigned)z.size() - 8, {}};
         std::vector<char> work(EXP_BUFFER_SIZE);
-        ASSERT_EQ(0u, explode(
-                          [](char* b, unsigned* n, void* q) {
-                              IO* s = (IO*)q;
-                              unsigned k = *n < s->left ? *n : s->left;
-                              std::memcpy(b, s->in, k);
-                              s->in += k;
-                              s->left -= k;
-                              return k;
-                          },
-                          [](char* b, unsigned* n, void* q) { ((IO*)q)->out.insert(((IO*)q)->out.end(), b, b + *n); },
-                          work.data(), &io));
+        const auto get = [](char* b, unsigned* n, void* q) {
+            IO* s = (IO*)q;
+            unsigned k = *n < s->left ? *n : s->left;
+            std::memcpy(b, s->in, k), s->in += k, s->left -= k;
+            return k;
+        };
+        const auto put = [](char* b, unsigned* n, void* q) { ((IO*)q)->out.insert(((IO*)q)->out.end(), b, b + *n); };
+        ASSERT_EQ(0u, explode(get, put, work.data(), &io));
         ASSERT_EQ(size % 65536, io.out.size());
         EXPECT_EQ(0, std::memcmp(f.data() + 14, io.out.data(), io.out.size()));
 
-        // Read back by the library: the plain form whole, the compressed one
-        // whole when it is below 64 KB, with zero rows beyond otherwise.
+        // Read back: the compressed form whole only below 64 KB.
         vBITMAP fromPlain(plain), fromPacked(packed);
-        ASSERT_TRUE(fromPlain.Valid());
-        ASSERT_TRUE(fromPacked.Valid());
-        EXPECT_TRUE(fromPlain.Size() == R(0, 0, w, h));
-        EXPECT_TRUE(fromPacked.Size() == R(0, 0, w, h));
-        EXPECT_EQ(plain.Size(), plain.CurrentPos());
-        EXPECT_EQ(packed.Size(), packed.CurrentPos());
-        vMEMSTREAM again;
+        ASSERT_TRUE(fromPlain.Valid() && fromPacked.Valid());
+        EXPECT_TRUE(fromPlain.Size() == R(0, 0, w, h) && fromPacked.Size() == R(0, 0, w, h));
+        EXPECT_TRUE(plain.Size() == plain.CurrentPos() && packed.Size() == packed.CurrentPos());
+        vMEMSTREAM again, again2;
         fromPlain.Write(again, 0);
+        fromPacked.Write(again2, 0);
         EXPECT_TRUE(Contents(again) == f);
         if (size < 65536) {
-            vMEMSTREAM again2;
-            fromPacked.Write(again2, 0);
             EXPECT_TRUE(Contents(again2) == f);
         } else {
             // The rows the 16-bit count left out come back black, the rest as stored.
-            vMEMSTREAM again2;
-            fromPacked.Write(again2, 0);
             std::vector<unsigned char> g = Contents(again2);
             ASSERT_EQ(f.size(), g.size());
             const std::size_t kept = 14 + size % 65536;
@@ -230,36 +187,26 @@ TEST(Bitmap, DamagedRecordsGiveInvalidBitmaps)
             d.at(at + k) = (unsigned char)(v >> (8 * k));
         return d;
     };
-    std::vector<unsigned char> framed = {0xB1, 0xAA, 0x12, 0x00, 0xFF, 0xFF, 0x00, 0x00, 0, 4, 1, 2, 3};
-    std::vector<unsigned char> garbage = {0xB1, 0xAA, 0x12, 0x00, 8, 0, 0, 0, 0, 4, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
-    // A sound implode stream of too few bytes for a header: "AIAIAIAIAIAIA".
-    std::vector<unsigned char> tiny = {0xB1, 0xAA, 0x12, 0x00, 8, 0, 0, 0, 0x00, 0x04, 0x82, 0x24, 0x25, 0x8f, 0x80, 0x7f};
+    // Then compressed records: a count past the bytes, garbage, and a sound
+    // implode stream ("AIAIAIAIAIAIA") too short for a header.
     const std::vector<unsigned char> cases[] = {
-        {},
-        {'B', 'M', 1, 2, 3},
-        std::vector<unsigned char>(good.begin(), good.end() - 1),
+        {}, {'B', 'M', 1, 2, 3}, std::vector<unsigned char>(good.begin(), good.end() - 1),
         std::vector<unsigned char>(good.begin(), good.begin() + 40),
-        with(14, 12),          // not the 40-byte header
-        with(14 + 20, 100),    // a stated image size short of the rows
-        with(14 + 4, 1000),    // wider than the bytes
-        with(14 + 16, 1),      // run-length coded
-        framed, garbage, tiny,
-    };
-    int i = 0;
+        with(14, 12), with(14 + 20, 100), with(14 + 4, 1000), with(14 + 16, 1),   // header, image size, width, run-length
+        {0xB1, 0xAA, 0x12, 0x00, 0xFF, 0xFF, 0x00, 0x00, 0, 4, 1, 2, 3},
+        {0xB1, 0xAA, 0x12, 0x00, 8, 0, 0, 0, 0, 4, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},
+        {0xB1, 0xAA, 0x12, 0x00, 8, 0, 0, 0, 0x00, 0x04, 0x82, 0x24, 0x25, 0x8f, 0x80, 0x7f}};
     for (const auto& bytes : cases) {
+        const int i = (int)(&bytes - cases);
         vMEMSTREAM m;
         bmt::Fill(m, bytes);
         vBITMAP b(m);
-        EXPECT_FALSE(b.Valid()) << i;
-        EXPECT_EQ(nullptr, b.Resource()) << i;
-        EXPECT_LE(m.CurrentPos(), m.Size()) << i;
+        EXPECT_TRUE(!b.Valid() && b.Resource() == nullptr && m.CurrentPos() <= m.Size()) << i;
         vMEMDEVICE dev(vINT(20L), vINT(20L));
         EXPECT_EQ(0, b.Draw(dev, vPOINT(vINT(0L), vINT(0L)))) << i;
         EXPECT_EQ(0, b.Write(m, 0)()) << i;
-        ++i;
     }
-    // Both forms with header and length bytes changed at random: whatever is
-    // accepted draws, and nothing reads past the stream.
+    // Header and length bytes of both forms changed at random: what is accepted draws.
     PIC big = bmo::Make(120, 140, 8, 91);
     vMEMSTREAM src;
     bmt::Fill(src, big.bytes);
@@ -269,7 +216,7 @@ TEST(Bitmap, DamagedRecordsGiveInvalidBitmaps)
     const std::vector<unsigned char> forms[] = {big.bytes, Contents(packed)};
     std::mt19937 rng(5);
     int accepted = 0;
-    for (int k = 0; k < 400; ++k) {
+    for (int k = 0; k < 300; ++k) {
         std::vector<unsigned char> d = forms[k % 2];
         for (int n = 1 + rng() % 3; n; --n)
             d.at(rng() % 60) = (unsigned char)rng();
@@ -285,18 +232,15 @@ TEST(Bitmap, DamagedRecordsGiveInvalidBitmaps)
             EXPECT_EQ(1, b.Draw(dev, vPOINT(vINT(0L), vINT(0L)))) << k;
         }
     }
-    EXPECT_GT(accepted, 10);
+    EXPECT_GT(accepted, 8);
 }
 
 TEST(Bitmap, SharingAndTheSmallHelpers)
 {
-    // Module bitmaps (here the system's own, which the library's module
-    // lacks) are shared by id; copies and assignment share the resource.
+    // Module bitmaps (the system's own here) are shared by id, as are copies.
     vBITMAP a(vRESID(32760)), b(vRESID(32760));
     ASSERT_TRUE(a.Valid());
-    EXPECT_EQ(a.Resource(), b.Resource());
-    EXPECT_EQ(gdiRESOURCE::MODULEKIND, a.Resource()->Type());
-    EXPECT_GT(a.Size().Width()(), 0);
+    EXPECT_TRUE(a.Resource() == b.Resource() && a.Resource()->Type() == gdiRESOURCE::MODULEKIND && a.Size().Width()() > 0);
     EXPECT_EQ(2, a.Resource()->RefCount());
     {
         vBITMAP c(a), d;
@@ -311,19 +255,16 @@ TEST(Bitmap, SharingAndTheSmallHelpers)
     EXPECT_TRUE(sized.Size() == R(0, 0, 5, 6));
 
     vBITMAP empty(vINT(30L), vINT(20L));
-    ASSERT_TRUE(empty.Valid());
-    EXPECT_TRUE(empty.Size() == R(0, 0, 30, 20));
+    ASSERT_TRUE(empty.Valid() && empty.Size() == R(0, 0, 30, 20));
     empty.Pageable(1);
     EXPECT_EQ(0, empty.Resource()->IsPageable());
 
-    // Scaled on the way in: to the box, or to its proportions inside it.
     PIC p = bmo::Make(37, 23, 24, 5);
     for (int keep = 0; keep < 2; ++keep) {
         vMEMSTREAM src, dst;
         bmt::Fill(src, p.bytes);
         vBITMAP scaled(src, dst, 100, 100, keep);
-        ASSERT_TRUE(scaled.Valid()) << keep;
-        EXPECT_TRUE(scaled.Size() == R(0, 0, 100, keep ? 62 : 100)) << scaled.Size().Height()();
+        EXPECT_TRUE(scaled.Valid() && scaled.Size() == R(0, 0, 100, keep ? 62 : 100)) << scaled.Size().Height()();
     }
 
     const unsigned short lang[][2] = {{1036, 20}, {1031, 40}, {1053, 60}, {1033, 0}, {0, 0}};
@@ -334,8 +275,7 @@ TEST(Bitmap, SharingAndTheSmallHelpers)
     for (const auto& t : aspect) {
         short nw = t[2], nh = t[3];
         vBITMAP::PreserveAspect(t[0], t[1], &nw, &nh);
-        EXPECT_EQ(t[4], nw);
-        EXPECT_EQ(t[5], nh);
+        EXPECT_TRUE(t[4] == nw && t[5] == nh) << t[0] << "x" << t[1] << ": " << nw << "x" << nh;
     }
     const unsigned colours[][3] = {{1, 0, 2}, {4, 0, 16}, {8, 0, 256}, {24, 0, 0}, {8, 17, 17}, {24, 5, 5}};
     for (const auto& t : colours) {

@@ -1,6 +1,5 @@
-// The bitmap manager: a thousand bitmaps of one file paged out and in under a
-// small resident limit, the page-out passes, and the new-failure handler
-// paging real bitmaps out.
+// The bitmap manager: a thousand bitmaps of one file paged through a small
+// resident limit, the page-out passes, and the new-failure handler.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <algorithm>
@@ -14,13 +13,9 @@
 namespace {
 
 // The process's GDI objects, where the system counts them (Wine answers 0).
-DWORD GdiObjects()
-{
-    return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-}
+DWORD GdiObjects() { return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); }
 
-// The strips the bitmaps hold that GDI knows as live bitmaps, each noted in
-// `seen` so that they can be asked after again once the bitmaps are gone.
+// Strips GDI knows as live bitmaps, each noted in `seen` to ask after later.
 int LiveStrips(const std::vector<vBITMAP>& bitmaps, std::set<HBITMAP>& seen)
 {
     int live = 0;
@@ -33,15 +28,13 @@ int LiveStrips(const std::vector<vBITMAP>& bitmaps, std::set<HBITMAP>& seen)
     return live;
 }
 
-// Sets the resident limit for one test and puts the old one back.
 struct LIMIT {
     explicit LIMIT(unsigned short l) : old(vPAGEOUT::GetResidentLimit()) { vPAGEOUT::SetResidentLimit(l); }
     ~LIMIT() { vPAGEOUT::SetResidentLimit(old); }
     unsigned short old;
 };
 
-// n small pictures in one file, each its own; the expected pixels of each
-// drawn at (0, 0) on a memory device of its size.
+// n pictures in one file, and each one's pixels drawn at (0, 0) by plain GDI.
 struct DOCUMENT {
     DOCUMENT(int n, long w, long h) : path(rltest::TempPath("bmm"))
     {
@@ -79,52 +72,46 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
         if (!b.Draw(dev, vPOINT(vINT(0L), vINT(0L))))
             return false;
         peak = std::max(peak, GdiObjects());
-        // Every strip of every bitmap, now and then: a full walk is 1,000 bitmaps.
         if (++checks % 100 == 0)
             peakLive = std::max(peakLive, LiveStrips(bitmaps, seen));
         return std::memcmp(dev.GetDIB(), doc.want[i].data(), doc.want[i].size()) == 0;
     };
+    bitmaps.reserve(n);
     {
-        bitmaps.reserve(n);
-        {
-            vFILE file(vSTRING(doc.path.c_str()), vFILE_READONLY, 1);
-            for (int i = 0; i < n; ++i) {
-                bitmaps.emplace_back(file);
-                ASSERT_TRUE(bitmaps.back().Resource() != nullptr) << i;
-                peak = std::max(peak, GdiObjects());
-                seen.insert(bitmaps.back().Resource()->Strip(0));
-            }
-            EXPECT_EQ(file.Size(), file.CurrentPos());
-            // While the stream is open, a page-in reads through it and leaves
-            // it where it was.
-            EXPECT_EQ(0, bitmaps[0].Resource()->IsResident());
-            EXPECT_TRUE(drawsRight(bitmaps[0], 0));
-            EXPECT_EQ(file.Size(), file.CurrentPos());
+        vFILE file(vSTRING(doc.path.c_str()), vFILE_READONLY, 1);
+        for (int i = 0; i < n; ++i) {
+            bitmaps.emplace_back(file);
+            ASSERT_TRUE(bitmaps.back().Resource() != nullptr) << i;
+            peak = std::max(peak, GdiObjects());
+            seen.insert(bitmaps.back().Resource()->Strip(0));
         }
-        EXPECT_LE(m->ResidentCount(), 20);
-        const unsigned long pageInsBefore = m->PageIns();
-        std::mt19937 rng(3);
-        std::vector<int> order(n);
-        for (int pass = 0; pass < 2; ++pass) {
-            for (int i = 0; i < n; ++i)
-                order[i] = i;
-            std::shuffle(order.begin(), order.end(), rng);
-            int wrong = 0;
-            for (int i : order)
-                wrong += !drawsRight(bitmaps[i], i);
-            EXPECT_EQ(0, wrong) << "pass " << pass;
-        }
-        // Nearly every draw pages in: only the resident few are spared.
-        EXPECT_GT(m->PageIns() - pageInsBefore, (unsigned long)(2 * n - 100));
-        EXPECT_LE(m->ResidentCount(), 20);
-        // One strip each, and where the system counts GDI objects, the
-        // device, its bitmap and a few contexts of the drawing besides.
-        EXPECT_LE(peakLive, 20);
-        EXPECT_GT(peakLive, 10);
-        EXPECT_LE(peak, base + 20 * 1 + 6);
-        LiveStrips(bitmaps, seen);
-        bitmaps.clear();
+        EXPECT_EQ(file.Size(), file.CurrentPos());
+        // While the stream is open a page-in reads through it and leaves it where it was.
+        EXPECT_EQ(0, bitmaps[0].Resource()->IsResident());
+        EXPECT_TRUE(drawsRight(bitmaps[0], 0));
+        EXPECT_EQ(file.Size(), file.CurrentPos());
     }
+    EXPECT_LE(m->ResidentCount(), 20);
+    const unsigned long pageInsBefore = m->PageIns();
+    std::mt19937 rng(3);
+    std::vector<int> order(n);
+    for (int i = 0; i < n; ++i)
+        order[i] = i;
+    for (int pass = 0; pass < 2; ++pass) {
+        std::shuffle(order.begin(), order.end(), rng);
+        int wrong = 0;
+        for (int i : order)
+            wrong += !drawsRight(bitmaps[i], i);
+        EXPECT_EQ(0, wrong) << "pass " << pass;
+    }
+    // Nearly every draw pages in; one strip each, and where the system counts
+    // GDI objects, the device, its bitmap and a few drawing contexts besides.
+    EXPECT_GT(m->PageIns() - pageInsBefore, (unsigned long)(2 * n - 100));
+    EXPECT_LE(m->ResidentCount(), 20);
+    EXPECT_TRUE(peakLive <= 20 && peakLive > 10) << peakLive;
+    EXPECT_LE(peak, base + 20 * 1 + 6);
+    LiveStrips(bitmaps, seen);
+    bitmaps.clear();
     EXPECT_EQ(0, m->ResidentCount() + m->PagedOutCount());
     EXPECT_LE(GdiObjects(), base);
     int leaked = 0;
@@ -132,7 +119,7 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
         leaked += GetObjectType(h) != 0;
     EXPECT_EQ(0, leaked) << "of " << seen.size();
     EXPECT_GE(seen.size(), 1000u);
-    // With its last bitmap gone the file is the application's again.
+    // With its last bitmap gone the file is free to write.
     HANDLE writer = CreateFileA(doc.path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_NE(INVALID_HANDLE_VALUE, writer);
     CloseHandle(writer);
@@ -145,8 +132,7 @@ TEST(BitmapManager, PassesStopAtWhatMayNotGo)
     EXPECT_EQ(0, m->PageOut());
     DOCUMENT doc(8, 10, 10);
     LIMIT limit(100);
-    // An unnamed stream cannot be read again: its bitmap stays resident, and
-    // while it is the least recently used nothing behind it goes either.
+    // A bitmap of an unnamed stream stays resident, and holds back all behind it.
     bmo::PIC p = bmo::Make(10, 10, 24, 1);
     vMEMSTREAM mem;
     bmt::Fill(mem, p.bytes);
@@ -157,23 +143,18 @@ TEST(BitmapManager, PassesStopAtWhatMayNotGo)
     for (int i = 0; i < 8; ++i)
         named.emplace_back(file);
     EXPECT_EQ(9, m->ResidentCount());
-    EXPECT_EQ(5, m->PageOut());
-    EXPECT_EQ(9, m->ResidentCount());
+    EXPECT_TRUE(m->PageOut() == 5 && m->ResidentCount() == 9);
     // Without it the five oldest go; one made unpageable stays.
     fixed.reset();
     named[7].Pageable(0);
-    EXPECT_EQ(5, m->PageOut());
-    EXPECT_EQ(3, m->ResidentCount());
-    EXPECT_EQ(0, named[0].Resource()->IsResident());
-    EXPECT_EQ(1, named[7].Resource()->IsResident());
-    EXPECT_EQ(5, m->PageOut());
-    EXPECT_EQ(1, m->ResidentCount());
+    EXPECT_TRUE(m->PageOut() == 5 && m->ResidentCount() == 3);
+    EXPECT_TRUE(!named[0].Resource()->IsResident() && named[7].Resource()->IsResident());
+    EXPECT_TRUE(m->PageOut() == 5 && m->ResidentCount() == 1);
     // The same file and position share one resource, and the stream moves on.
     file.MoveFromStart(0);
     vBITMAP again(file);
     EXPECT_EQ(named[0].Resource(), again.Resource());
-    EXPECT_EQ(p.bytes.size(), file.CurrentPos());
-    EXPECT_TRUE(again.Valid());
+    EXPECT_TRUE(again.Valid() && p.bytes.size() == file.CurrentPos());
 }
 
 TEST(BitmapManager, NewFailureHandlerPagesBitmapsOut)
@@ -190,18 +171,14 @@ TEST(BitmapManager, NewFailureHandlerPagesBitmapsOut)
     ASSERT_EQ(10, m->ResidentCount());
     rltest::MessageBoxes boxes;
     void* block = vMemAlloc(16);
-    // Twice five bitmaps go and the limit drops by as many; the next pass
-    // finds the list empty and the retried allocation fails again.
+    // Twice five go and the limit drops as much; then the list is empty and the retry fails.
     EXPECT_EQ(nullptr, vMemRealloc(block, 0x7FFFFFF0ul));
     vMemFree(block);
-    EXPECT_EQ(0, m->ResidentCount());
-    EXPECT_EQ(10, m->PagedOutCount());
-    EXPECT_EQ(10, vPAGEOUT::GetResidentLimit());
-    EXPECT_EQ(1, vSYSTEM::GetExceptionFlag());
-    EXPECT_EQ(1u, boxes.Calls().size());
+    EXPECT_TRUE(m->ResidentCount() == 0 && m->PagedOutCount() == 10 && vPAGEOUT::GetResidentLimit() == 10);
+    EXPECT_TRUE(vSYSTEM::GetExceptionFlag() == 1 && boxes.Calls().size() == 1u);
     vSYSTEM::SetExceptionFlag(0);
 
-    // They come back from their file, with the trace lines of the way.
+    // They come back from their file, tracing the way.
     vSYSTEM::SetTraceLevel(2);
     rltest::DebugOutput out;
     EXPECT_TRUE(bitmaps[3].Valid());

@@ -1,9 +1,6 @@
-// DIBs drawn on a memory device: as stored, against StretchDIBits of the same
-// rows on a second bitmap; with a transparent colour, the negative and under
-// the separation modes, against pixels worked out one by one (the device's
-// own Convert gives each colour). The negative and the process plates are
-// drawn twice, once with the imaging library missing and once through the
-// stand-in of tests/dlls/LEAD51N, and both must give the same pixels.
+// DIBs drawn on a memory device: as stored against StretchDIBits; with a
+// transparent colour, negative and separated against pixels worked out one by
+// one, with the imaging library missing and through the stand-in alike.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <memory>
@@ -37,28 +34,19 @@ std::unique_ptr<oMEMDIB> MakeDib(unsigned long w, unsigned long h, unsigned shor
 COLORREF DibPixel(const oMEMDIB& d, int x, int y)
 {
     const unsigned char* row = d.Bits() + (d.Height() - 1 - y) * d.Stride();
-    unsigned index;
-    switch (d.BitCount()) {
-    case 1: index = row[x / 8] >> (7 - x % 8) & 1; break;
-    case 4: index = x % 2 ? row[x / 2] & 15 : row[x / 2] >> 4; break;
-    case 8: index = row[x]; break;
-    default: return RGB(row[3 * x + 2], row[3 * x + 1], row[3 * x]);
-    }
+    const unsigned bits = d.BitCount();
+    if (bits == 24)
+        return RGB(row[3 * x + 2], row[3 * x + 1], row[3 * x]);
     oDIBPALETTE* p = nullptr;
     d.GetPalette(&p);
-    const RGBQUAD& q = p->GetRgbQuad()[index];
+    const RGBQUAD& q = p->GetRgbQuad()[bmt::Index(row, bits, x)];
     return RGB(q.rgbRed, q.rgbGreen, q.rgbBlue);
 }
 
 void StretchAll(HDC dc, const oMEMDIB& d, int x, int y, int w, int h)
 {
-    DIBINFO info;
-    memset(&info, 0, sizeof info);
-    info.h.biSize = 40;
-    info.h.biWidth = (LONG)d.Width();
-    info.h.biHeight = (LONG)d.Height();
-    info.h.biPlanes = 1;
-    info.h.biBitCount = d.BitCount();
+    DIBINFO info = {};
+    info.h = {40, (LONG)d.Width(), (LONG)d.Height(), 1, d.BitCount(), 0, 0, 0, 0, 0, 0};
     oDIBPALETTE* p = nullptr;
     if (unsigned n = d.GetPalette(&p))
         memcpy(info.colours, p->GetRgbQuad(), 4 * n);
@@ -82,10 +70,7 @@ long Counter(const char* name)
     return (n > 0 && n < sizeof v) ? atol(v) : 0;
 }
 
-const char* NoImagingLibrary(const char* name)
-{
-    return lstrcmpiA(name, "LEAD51N.DLL") == 0 ? "RL132_NO_SUCH_IMAGING.DLL" : nullptr;
-}
+const char* NoImagingLibrary(const char* name) { return lstrcmpiA(name, "LEAD51N.DLL") == 0 ? "RL132_NO_SUCH_IMAGING.DLL" : nullptr; }
 
 // The imaging library present (the stand-in) or missing, from the next need on.
 void Road(bool library, const char* failure = nullptr)
@@ -97,39 +82,31 @@ void Road(bool library, const char* failure = nullptr)
 
 } // namespace
 
-// As stored: every depth, 1:1, stretched, mirrored and from a source rectangle.
+// As stored: every depth, 1:1, stretched, mirrored, and source (2, 3)-(9, 7)
+// at (20, 10): the whole picture at (18, 7) seen through that window.
 TEST(DrawDib, AsStoredMatchesStretchDIBits)
 {
+    // Target rectangle, then the plain stretch that must match it.
+    const int place[][8] = {{3, 4, 16, 13, 3, 4, 13, 9},
+                            {5, 2, 31, 20, 5, 2, 26, 18},
+                            {30, 20, 4, 2, 30, 20, -26, -18},
+                            {20, 10, 27, 14, 18, 7, 13, 9}};
     for (unsigned short bits : {1, 4, 8, 24})
-        for (int placement = 0; placement < 4; ++placement) {
-            SCOPED_TRACE(::testing::Message() << bits << " bits, placement " << placement);
-            std::unique_ptr<oMEMDIB> dib = MakeDib(13, 9, bits, bits * 7u + placement);
+        for (int k = 0; k < 4; ++k) {
+            SCOPED_TRACE(::testing::Message() << bits << " bits, placement " << k);
+            const int* pl = place[k];
+            std::unique_ptr<oMEMDIB> dib = MakeDib(13, 9, bits, bits * 7u + k);
             vMEMDEVICE d(vINT((long)kTW), vINT((long)kTH));
             ORACLE want(d, 0xFF);
             Backdrop(d, want);
-            switch (placement) {
-            case 0:
-                EXPECT_EQ(d.DrawDIB(*dib, R(3, 4, 16, 13), nullptr), 1);
-                StretchAll(want.dc, *dib, 3, 4, 13, 9);
-                break;
-            case 1:
-                EXPECT_EQ(d.DrawDIB(*dib, R(5, 2, 31, 20), nullptr), 1);
-                StretchAll(want.dc, *dib, 5, 2, 26, 18);
-                break;
-            case 2:
-                EXPECT_EQ(d.DrawDIB(*dib, R(30, 20, 4, 2), nullptr), 1);
-                StretchAll(want.dc, *dib, 30, 20, -26, -18);
-                break;
-            default: {
-                // Source (2, 3)-(9, 7) at (20, 10): the whole picture drawn at
-                // (18, 7) seen through that window.
-                vRECT src = R(2, 3, 9, 7), dst = R(20, 10, 27, 14);
+            vRECT src = R(2, 3, 9, 7), dst = R(pl[0], pl[1], pl[2], pl[3]);
+            if (k < 3) {
+                EXPECT_EQ(d.DrawDIB(*dib, dst, nullptr), 1);
+            } else {
                 EXPECT_EQ(d.DrawDIB(*dib, &src, nullptr, 0, 0, &dst, 0, nullptr), 1);
-                IntersectClipRect(want.dc, 20, 10, 27, 14);
-                StretchAll(want.dc, *dib, 18, 7, 13, 9);
-                SelectClipRgn(want.dc, nullptr);
+                IntersectClipRect(want.dc, pl[0], pl[1], pl[2], pl[3]);
             }
-            }
+            StretchAll(want.dc, *dib, pl[4], pl[5], pl[6], pl[7]);
             EXPECT_TRUE(SameBytes(d, want));
         }
     // Nothing to draw: an empty picture, an empty source rectangle, an empty target.
@@ -142,8 +119,7 @@ TEST(DrawDib, AsStoredMatchesStretchDIBits)
     EXPECT_EQ(d.DrawDIB(*dib, flat, nullptr), 0);
 }
 
-// The transparent colour, as the DIB stores it, leaves the target alone, at
-// 1:1 and stretched twice over, from a palette and from 24-bit pixels.
+// The transparent colour leaves the target alone, 1:1 and doubled, 8 and 24 bits.
 TEST(DrawDib, TransparentColourIsNotDrawn)
 {
     for (unsigned short bits : {8, 24})
@@ -170,40 +146,33 @@ TEST(DrawDib, TransparentColourIsNotDrawn)
             for (int y = 0; y < 8 * scale; ++y)
                 for (int x = 0; x < 11 * scale; ++x) {
                     COLORREF c = DibPixel(*dib, x / scale, y / scale);
-                    if (c == key)
-                        ++hidden;
-                    else
-                        SetPixel(want.dc, 2 + x, 3 + y, c);
+                    c == key ? (void)++hidden : (void)SetPixel(want.dc, 2 + x, 3 + y, c);
                 }
             EXPECT_GT(hidden, 0);
             EXPECT_TRUE(SameBytes(d, want));
         }
 }
 
-// Under the separation modes the picture's pixels become what Convert makes of
-// their colours; on a spot plate without knock-out the other colours are not
-// drawn at all. The negative comes first. Process plates and the negative go
-// through the imaging library when it is there, with the same result.
+// Separated, each pixel is what Convert makes of its colour (after the
+// negative); a spot plate without knock-out hides the rest. The library's road
+// must give the same pixels.
 TEST(DrawDib, SeparatedNegativeAndTintedPagesOnBothRoads)
 {
     struct CASE {
         vDISPLAY_MODE mode;
         vCOLOUR plate;
-        int knockOut;
-        int flags;
+        int knockOut, flags;
         bool tinted;
     };
     const vCOLOUR spot(212, 40, 55);
-    const CASE cases[] = {
-        {vDM_NORMAL, vCOLOUR(), 1, vDIB_INVERT, false},
-        {vDM_GREYSCALE, vCOLOUR(0, 0, 160), 1, 0, false},
-        {vDM_PROCESS, vCOLOUR(vCMYK, 100, 100, 0), 1, 0, false},
-        {vDM_PROCESS, vCOLOUR(vCMYK, 100u << 8, 100, 0), 1, vDIB_INVERT, false},
-        {vDM_PROCESS_OR_SPOT, vCOLOUR(vCMYK, 100u << 24, 100, 0), 1, 0, false},
-        {vDM_PROCESS, vCOLOUR(vCMYK, 100u << 16, 100, 0), 1, 0, true},
-        {vDM_SPOT, spot, 0, 0, false},
-        {vDM_PROCESS, vCOLOUR(vCMYK, 100, 100, 0), 1, vDIB_ASIS, false},
-    };
+    const CASE cases[] = {{vDM_NORMAL, vCOLOUR(), 1, vDIB_INVERT, false},
+                          {vDM_GREYSCALE, vCOLOUR(0, 0, 160), 1, 0, false},
+                          {vDM_PROCESS, vCOLOUR(vCMYK, 100, 100, 0), 1, 0, false},
+                          {vDM_PROCESS, vCOLOUR(vCMYK, 100u << 8, 100, 0), 1, vDIB_INVERT, false},
+                          {vDM_PROCESS_OR_SPOT, vCOLOUR(vCMYK, 100u << 24, 100, 0), 1, 0, false},
+                          {vDM_PROCESS, vCOLOUR(vCMYK, 100u << 16, 100, 0), 1, 0, true},
+                          {vDM_SPOT, spot, 0, 0, false},
+                          {vDM_PROCESS, vCOLOUR(vCMYK, 100, 100, 0), 1, vDIB_ASIS, false}};
     rltest::DebugOutput trace;
     unsigned short level = vSYSTEM::GetTraceLevel();
     vSYSTEM::SetTraceLevel(2);
@@ -218,7 +187,6 @@ TEST(DrawDib, SeparatedNegativeAndTintedPagesOnBothRoads)
             unsigned char* rows = const_cast<unsigned char*>(dib->Bits());
             rows[0] = GetBValue(spot.PackedRGB()), rows[1] = GetGValue(spot.PackedRGB()), rows[2] = GetRValue(spot.PackedRGB());
             vCOLOUR tint(vCMYK, 60u << 8 | 20u, 100, 0);
-
             vMEMDEVICE d(vINT((long)kTW), vINT((long)kTH));
             ORACLE want(d, 0xFF);
             Backdrop(d, want);
@@ -235,17 +203,14 @@ TEST(DrawDib, SeparatedNegativeAndTintedPagesOnBothRoads)
                     int shows = 1;
                     vCOLOUR out = (c.flags & vDIB_ASIS) ? vCOLOUR((long)p, 0)
                                                         : d.Convert(vCOLOUR((long)p, 0), &shows, c.tinted ? &tint : nullptr);
-                    if (shows) {
+                    if (shows && ++drawn)
                         SetPixel(want.dc, 4 + x, 5 + y, (COLORREF)out.PackedRGB());
-                        ++drawn;
-                    }
                 }
             EXPECT_GT(drawn, 0);
             EXPECT_TRUE(SameBytes(d, want));
             bool asked = (c.flags & vDIB_INVERT) || ((c.mode == vDM_PROCESS || c.mode == vDM_PROCESS_OR_SPOT) &&
                                                      !c.tinted && !(c.flags & vDIB_ASIS));
-            EXPECT_EQ(Counter("LEAD_STANDIN_CALLS") > 0, library && asked);
-            EXPECT_EQ(LEADBRIDGE::Instance().IsLoaded() != 0, library && asked);
+            EXPECT_TRUE((Counter("LEAD_STANDIN_CALLS") > 0) == (library && asked) && (LEADBRIDGE::Instance().IsLoaded() != 0) == (library && asked));
         }
     vSYSTEM::SetTraceLevel(level);
     EXPECT_NE(trace.Text().find("Trace: LeadTools Library Loaded"), std::string::npos);

@@ -1,5 +1,5 @@
-// Shared by the bitmap record test and its fuzz entry: headers made from
-// fields, and the checks every verdict must pass.
+// Shared by the bitmap record test and its fuzz entry: headers from fields,
+// and the checks every verdict must pass.
 #ifndef RL132_TESTS_NATIVE_BMRECORD_HARNESS_H
 #define RL132_TESTS_NATIVE_BMRECORD_HARNESS_H
 #include <cstdint>
@@ -38,8 +38,7 @@ inline bool Check(const unsigned char* data, std::size_t size)
     std::memcpy(copy.p, data, size);
     Plan p;
     for (int form = 0; form < 2; ++form) {
-        Verdict v = form ? PlanCompressed(copy.p, (std::uint32_t)size, &p) : PlanHeader(copy.p, size - 40, &p);
-        if (v != kOk)
+        if ((form ? PlanCompressed(copy.p, (std::uint32_t)size, &p) : PlanHeader(copy.p, size - 40, &p)) != kOk)
             continue;
         std::uint64_t after = (std::uint64_t)p.paletteEntries * 4 + p.skipBytes;
         if (form == 0 && after + p.imageBytes > size - 40)
