@@ -14,6 +14,7 @@
 #include "rl132/platform/oprogress.h"
 #include "rl132/streams/vstream.h"
 #include "metafiles/wmfguard.h"
+#include "metafiles/wmfstate.h"
 
 namespace {
 
@@ -80,21 +81,6 @@ rl_tagBPOrient OrientationOf(HDC dc)
     return (rl_tagBPOrient)rlwmf::ComputeOrientation(viewport.cx, window.cx, viewport.cy, window.cy);
 }
 
-// The state a Windows metafile expects to start from.
-void DefaultMetafileState(HDC dc)
-{
-    SetBkColor(dc, RGB(255, 255, 255));
-    SetBkMode(dc, OPAQUE);
-    SelectObject(dc, GetStockObject(WHITE_BRUSH));
-    SetBrushOrgEx(dc, 0, 0, nullptr);
-    SetROP2(dc, R2_COPYPEN);
-    SelectObject(dc, GetStockObject(SYSTEM_FONT));
-    SetTextAlign(dc, 0);
-    SetTextCharacterExtra(dc, 0);
-    SelectObject(dc, GetStockObject(BLACK_PEN));
-    SetPolyFillMode(dc, ALTERNATE);
-    SetTextColor(dc, RGB(0, 0, 0));
-}
 
 // The mapping and clip area playback changes, noted before and put back after.
 struct MAPPING {
@@ -129,6 +115,22 @@ struct MAPPING {
 };
 
 } // namespace
+
+void DefaultMetafileState(HDC dc, bool brushOrigin)
+{
+    SetBkColor(dc, RGB(255, 255, 255));
+    SetBkMode(dc, OPAQUE);
+    SelectObject(dc, GetStockObject(WHITE_BRUSH));
+    if (brushOrigin)
+        SetBrushOrgEx(dc, 0, 0, nullptr);
+    SetROP2(dc, R2_COPYPEN);
+    SelectObject(dc, GetStockObject(SYSTEM_FONT));
+    SetTextAlign(dc, 0);
+    SetTextCharacterExtra(dc, 0);
+    SelectObject(dc, GetStockObject(BLACK_PEN));
+    SetPolyFillMode(dc, ALTERNATE);
+    SetTextColor(dc, RGB(0, 0, 0));
+}
 
 // Returns 1 and takes the bounds, resolution and standard header when the
 // headers are accepted; 0 (and the metafile unusable) when they are not or
@@ -192,7 +194,7 @@ int vMETAFILE::PlayWMF(vDEVICE& target, const vRECT& area)
     RAWREAD raw(*stream);
     const vRECT box = target.LPtoDP(area);
 
-    DefaultMetafileState(dc);
+    DefaultMetafileState(dc, true);
     MAPPING noted;
     noted.Note(dc);
     SetMapMode(dc, MM_ANISOTROPIC);

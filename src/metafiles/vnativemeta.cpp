@@ -7,6 +7,7 @@
 #include "rl132/core/vmem.h"
 #include "rl132/devices/vscreen.h"
 #include "rl132/streams/vfile.h"
+#include "metafiles/wmfstate.h"
 #include "core/rlstate.h"
 #include "metafiles/wmfguard.h"
 #include "platform/sys_file.h"
@@ -20,20 +21,6 @@ const long kPageUnitsPerInch = 2540;
 // (it is deleted beforehand so that no older, longer file shows through).
 const unsigned long kTempMode = 0x40000000ul;
 
-// The recording context starts where a Windows metafile does.
-void DefaultState(HDC dc)
-{
-    SetBkColor(dc, RGB(255, 255, 255));
-    SetBkMode(dc, OPAQUE);
-    SelectObject(dc, GetStockObject(WHITE_BRUSH));
-    SetROP2(dc, R2_COPYPEN);
-    SelectObject(dc, GetStockObject(SYSTEM_FONT));
-    SetTextAlign(dc, 0);
-    SetTextCharacterExtra(dc, 0);
-    SelectObject(dc, GetStockObject(BLACK_PEN));
-    SetPolyFillMode(dc, ALTERNATE);
-    SetTextColor(dc, RGB(0, 0, 0));
-}
 
 void PutWord(unsigned char* p, unsigned v) { p[0] = (unsigned char)v, p[1] = (unsigned char)(v >> 8); }
 void PutLong(unsigned char* p, unsigned long v) { PutWord(p, (unsigned)(v & 0xFFFF)), PutWord(p + 2, (unsigned)(v >> 16)); }
@@ -193,7 +180,8 @@ void vNATIVEMETA::FromWindowsMetafile(vMETAFILE& from)
 int vNATIVEMETA::ConvertToNative(vMETAFILE& from)
 {
     HDC dc = recording;
-    DefaultState(dc);
+    // The recording context starts where a Windows metafile does.
+    DefaultMetafileState(dc, false);
     vSCREEN* screen = rlstate::devState.screen;
     int palette = screen && screen->PaletteEnabled();
     if (palette)
