@@ -5,37 +5,9 @@
 #include <cstring>
 #include "rl132.h"
 #include "rltool.h"
+#include "sheet.h"
 
 namespace {
-
-class RENDERDEVICE : public vDEVICEID {
-public:
-    explicit RENDERDEVICE(HDC dc) : vDEVICEID(dc) {}
-    using vDEVICE::SetScreenPalette;
-};
-
-bool Put(FILE* f, const void* p, size_t n) { return fwrite(p, 1, n, f) == n; }
-
-struct DIBINFO {
-    BITMAPINFOHEADER h;
-    RGBQUAD colours[256];
-};
-
-// A 6 x 6 x 6 colour cube from entry 20, greys around it.
-void CubePalette(RGBQUAD* q)
-{
-    for (int i = 0; i < 256; ++i) {
-        if (i >= 20 && i < 236) {
-            q[i].rgbRed = (BYTE)(51 * ((i - 20) / 36));
-            q[i].rgbGreen = (BYTE)(51 * ((i - 20) / 6 % 6));
-            q[i].rgbBlue = (BYTE)(51 * ((i - 20) % 6));
-        } else {
-            BYTE g = (BYTE)(i < 20 ? i * 13 : 255 - (255 - i) * 12);
-            q[i].rgbRed = q[i].rgbGreen = q[i].rgbBlue = g;
-        }
-        q[i].rgbReserved = 0;
-    }
-}
 
 // The largest area of the picture's aspect inside width x height, centred.
 // Its right and bottom edges lie one past the last pixel: a filled rectangle
@@ -100,76 +72,13 @@ static int RunRender(int argc, char** argv)
     if (metafile.Status() == 0)
         return rltool_fail(RLTOOL_FAILED, "%s: not a metafile the library reads", in);
 
-    DIBINFO info;
-    memset(&info, 0, sizeof info);
-    info.h.biSize = sizeof(BITMAPINFOHEADER);
-    info.h.biWidth = (LONG)width;
-    info.h.biHeight = (LONG)height;
-    info.h.biPlanes = 1;
-    info.h.biBitCount = (WORD)bits;
-    info.h.biCompression = BI_RGB;
-    info.h.biXPelsPerMeter = info.h.biYPelsPerMeter = 3780;
-    unsigned colours = bits == 8 ? 256 : 0;
-    if (colours) {
-        info.h.biClrUsed = 256;
-        CubePalette(info.colours);
-    }
-    HDC dc = CreateCompatibleDC(nullptr);
-    void* pixels = nullptr;
-    HBITMAP bitmap = dc ? CreateDIBSection(dc, (BITMAPINFO*)&info, DIB_RGB_COLORS, &pixels, nullptr, 0) : nullptr;
-    if (!bitmap) {
-        if (dc)
-            DeleteDC(dc);
+    RLSHEET sheet((long)width, (long)height, (int)bits);
+    if (!sheet.Ok())
         return rltool_fail(RLTOOL_FAILED, "the %lld x %lld drawing surface could not be made", width, height);
-    }
-    HGDIOBJ old = SelectObject(dc, bitmap);
-    PatBlt(dc, 0, 0, (int)width, (int)height, WHITENESS);
-    HPALETTE palette = nullptr;
-    if (colours) {
-        struct {
-            WORD version, count;
-            PALETTEENTRY entries[256];
-        } lp;
-        lp.version = 0x300;
-        lp.count = 256;
-        for (int i = 0; i < 256; ++i)
-            lp.entries[i] = {info.colours[i].rgbRed, info.colours[i].rgbGreen, info.colours[i].rgbBlue, 0};
-        palette = CreatePalette((LOGPALETTE*)&lp);
-    }
-    int played;
-    {
-        RENDERDEVICE d(dc);
-        if (palette) {
-            RENDERDEVICE::SetScreenPalette(palette);
-            vDEVICE::SetNoColours(8);
-            SelectPalette(dc, palette, FALSE);
-        }
-        played = metafile.Draw(d, Fit(metafile.XExtent(), metafile.YExtent(), (long)width, (long)height), nullptr);
-    }
-    GdiFlush();
-    if (palette) {
-        RENDERDEVICE::SetScreenPalette(nullptr);
-        SelectPalette(dc, (HPALETTE)GetStockObject(DEFAULT_PALETTE), FALSE);
-        DeleteObject(palette);
-    }
-    unsigned long stride = ((unsigned long)width * (unsigned long)bits + 31) / 32 * 4;
-    unsigned long offset = 14 + sizeof(BITMAPINFOHEADER) + colours * sizeof(RGBQUAD);
-    unsigned long size = offset + stride * (unsigned long)height;
-    unsigned char fileHeader[14] = {'B', 'M'};
-    for (int i = 0; i < 4; ++i) {
-        fileHeader[2 + i] = (unsigned char)(size >> (8 * i));
-        fileHeader[10 + i] = (unsigned char)(offset >> (8 * i));
-    }
-    info.h.biSizeImage = stride * (unsigned long)height;
-    RlOutput file;
-    bool ok = file.Create(out) && Put(file.File(), fileHeader, sizeof fileHeader) &&
-              Put(file.File(), &info.h, sizeof info.h) &&
-              (!colours || Put(file.File(), info.colours, colours * sizeof(RGBQUAD))) &&
-              Put(file.File(), pixels, stride * (unsigned long)height) && file.Commit();
-    SelectObject(dc, old);
-    DeleteObject(bitmap);
-    DeleteDC(dc);
-    if (!ok)
+    int played = sheet.Draw([&](vDEVICE& d) {
+        return metafile.Draw(d, Fit(metafile.XExtent(), metafile.YExtent(), (long)width, (long)height), nullptr);
+    });
+    if (!sheet.Save(out))
         return RLTOOL_FAILED;
     printf("wrote %s: %lld x %lld, %lld bits per pixel, %s metafile%s\n", out, width, height, bits,
            metafile.Native() ? "own-format" : "Windows", played ? "" : " (playback stopped early)");

@@ -19,6 +19,7 @@
 #include <cstring>
 #include "rl132.h"
 #include "rltool.h"
+#include "sheet.h"
 
 namespace {
 
@@ -239,14 +240,6 @@ int RecordSheet(const char* out)
     return RLTOOL_OK;
 }
 
-// The device over the sheet; at 8 bits it takes the sheet's colours as the
-// library's palette, so that fills use palette indices and dithers.
-class SHEETDEVICE : public vDEVICEID {
-public:
-    explicit SHEETDEVICE(HDC dc) : vDEVICEID(dc) {}
-    using vDEVICE::SetScreenPalette;
-};
-
 } // namespace
 
 static int RunShowcase(int argc, char** argv)
@@ -273,89 +266,14 @@ static int RunShowcase(int argc, char** argv)
         return RecordSheet(out);
     }
 
-    struct {
-        BITMAPINFOHEADER h;
-        RGBQUAD colours[256];
-    } info;
-    memset(&info, 0, sizeof info);
-    info.h.biSize = sizeof(BITMAPINFOHEADER);
-    info.h.biWidth = kWidth;
-    info.h.biHeight = kHeight;
-    info.h.biPlanes = 1;
-    info.h.biBitCount = (WORD)bits;
-    info.h.biCompression = BI_RGB;
-    info.h.biXPelsPerMeter = info.h.biYPelsPerMeter = 3780;
-    unsigned colours = bits == 8 ? 256 : 0;
-    if (colours) {
-        // A 6 × 6 × 6 cube from entry 20, greys around it.
-        info.h.biClrUsed = 256;
-        for (int i = 0; i < 256; ++i) {
-            RGBQUAD& q = info.colours[i];
-            if (i >= 20 && i < 236) {
-                q.rgbRed = (BYTE)(51 * ((i - 20) / 36));
-                q.rgbGreen = (BYTE)(51 * ((i - 20) / 6 % 6));
-                q.rgbBlue = (BYTE)(51 * ((i - 20) % 6));
-            } else {
-                BYTE g = (BYTE)(i < 20 ? i * 13 : 255 - (255 - i) * 12);
-                q.rgbRed = q.rgbGreen = q.rgbBlue = g;
-            }
-        }
-    }
-    HDC dc = CreateCompatibleDC(nullptr);
-    void* pixels = nullptr;
-    HBITMAP bitmap = dc ? CreateDIBSection(dc, (BITMAPINFO*)&info, DIB_RGB_COLORS, &pixels, nullptr, 0) : nullptr;
-    if (!bitmap) {
-        if (dc)
-            DeleteDC(dc);
+    RLSHEET sheet(kWidth, kHeight, (int)bits);
+    if (!sheet.Ok())
         return rltool_fail(RLTOOL_FAILED, "the %lld-bit drawing surface could not be made", bits);
-    }
-    HGDIOBJ old = SelectObject(dc, bitmap);
-    PatBlt(dc, 0, 0, kWidth, kHeight, WHITENESS);
-    HPALETTE palette = nullptr;
-    if (colours) {
-        struct {
-            WORD version, count;
-            PALETTEENTRY entries[256];
-        } lp;
-        lp.version = 0x300;
-        lp.count = 256;
-        for (int i = 0; i < 256; ++i)
-            lp.entries[i] = {info.colours[i].rgbRed, info.colours[i].rgbGreen, info.colours[i].rgbBlue, 0};
-        palette = CreatePalette((LOGPALETTE*)&lp);
-    }
-    {
-        SHEETDEVICE d(dc);
-        if (palette) {
-            SHEETDEVICE::SetScreenPalette(palette);
-            vDEVICE::SetNoColours(8);
-            SelectPalette(dc, palette, FALSE);
-        }
+    sheet.Draw([](vDEVICE& d) {
         DrawSheet(d);
-    }
-    GdiFlush();
-    if (palette) {
-        SHEETDEVICE::SetScreenPalette(nullptr);
-        SelectPalette(dc, (HPALETTE)GetStockObject(DEFAULT_PALETTE), FALSE);
-        DeleteObject(palette);
-    }
-    unsigned long stride = ((unsigned long)kWidth * (unsigned long)bits + 31) / 32 * 4;
-    unsigned long offset = 14 + sizeof(BITMAPINFOHEADER) + colours * sizeof(RGBQUAD);
-    unsigned long size = offset + stride * kHeight;
-    unsigned char fileHeader[14] = {'B', 'M'};
-    for (int i = 0; i < 4; ++i) {
-        fileHeader[2 + i] = (unsigned char)(size >> (8 * i));
-        fileHeader[10 + i] = (unsigned char)(offset >> (8 * i));
-    }
-    info.h.biSizeImage = stride * kHeight;
-    RlOutput file;
-    bool ok = file.Create(out) && Put(file.File(), fileHeader, sizeof fileHeader) &&
-              Put(file.File(), &info.h, sizeof info.h) &&
-              (!colours || Put(file.File(), info.colours, colours * sizeof(RGBQUAD))) &&
-              Put(file.File(), pixels, stride * kHeight) && file.Commit();
-    SelectObject(dc, old);
-    DeleteObject(bitmap);
-    DeleteDC(dc);
-    if (!ok)
+        return 1;
+    });
+    if (!sheet.Save(out))
         return RLTOOL_FAILED;
     printf("wrote %s: %ld x %ld, %lld bits per pixel\n", out, kWidth, kHeight, bits);
     return RLTOOL_OK;
