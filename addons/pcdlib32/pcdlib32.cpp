@@ -325,6 +325,27 @@ PCDstatus LoadDib(const Source& src, View& v, const Callbacks& cb, void** dib)
     return PCD_OK;
 }
 
+// The caller's palette for 8-bit output, for an image pack or the overview.
+PCDstatus SetViewPalette(View* v, const PCDpalette* palette)
+{
+    if (!v || !palette || palette->count < 1 || palette->count > 256)
+        return PCD_ERR_BAD_ARG;
+    v->Drop();
+    v->palette = *palette;
+    v->hasPalette = true;
+    return PCD_OK;
+}
+
+PCDstatus GetViewPalette(const View* v, PCDpalette* palette)
+{
+    if (!v || !palette)
+        return PCD_ERR_BAD_ARG;
+    if (!v->hasPalette)
+        return PCD_ERR_NOT_FOUND;
+    *palette = v->palette;
+    return PCD_OK;
+}
+
 PCDstatus SetView(View& v, long resolution, long format, const PCDtransform* t)
 {
     if (format != PCD_FORMAT_RGB24 && format != PCD_FORMAT_PAL8)
@@ -505,23 +526,13 @@ PCDstatus PCDAPI PCDgetSize(PCDpkHdl pack, long* width, long* height)
 PCDstatus PCDAPI PCDsetPalette(PCDpkHdl pack, const PCDpalette* palette)
 {
     PCDpack_* p = Pack(pack);
-    if (!p || !palette || palette->count < 1 || palette->count > 256)
-        return PCD_ERR_BAD_ARG;
-    p->view.Drop();
-    p->view.palette = *palette;
-    p->view.hasPalette = true;
-    return PCD_OK;
+    return SetViewPalette(p ? &p->view : nullptr, palette);
 }
 
 PCDstatus PCDAPI PCDgetPalette(PCDpkHdl pack, PCDpalette* palette)
 {
     PCDpack_* p = Pack(pack);
-    if (!p || !palette)
-        return PCD_ERR_BAD_ARG;
-    if (!p->view.hasPalette)
-        return PCD_ERR_NOT_FOUND;
-    *palette = p->view.palette;
-    return PCD_OK;
+    return GetViewPalette(p ? &p->view : nullptr, palette);
 }
 
 PCDstatus PCDAPI PCDsetTransform(PCDpkHdl pack, const PCDtransform* transform)
@@ -1095,23 +1106,13 @@ PCDstatus PCDAPI PCDOsetTransform(PCDoviewHdl oview, const PCDtransform* transfo
 PCDstatus PCDAPI PCDOsetPalette(PCDoviewHdl oview, const PCDpalette* palette)
 {
     PCDoview_* o = Oview(oview);
-    if (!o || !palette || palette->count < 1 || palette->count > 256)
-        return PCD_ERR_BAD_ARG;
-    o->view.Drop();
-    o->view.palette = *palette;
-    o->view.hasPalette = true;
-    return PCD_OK;
+    return SetViewPalette(o ? &o->view : nullptr, palette);
 }
 
 PCDstatus PCDAPI PCDOgetPalette(PCDoviewHdl oview, PCDpalette* palette)
 {
     PCDoview_* o = Oview(oview);
-    if (!o || !palette)
-        return PCD_ERR_BAD_ARG;
-    if (!o->view.hasPalette)
-        return PCD_ERR_NOT_FOUND;
-    *palette = o->view.palette;
-    return PCD_OK;
+    return GetViewPalette(o ? &o->view : nullptr, palette);
 }
 
 PCDstatus PCDAPI PCDOsetDiscChanged(PCDoviewHdl oview, PCDdiscChangedFn fn, void* user)
