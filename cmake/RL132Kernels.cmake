@@ -16,6 +16,7 @@ set(RL132_INTERNAL_KERNELS
   ${_rl132_root}/src/bitmaps/dibrows.cpp     # DIB stored-form arithmetic, difference coding
   ${_rl132_root}/src/bitmaps/dither.cpp      # error diffusion and the colour cube
   ${_rl132_root}/src/bitmaps/pixfmt.cpp      # the pixel-format table
+  ${_rl132_root}/src/bitmaps/rowwiden.cpp    # 24-bit rows widened to 32 bits
   ${_rl132_root}/src/devices/devmath.cpp     # device mapping and colour separation
   ${_rl132_root}/src/devices/dibconv.cpp     # the pixels of a DIB drawn on a device
   ${_rl132_root}/src/devices/screenpal.cpp   # the screen's 256-colour palette

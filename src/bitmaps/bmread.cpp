@@ -1,6 +1,7 @@
 // Reading bitmap records (see bmread.h and bmrecord.h).
 #include "bitmaps/bmread.h"
 #include <cstring>
+#include "bitmaps/rowwiden.h"
 #include "core/rlstate.h"
 #include "rl132/core/vmem.h"
 #include "rl132/streams/vimplode.h"
@@ -188,7 +189,7 @@ bool RECORD::Rows(unsigned char* out, std::uint32_t rows)
     return true;
 }
 
-const unsigned char* RECORD::AllRows()
+const unsigned char* RECORD::AllRows(std::uint32_t before)
 {
     if (!ok || rowsDone != 0)
         return nullptr;
@@ -197,8 +198,10 @@ const unsigned char* RECORD::AllRows()
         at += plan.rowBytes;
         return expanded + at - plan.rowBytes;
     }
-    unsigned char* spare = RowBuffer(plan.rowBytes);
-    return spare && Rows(spare, plan.height) ? spare : nullptr;
+    if (plan.rowBytes > 0xFFFFFFFFu - before)
+        return nullptr;
+    unsigned char* spare = RowBuffer(before + plan.rowBytes);
+    return spare && Rows(spare + before, plan.height) ? spare + before : nullptr;
 }
 
 void RECORD::Finish()
@@ -263,21 +266,45 @@ bool ReadStrips(vSTREAM& stream, STRIPSINK& sink)
     const rlbmrec::Plan& p = r.Plan();
     if (p.stripCount > 0xFFFFu || p.rowsPerStrip > 0xFFFFu || !sink.Begin((unsigned short)p.stripCount))
         return false;
+    SCREENDC screen;
+    if (!screen.dc)
+        return false;
+    // On a true-colour screen of 32 bits per pixel, 24-bit rows are widened
+    // here, a strip at a time just before GDI takes them: GDI converts
+    // 24-bit rows far more slowly than it takes rows already at the screen's
+    // depth, the pixels it keeps are the same either way, and a strip's
+    // widened rows are still in the cache when GDI reads them.
+    const std::uint64_t wideBytes = (std::uint64_t)p.width * 4u * p.rowsPerStrip;
+    const bool widen = p.bits == 24 && wideBytes <= 0xFFFFFFFFu - p.rowBytes &&
+                       !(GetDeviceCaps(screen.dc, RASTERCAPS) & RC_PALETTE) &&
+                       GetDeviceCaps(screen.dc, BITSPIXEL) * GetDeviceCaps(screen.dc, PLANES) == 32;
     // One read of every row; each strip is made from its place in them.
-    // A compressed record's rows are used where they were expanded.
-    const unsigned char* rows = r.AllRows();
-    if (!rows) {
+    // A compressed record's rows are used where they were expanded. The
+    // widened strip goes in front of read rows in the kept buffer.
+    const unsigned char* rows = r.AllRows(widen ? (std::uint32_t)wideBytes : 0u);
+    unsigned char* wide = rows && widen ? RowBuffer((std::uint32_t)wideBytes) : nullptr;
+    if (!rows || (widen && !wide)) {
         ReleaseRowBuffer(false);
         return false;
     }
-    SCREENDC screen;
     BITMAPINFO* bi = r.Info();
-    bool good = screen.dc != nullptr;
+    BITMAPINFOHEADER wideHead;
+    if (widen) {
+        wideHead = bi->bmiHeader;
+        wideHead.biBitCount = 32;
+        wideHead.biCompression = BI_RGB;
+        bi = reinterpret_cast<BITMAPINFO*>(&wideHead);
+    }
+    bool good = true;
     for (std::uint32_t k = 0; good && k < p.stripCount; ++k) {
         std::uint32_t n = rlbmrec::StripRows(p.height, p.rowsPerStrip, k);
         bi->bmiHeader.biHeight = p.topDown ? -(LONG)n : (LONG)n;
-        HBITMAP b = CreateDIBitmap(screen.dc, &bi->bmiHeader, CBM_INIT, rows + (std::size_t)k * p.rowsPerStrip * p.stride,
-                                   bi, DIB_RGB_COLORS);
+        const unsigned char* strip = rows + (std::size_t)k * p.rowsPerStrip * p.stride;
+        if (widen) {
+            rlwiden::Widen24To32(strip, p.stride, wide, p.width, n);
+            strip = wide;
+        }
+        HBITMAP b = CreateDIBitmap(screen.dc, &bi->bmiHeader, CBM_INIT, strip, bi, DIB_RGB_COLORS);
         if (!b) {
             good = false;
             break;

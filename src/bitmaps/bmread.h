@@ -29,8 +29,9 @@ public:
     // All the rows in stored order, read in one go: straight out of a
     // compressed record's expanded image when it holds them all, otherwise
     // into the kept row buffer (see RowBuffer). Null when the record ran
-    // short or the buffer could not grow.
-    const unsigned char* AllRows();
+    // short or the buffer could not grow. `before` bytes of the kept buffer
+    // are left free in front of rows read into it, for the caller's use.
+    const unsigned char* AllRows(std::uint32_t before = 0);
     // Leaves the stream after the record (past any bytes of a stated image
     // size beyond the rows) and gives it its frame detection back.
     void Finish();
