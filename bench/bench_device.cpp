@@ -108,9 +108,6 @@ void ForRects(vMEMDEVICE& d)
     d.LineSpec(vLINESPEC(vLT_NONE, c, vINT(1L)));
 }
 
-
-
-
 } // namespace
 
 int main()

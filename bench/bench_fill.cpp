@@ -96,9 +96,6 @@ void Raw(HDC dc, const std::vector<BAND>& bands)
     }
 }
 
-
-
-
 } // namespace
 
 int main()

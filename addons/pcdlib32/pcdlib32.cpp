@@ -420,6 +420,18 @@ PCDstatus ReadHeaderOf(const char* path, PackHeader* header)
     return st == PCD_OK ? ParseHeader(head, n, f.size, header) : st;
 }
 
+// Ends an image pack's or the overview's handle.
+template <class HANDLE_> PCDstatus Destroy(HANDLE_* h)
+{
+    if (!h)
+        return PCD_ERR_BAD_ARG;
+    h->view.Drop();
+    h->magic = 0;
+    h->~HANDLE_();
+    Free(h);
+    return PCD_OK;
+}
+
 }  // namespace
 
 extern "C" {
@@ -445,17 +457,7 @@ PCDstatus PCDAPI PCDopen(const char* packPath, PCDpkHdl* pack)
     return PCD_OK;
 }
 
-PCDstatus PCDAPI PCDclose(PCDpkHdl pack)
-{
-    PCDpack_* p = Pack(pack);
-    if (!p)
-        return PCD_ERR_BAD_ARG;
-    p->view.Drop();
-    p->magic = 0;
-    p->~PCDpack_();
-    Free(p);
-    return PCD_OK;
-}
+PCDstatus PCDAPI PCDclose(PCDpkHdl pack) { return Destroy(Pack(pack)); }
 
 PCDstatus PCDAPI PCDsetResolution(PCDpkHdl pack, long resolution)
 {
@@ -928,17 +930,7 @@ PCDstatus PCDAPI PCDOopen(const char* volumeRoot, PCDoviewHdl* oview)
     return PCD_OK;
 }
 
-PCDstatus PCDAPI PCDOclose(PCDoviewHdl oview)
-{
-    PCDoview_* o = Oview(oview);
-    if (!o)
-        return PCD_ERR_BAD_ARG;
-    o->view.Drop();
-    o->magic = 0;
-    o->~PCDoview_();
-    Free(o);
-    return PCD_OK;
-}
+PCDstatus PCDAPI PCDOclose(PCDoviewHdl oview) { return Destroy(Oview(oview)); }
 
 PCDstatus PCDAPI PCDOrefClose(PCDoviewHdl oview)
 {

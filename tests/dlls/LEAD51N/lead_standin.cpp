@@ -11,6 +11,7 @@
 //   "no-invert"  L_InvertBitmap answers 0
 // Loads, unloads and calls are counted in LEAD_STANDIN_LOADS, _UNLOADS, _CALLS.
 #include <windows.h>
+#include "../standin.h"
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -18,21 +19,9 @@
 
 namespace {
 
-bool Mode(const char* name)
-{
-    char v[64];
-    DWORD n = GetEnvironmentVariableA("LEAD_STANDIN", v, sizeof v);
-    return n > 0 && n < sizeof v && strcmp(v, name) == 0;
-}
+bool Mode(const char* name) { return standin::Mode("LEAD_STANDIN", name); }
 
-void Count(const char* name)
-{
-    char v[32];
-    DWORD n = GetEnvironmentVariableA(name, v, sizeof v);
-    long c = (n > 0 && n < sizeof v) ? atol(v) : 0;
-    snprintf(v, sizeof v, "%ld", c + 1);
-    SetEnvironmentVariableA(name, v);
-}
+using standin::Count;
 
 unsigned long Stride(const LEADBITMAP* b)
 {

@@ -9,6 +9,7 @@
 // (PCDcreatePalette). Loads and unloads are counted in PCDSTANDIN_LOADS and
 // _UNLOADS.
 #include <windows.h>
+#include "../standin.h"
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -22,21 +23,9 @@ struct PCDpack_ {
 };
 
 namespace {
-bool Mode(const char* name)
-{
-    char v[64];
-    DWORD n = GetEnvironmentVariableA("PCDSTANDIN", v, sizeof v);
-    return n > 0 && n < sizeof v && strcmp(v, name) == 0;
-}
+bool Mode(const char* name) { return standin::Mode("PCDSTANDIN", name); }
 
-void Count(const char* name)
-{
-    char v[32];
-    DWORD n = GetEnvironmentVariableA(name, v, sizeof v);
-    long c = (n > 0 && n < sizeof v) ? atol(v) : 0;
-    snprintf(v, sizeof v, "%ld", c + 1);
-    SetEnvironmentVariableA(name, v);
-}
+using standin::Count;
 
 void PixelOf(long x, long y, unsigned char bgr[3])
 {

@@ -11,6 +11,7 @@
 // Loads, unloads and calls are counted in POCE_STANDIN_LOADS, _UNLOADS, _CALLS,
 // and POCE_STANDIN_ERRORMODE receives the process's error mode at each load.
 #include <windows.h>
+#include "../standin.h"
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -20,28 +21,11 @@ struct Code {
     unsigned char bytes[8];
 };
 
-bool Mode(const char* name)
-{
-    char v[64];
-    DWORD n = GetEnvironmentVariableA("POCE_STANDIN", v, sizeof v);
-    return n > 0 && n < sizeof v && strcmp(v, name) == 0;
-}
+bool Mode(const char* name) { return standin::Mode("POCE_STANDIN", name); }
 
-void Record(const char* name, long value)
-{
-    char v[32];
-    snprintf(v, sizeof v, "%ld", value);
-    SetEnvironmentVariableA(name, v);
-}
+using standin::Record;
 
-void Count(const char* name)
-{
-    char v[32];
-    DWORD n = GetEnvironmentVariableA(name, v, sizeof v);
-    long c = (n > 0 && n < sizeof v) ? atol(v) : 0;
-    snprintf(v, sizeof v, "%ld", c + 1);
-    SetEnvironmentVariableA(name, v);
-}
+using standin::Count;
 } // namespace
 
 extern "C" {

@@ -11,6 +11,7 @@
 // to RLPHBAD_CALLS: s(tart) z(header size) h(eader) c(onvert) y(footer size)
 // f(ooter) x (finish).
 #include <windows.h>
+#include "../standin.h"
 #include <cstring>
 #include "../../../include/rl132/photocd/rlphplug.h"
 
@@ -18,12 +19,7 @@ namespace {
 RLPHFORMATINFO gInfo;
 int gBands;
 
-bool Mode(const char* variable, const char* name)
-{
-    char v[64];
-    DWORD n = GetEnvironmentVariableA(variable, v, sizeof v);
-    return n > 0 && n < sizeof v && strcmp(v, name) == 0;
-}
+using standin::Mode;
 
 void Call(char letter)
 {
