@@ -210,11 +210,42 @@ void RECORD::Finish()
         s.MoveFromCur((long)(plan.imageBytes - plan.rowBytes));
 }
 
-SCREENDC::SCREENDC() : dc(rlstate::bmState.displayDC), old(nullptr)
+SCREENDC::SCREENDC() : dc(nullptr), trueColour32(false), old(nullptr)
 {
-    if (!dc)
-        dc = rlstate::bmState.displayDC = CreateDCA("DISPLAY", nullptr, nullptr, nullptr);
-    if (dc && rlstate::devState.palette) {
+    rlstate::BMSTATE& st = rlstate::bmState;
+    if (!st.displayDC) {
+        st.displayDC = CreateDCA("DISPLAY", nullptr, nullptr, nullptr);
+        if (!st.displayDC)
+            return;
+        st.screenPalette = (GetDeviceCaps(st.displayDC, RASTERCAPS) & RC_PALETTE) != 0;
+        st.screenBits = GetDeviceCaps(st.displayDC, BITSPIXEL) * GetDeviceCaps(st.displayDC, PLANES);
+        // Under Wine every bitmap made on the display's context asks the
+        // display driver for the screen's format, a fixed cost several times
+        // that of converting a strip's rows. A memory context holding a
+        // bitmap of that format makes the same bitmaps without asking. A
+        // palette screen keeps the display's context, whose realised palette
+        // the colours are matched against.
+        if (!st.screenPalette) {
+            st.formatDC = CreateCompatibleDC(st.displayDC);
+            st.formatBitmap = st.formatDC ? CreateCompatibleBitmap(st.displayDC, 1, 1) : nullptr;
+            st.formatOld = st.formatBitmap ? SelectObject(st.formatDC, st.formatBitmap) : nullptr;
+            if (!st.formatOld) {
+                if (st.formatBitmap)
+                    DeleteObject(st.formatBitmap);
+                if (st.formatDC)
+                    DeleteDC(st.formatDC);
+                st.formatDC = nullptr;
+                st.formatBitmap = nullptr;
+            }
+        }
+    }
+    if (st.formatDC) {
+        dc = st.formatDC;
+        trueColour32 = st.screenBits == 32;
+        return;
+    }
+    dc = st.displayDC;
+    if (rlstate::devState.palette) {
         old = SelectPalette(dc, rlstate::devState.palette, FALSE);
         RealizePalette(dc);
     }
@@ -222,9 +253,7 @@ SCREENDC::SCREENDC() : dc(rlstate::bmState.displayDC), old(nullptr)
 
 SCREENDC::~SCREENDC()
 {
-    if (!dc)
-        return;
-    if (old)
+    if (dc && old)
         SelectPalette(dc, old, FALSE);
 }
 
@@ -253,9 +282,17 @@ void ReleaseRowBuffer(bool all)
 void FreeDisplayDC()
 {
     ReleaseRowBuffer(true);
-    if (rlstate::bmState.displayDC)
-        DeleteDC(rlstate::bmState.displayDC);
-    rlstate::bmState.displayDC = nullptr;
+    rlstate::BMSTATE& st = rlstate::bmState;
+    if (st.formatDC) {
+        SelectObject(st.formatDC, st.formatOld);
+        DeleteObject(st.formatBitmap);
+        DeleteDC(st.formatDC);
+    }
+    if (st.displayDC)
+        DeleteDC(st.displayDC);
+    st.displayDC = st.formatDC = nullptr;
+    st.formatBitmap = nullptr;
+    st.formatOld = nullptr;
 }
 
 bool ReadStrips(vSTREAM& stream, STRIPSINK& sink)
@@ -275,9 +312,7 @@ bool ReadStrips(vSTREAM& stream, STRIPSINK& sink)
     // depth, the pixels it keeps are the same either way, and a strip's
     // widened rows are still in the cache when GDI reads them.
     const std::uint64_t wideBytes = (std::uint64_t)p.width * 4u * p.rowsPerStrip;
-    const bool widen = p.bits == 24 && wideBytes <= 0xFFFFFFFFu - p.rowBytes &&
-                       !(GetDeviceCaps(screen.dc, RASTERCAPS) & RC_PALETTE) &&
-                       GetDeviceCaps(screen.dc, BITSPIXEL) * GetDeviceCaps(screen.dc, PLANES) == 32;
+    const bool widen = p.bits == 24 && wideBytes <= 0xFFFFFFFFu - p.rowBytes && screen.trueColour32;
     // One read of every row; each strip is made from its place in them.
     // A compressed record's rows are used where they were expanded. The
     // widened strip goes in front of read rows in the kept buffer.

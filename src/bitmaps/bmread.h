@@ -78,14 +78,17 @@ unsigned char* ReadPacked(vSTREAM& stream, unsigned long* bytes);
 unsigned char* RowBuffer(std::uint32_t bytes);
 void ReleaseRowBuffer(bool all);
 
-// A context on the display with the screen palette realised in it, for
-// making device-dependent bitmaps like the screen's; the palette goes back
-// when it goes. The context itself is kept until FreeDisplayDC.
+// A context for making device-dependent bitmaps like the screen's: on a
+// palette screen the display's own, with the screen palette realised in it
+// (the palette goes back when it goes); otherwise a memory context holding a
+// bitmap of the screen's format. The contexts are kept until FreeDisplayDC.
 class SCREENDC {
 public:
     SCREENDC();
     ~SCREENDC();
     HDC dc;
+    // The screen is true colour at 32 bits per pixel.
+    bool trueColour32;
 
 private:
     HPALETTE old;

@@ -161,6 +161,15 @@ struct BMSTATE {
     // need and deleted with the manager, so that a page-in does not ask the
     // window system for the screen's context each time.
     HDC displayDC;
+    // On a screen without a palette: a memory context holding a one-pixel
+    // bitmap of the screen's format (and what it replaced), which strips are
+    // made on instead. The screen's depth and palette capability are read
+    // once, with the display context.
+    HDC formatDC;
+    HBITMAP formatBitmap;
+    HGDIOBJ formatOld;
+    int screenBits;
+    bool screenPalette;
 };
 extern BMSTATE bmState;
 
