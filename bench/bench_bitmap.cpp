@@ -2,7 +2,8 @@
 // at 24 bits in one file, 20 resident at a time, drawn in a random order onto
 // a memory device. Reports draws and page-ins per second, the peak of GDI
 // objects and of the working set, and compares a page-in with reading the
-// same bytes and calling CreateDIBitmap directly.
+// same bytes and calling CreateDIBitmap directly, and a resident bitmap's draw
+// with blitting its strips directly.
 #include <windows.h>
 #include <psapi.h>
 #include <cstdio>
@@ -126,7 +127,6 @@ int main()
     }
     printf("%d draws in random order: %.0f draws per second, %lu page-ins (%.0f per second)\n", draws, draws / tDraw,
            pageIns, pageIns / tDraw);
-
     // A page-in against the bare road: the same record's bytes read from the
     // file and made into one bitmap with CreateDIBitmap.
     HANDLE raw = CreateFileA(name, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -192,11 +192,36 @@ int main()
     // What the strip rule itself costs on this system: the same bytes made
     // into four bitmaps instead of one, both by plain GDI.
     bench::RESULT rr = bench::Compare(15, bareStrips, bareWhole);
+    // Drawing a resident bitmap against blitting its strips directly.
+    HDC target = dev.GetWinDC();
+    HDC source = CreateCompatibleDC(target);
+    const vBITMAP& resident = bitmaps[0];
+    resident.Valid();
+    bench::RESULT rd = bench::Compare(
+        15,
+        [&] {
+            for (int k = 0; k < 50; ++k)
+                resident.Draw(dev, vPOINT(vINT(0L), vINT(0L)));
+            GdiFlush();
+        },
+        [&] {
+            const gdiRESOURCE* res = resident.Resource();
+            for (int k = 0; k < 50; ++k)
+                for (unsigned short i = 0, top = (unsigned short)kSide; i < res->StripCount(); ++i) {
+                    top = (unsigned short)(top - res->Rows(i));
+                    HGDIOBJ was = SelectObject(source, res->Strip(i));
+                    BitBlt(target, 0, top, kSide, res->Rows(i), source, 0, 0, SRCCOPY);
+                    SelectObject(source, was);
+                }
+            GdiFlush();
+        });
+    DeleteDC(source);
     ReleaseDC(nullptr, screen);
     CloseHandle(raw);
     bench::Report("page-in x100", r);
     bench::Report("page-in, same strips", rs);
     bench::Report("bare: 4 strips vs 1 whole", rr);
+    bench::Report("resident draw x50", rd);
 
     const SIZE_T peakSet = WorkingSet(true);
     // What 20 resident bitmaps need: their pixels as bitmaps of the screen.
