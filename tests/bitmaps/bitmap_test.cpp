@@ -31,10 +31,7 @@ template <class F> void ExpectSameAsGdi(const PIC& p, RECT t, RECT s, F draw, co
     EXPECT_EQ(0, std::memcmp(want.Bytes(), dev.GetDIB(), want.size)) << what << " " << p.w << "x" << p.h << "x" << p.bits;
 }
 
-struct CASE {
-    long w, h;
-    unsigned bits, strips;
-};
+struct CASE { long w, h; unsigned bits, strips; };
 const CASE kCases[] = {{37, 23, 24, 1}, {300, 210, 24, 4}, {250, -260, 24, 4}, {64, 50, 8, 1}, {45, 33, 1, 1}, {220, 300, 8, 2}};
 
 TEST(Bitmap, DrawsLikePlainGdi)
@@ -127,11 +124,7 @@ TEST(Bitmap, WrittenFormsReadBack)
         // Magic, count, and what follows expands to the first (size mod 65536) bytes.
         ASSERT_GE(z.size(), 8u);
         EXPECT_TRUE(0x0012AAB1u == U32(z, 0) && z.size() - 8 == U32(z, 4) && (unsigned short)size == vBITMAP::wBitmapSize);
-        struct IO {
-            const unsigned char* in;
-            unsigned left;
-            std::vector<unsigned char> out;
-        } io{z.data() + 8, (unsigned)z.size() - 8, {}};
+        struct IO { const unsigned char* in; unsigned left; std::vector<unsigned char> out; } io{z.data() + 8, (unsigned)z.size() - 8, {}};
         std::vector<char> work(EXP_BUFFER_SIZE);
         const auto get = [](char* b, unsigned* n, void* q) {
             IO* s = (IO*)q;

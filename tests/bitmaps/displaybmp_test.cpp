@@ -21,11 +21,7 @@ struct SEAM {
 };
 
 // Rectangles cover their far edges on the device, ellipses do not.
-struct SHAPE {
-    long l, t, r, b;
-    COLORREF c;
-    bool ellipse;
-};
+struct SHAPE { long l, t, r, b; COLORREF c; bool ellipse; };
 const SHAPE kScene[] = {{2, 3, 20, 15, RGB(200, 30, 40), false},
                         {22, 4, 30, 12, RGB(0, 0, 0), false},
                         {5, 14, 38, 28, RGB(0, 81, 200), true}};

@@ -34,13 +34,10 @@ std::unique_ptr<oMEMDIB> MakeDib(unsigned long w, unsigned long h, unsigned shor
 COLORREF DibPixel(const oMEMDIB& d, int x, int y)
 {
     const unsigned char* row = d.Bits() + (d.Height() - 1 - y) * d.Stride();
-    const unsigned bits = d.BitCount();
-    if (bits == 24)
-        return RGB(row[3 * x + 2], row[3 * x + 1], row[3 * x]);
     oDIBPALETTE* p = nullptr;
     d.GetPalette(&p);
-    const RGBQUAD& q = p->GetRgbQuad()[bmt::Index(row, bits, x)];
-    return RGB(q.rgbRed, q.rgbGreen, q.rgbBlue);
+    const unsigned char* bgr = d.BitCount() == 24 ? row + 3 * x : &p->GetRgbQuad()[bmt::Index(row, d.BitCount(), x)].rgbBlue;
+    return RGB(bgr[2], bgr[1], bgr[0]);
 }
 
 void StretchAll(HDC dc, const oMEMDIB& d, int x, int y, int w, int h)
@@ -150,21 +147,12 @@ TEST(DrawDib, TransparentColourIsNotDrawn)
 // must give the same pixels.
 TEST(DrawDib, SeparatedNegativeAndTintedPagesOnBothRoads)
 {
-    struct CASE {
-        vDISPLAY_MODE mode;
-        vCOLOUR plate;
-        int knockOut, flags;
-        bool tinted;
-    };
+    struct CASE { vDISPLAY_MODE mode; vCOLOUR plate; int knockOut, flags; bool tinted; };
     const vCOLOUR spot(212, 40, 55);
-    const CASE cases[] = {{vDM_NORMAL, vCOLOUR(), 1, vDIB_INVERT, false},
-                          {vDM_GREYSCALE, vCOLOUR(0, 0, 160), 1, 0, false},
-                          {vDM_PROCESS, vCOLOUR(vCMYK, 100, 100, 0), 1, 0, false},
-                          {vDM_PROCESS, vCOLOUR(vCMYK, 100u << 8, 100, 0), 1, vDIB_INVERT, false},
-                          {vDM_PROCESS_OR_SPOT, vCOLOUR(vCMYK, 100u << 24, 100, 0), 1, 0, false},
-                          {vDM_PROCESS, vCOLOUR(vCMYK, 100u << 16, 100, 0), 1, 0, true},
-                          {vDM_SPOT, spot, 0, 0, false},
-                          {vDM_PROCESS, vCOLOUR(vCMYK, 100, 100, 0), 1, vDIB_ASIS, false}};
+    const CASE cases[] = {{vDM_NORMAL, vCOLOUR(), 1, vDIB_INVERT, false}, {vDM_GREYSCALE, vCOLOUR(0, 0, 160), 1, 0, false},
+                          {vDM_PROCESS, vCOLOUR(vCMYK, 100, 100, 0), 1, 0, false}, {vDM_PROCESS, vCOLOUR(vCMYK, 100u << 8, 100, 0), 1, vDIB_INVERT, false},
+                          {vDM_PROCESS_OR_SPOT, vCOLOUR(vCMYK, 100u << 24, 100, 0), 1, 0, false}, {vDM_PROCESS, vCOLOUR(vCMYK, 100u << 16, 100, 0), 1, 0, true},
+                          {vDM_SPOT, spot, 0, 0, false}, {vDM_PROCESS, vCOLOUR(vCMYK, 100, 100, 0), 1, vDIB_ASIS, false}};
     rltest::DebugOutput trace;
     unsigned short level = vSYSTEM::GetTraceLevel();
     vSYSTEM::SetTraceLevel(2);
