@@ -110,7 +110,6 @@ TEST(Bitmap, WrittenFormsReadBack)
         GetDIBits(screen, ddb, 0, h, rows.data(), &bi, DIB_RGB_COLORS);
         ReleaseDC(nullptr, screen);
         DeleteObject(ddb);
-
         vMEMSTREAM plain, packed;
         ASSERT_EQ((long)size, b.Write(plain, 0)());
         ASSERT_EQ((long)size, b.Write(packed, 1)());
@@ -120,7 +119,6 @@ TEST(Bitmap, WrittenFormsReadBack)
         for (int i = 0; i < 8; ++i)
             EXPECT_EQ(head[i], U32(f, 2 + 4 * i)) << "header word " << i;
         EXPECT_EQ(0, std::memcmp(rows.data(), f.data() + 54, rows.size())) << c.w;
-
         // Magic, count, and what follows expands to the first (size mod 65536) bytes.
         ASSERT_GE(z.size(), 8u);
         EXPECT_TRUE(0x0012AAB1u == U32(z, 0) && z.size() - 8 == U32(z, 4) && (unsigned short)size == vBITMAP::wBitmapSize);
@@ -135,7 +133,6 @@ TEST(Bitmap, WrittenFormsReadBack)
         const auto put = [](char* b, unsigned* n, void* q) { ((IO*)q)->out.insert(((IO*)q)->out.end(), b, b + *n); };
         ASSERT_TRUE(0u == explode(get, put, work.data(), &io) && size % 65536 == io.out.size());
         EXPECT_EQ(0, std::memcmp(f.data() + 14, io.out.data(), io.out.size()));
-
         // Read back: the compressed form whole only below 64 KB.
         vBITMAP fromPlain(plain), fromPacked(packed);
         ASSERT_TRUE(fromPlain.Valid() && fromPacked.Valid());

@@ -31,7 +31,6 @@ TEST(Dib, ReadsAndWritesTheStoredForm)
                     d.GetPalette(nullptr) == c.entries && Rows(d) == rows) << i;
         in.MoveFromStart(0);
         EXPECT_EQ(Rows(oSTREAMDIB(in, 0)), rows) << i;
-
         // Written: no file header, the real palette count, resolutions rebuilt
         // in multiples of 40, reserved bytes cleared; both kinds alike.
         std::vector<unsigned char> want = MakeStored(w, h, c.bits, c.entries, c.entries, rows, false, c.dpi * 40);
@@ -129,7 +128,6 @@ TEST(Dib, BadStreamsFailCleanly)
         m.MoveFromStart(0);
         ASSERT_TRUE(d.Height() == 0 && d.Bits() == nullptr && oSTREAMDIB(m, 0).Height() == 0) << i;
     }
-
     // A header size other than 40 is not a DIB, and a failed read keeps the image.
     good[14] = 108;
     vMEMSTREAM m;
@@ -137,7 +135,6 @@ TEST(Dib, BadStreamsFailCleanly)
     oMEMDIB keep(2, 2, 8, oCM_PAL256, 0);
     keep << m;
     EXPECT_TRUE(keep.Width() == 2 && keep.Bits() != nullptr);
-
     // A zero-height header: no rows, and the header is not asked for its stride.
     vMEMSTREAM z;
     Fill(z, MakeStored(5, 0, 24, 0, 0, {}));
@@ -229,7 +226,6 @@ TEST(Dib, ConvertingCopyAgainstPerPixelArithmetic)
                 }
             }
     }
-
     // Models 2, 3, 4 become 8-bit model 7; a source without a palette gives none.
     for (oCOLOUR_MODEL m : {oCM_RGB32, oCM_MONO, oCM_PAL16}) {
         oMEMDIB c(*sources[0], m, 10, 10, nullptr);

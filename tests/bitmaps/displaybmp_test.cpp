@@ -103,7 +103,6 @@ TEST(DisplayBitmap, OpaqueTransparentAndDualSurfacedMatchGdi)
             ORACLE want(target, 0xFF);
             Expect(want, transparent, false);
             EXPECT_TRUE(pic.Draw(target, R(kX, kY, kX + kW, kY + kH)) == 1 && SameBytes(target, want));
-
             // The mask stays as first built.
             DrawScene(pic, kLater);
             vMEMDEVICE again(vINT(64L), vINT(48L));
@@ -113,7 +112,6 @@ TEST(DisplayBitmap, OpaqueTransparentAndDualSurfacedMatchGdi)
             if (!transparent)
                 GdiScene(want2.dc, {SHAPE{kLater[0].l + kX, kLater[0].t + kY, kLater[0].r + kX, kLater[0].b + kY, 0, false}});
             EXPECT_TRUE(pic.Draw(again, R(kX + kW, kY + kH, kX, kY)) == 1 && SameBytes(again, want2)) << "corners in either order";
-
             // The handed bitmap outlives the picture and is the caller's.
             HBITMAP handed = pic.RemoveHBitmap();
             ASSERT_NE(handed, nullptr);

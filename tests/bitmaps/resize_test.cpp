@@ -73,7 +73,6 @@ TEST(Resize, StepsAveragesAndDithers)
     Fill(four, MakeStored(4, 1, 24, 0, 0, {10, 10, 10, 20, 20, 20, 30, 30, 30, 41, 41, 41}));
     Fill(two, ScaledBytes(four, 2, 1, 0, 1));
     EXPECT_EQ(Rows(oMEMDIB(two, 0)), (std::vector<unsigned char>{15, 15, 15, 36, 36, 36, 0, 0}));
-
     // 8 bits at full size: the plain dither of every stepped row, and the colour cube.
     ASSERT_EQ(vBMRESIZE::Create256ColourTables(), 1);
     for (int v = 0; v < 256; ++v)

@@ -23,7 +23,6 @@ TEST(StoredForm, PalettesComeBackWhole)
                     Rows(oSTREAMDIB(*d, 0)) == rows) << k.first;
         delete d;
     }
-
     // The grey copy of a 24-bit picture has no palette of its own; copies of
     // it and fill patterns made from it keep its levels.
     oMEMDIB* colour = Picture(9, 4, 24, oCM_RGB24, 2, 256);
@@ -71,7 +70,6 @@ TEST(StoredForm, MisleadingStreamsAreRefused)
     for (int b = 0; b < 3000; ++b)
         for (unsigned long x : {0x0012AAB1ul, 4ul, 0xDEADBEEFul})
             Put32(forms[5], x);
-
     std::string path = rltest::TempPath("dibhostile");
     for (size_t i = 0; i < forms.size(); ++i) {
         Save(path, forms[i]);
