@@ -52,24 +52,14 @@ struct CANVAS {
         HDC screen = GetDC(nullptr);
         bpp = (unsigned short)GetDeviceCaps(screen, BITSPIXEL);
         ReleaseDC(nullptr, screen);
-        BITMAPINFO bi = {};
-        bi.bmiHeader.biSize = 40;
-        bi.bmiHeader.biWidth = w;
-        bi.bmiHeader.biHeight = h;
-        bi.bmiHeader.biPlanes = 1;
-        bi.bmiHeader.biBitCount = bpp;
+        BITMAPINFO bi = {{40, w, h, 1, bpp, 0, 0, 0, 0, 0, 0}, {}};
         dc = CreateCompatibleDC(nullptr);
         section = CreateDIBSection(dc, &bi, DIB_RGB_COLORS, &bits, nullptr, 0);
         old = SelectObject(dc, section);
         size = ((w * bpp + 31) / 32) * 4 * h;
         std::memset(bits, 0xFF, size);
     }
-    ~CANVAS()
-    {
-        SelectObject(dc, old);
-        DeleteObject(section);
-        DeleteDC(dc);
-    }
+    ~CANVAS() { SelectObject(dc, old), DeleteObject(section), DeleteDC(dc); }
     // Draws the picture with one plain call: BitBlt when sizes agree.
     void Draw(const PIC& p, RECT t, RECT s)
     {
@@ -82,10 +72,7 @@ struct CANVAS {
             BitBlt(dc, t.left, t.top, tw, th, src, s.left, s.top, SRCCOPY);
         else
             StretchBlt(dc, t.left, t.top, tw, th, src, s.left, s.top, sw, sh, SRCCOPY);
-        SelectObject(src, was);
-        DeleteDC(src);
-        DeleteObject(b);
-        GdiFlush();
+        SelectObject(src, was), DeleteDC(src), DeleteObject(b), GdiFlush();
     }
     const unsigned char* Bytes() const { return static_cast<const unsigned char*>(bits); }
     long width, height;

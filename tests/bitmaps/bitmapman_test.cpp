@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
+#include <numeric>
 #include <random>
 #include <set>
 #include "bitmap_oracle.h"
@@ -14,19 +15,6 @@ namespace {
 
 // The process's GDI objects, where the system counts them (Wine answers 0).
 DWORD GdiObjects() { return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); }
-
-// Strips GDI knows as live bitmaps, each noted in `seen` to ask after later.
-int LiveStrips(const std::vector<vBITMAP>& bitmaps, std::set<HBITMAP>& seen)
-{
-    int live = 0;
-    for (const vBITMAP& b : bitmaps)
-        for (unsigned short i = 0; b.Resource() && i < b.Resource()->StripCount(); ++i)
-            if (HBITMAP h = b.Resource()->Strip(i)) {
-                seen.insert(h);
-                live += GetObjectType(h) == OBJ_BITMAP;
-            }
-    return live;
-}
 
 struct LIMIT {
     explicit LIMIT(unsigned short l) : old(vPAGEOUT::GetResidentLimit()) { vPAGEOUT::SetResidentLimit(l); }
@@ -68,12 +56,23 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
     int peakLive = 0, checks = 0;
     std::set<HBITMAP> seen;
     std::vector<vBITMAP> bitmaps;
+    // Strips GDI knows as live bitmaps, each noted in `seen` to ask after later.
+    auto liveStrips = [&] {
+        int live = 0;
+        for (const vBITMAP& b : bitmaps)
+            for (unsigned short i = 0; b.Resource() && i < b.Resource()->StripCount(); ++i)
+                if (HBITMAP s = b.Resource()->Strip(i)) {
+                    seen.insert(s);
+                    live += GetObjectType(s) == OBJ_BITMAP;
+                }
+        return live;
+    };
     auto drawsRight = [&](const vBITMAP& b, int i) {
         if (!b.Draw(dev, vPOINT(vINT(0L), vINT(0L))))
             return false;
         peak = std::max(peak, GdiObjects());
         if (++checks % 100 == 0)
-            peakLive = std::max(peakLive, LiveStrips(bitmaps, seen));
+            peakLive = std::max(peakLive, liveStrips());
         return std::memcmp(dev.GetDIB(), doc.want[i].data(), doc.want[i].size()) == 0;
     };
     bitmaps.reserve(n);
@@ -85,18 +84,15 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
             peak = std::max(peak, GdiObjects());
             seen.insert(bitmaps.back().Resource()->Strip(0));
         }
-        EXPECT_EQ(file.Size(), file.CurrentPos());
         // While the stream is open a page-in reads through it and leaves it where it was.
-        EXPECT_EQ(0, bitmaps[0].Resource()->IsResident());
-        EXPECT_TRUE(drawsRight(bitmaps[0], 0));
-        EXPECT_EQ(file.Size(), file.CurrentPos());
+        EXPECT_TRUE(file.Size() == file.CurrentPos() && !bitmaps[0].Resource()->IsResident());
+        EXPECT_TRUE(drawsRight(bitmaps[0], 0) && file.Size() == file.CurrentPos());
     }
     EXPECT_LE(m->ResidentCount(), 20);
     const unsigned long pageInsBefore = m->PageIns();
     std::mt19937 rng(3);
     std::vector<int> order(n);
-    for (int i = 0; i < n; ++i)
-        order[i] = i;
+    std::iota(order.begin(), order.end(), 0);
     for (int pass = 0; pass < 2; ++pass) {
         std::shuffle(order.begin(), order.end(), rng);
         int wrong = 0;
@@ -106,19 +102,16 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
     }
     // Nearly every draw pages in; one strip each, and where the system counts
     // GDI objects, the device, its bitmap and a few drawing contexts besides.
-    EXPECT_GT(m->PageIns() - pageInsBefore, (unsigned long)(2 * n - 100));
-    EXPECT_LE(m->ResidentCount(), 20);
+    EXPECT_TRUE(m->PageIns() - pageInsBefore > (unsigned long)(2 * n - 100) && m->ResidentCount() <= 20);
     EXPECT_TRUE(peakLive <= 20 && peakLive > 10) << peakLive;
     EXPECT_LE(peak, base + 20 * 1 + 6);
-    LiveStrips(bitmaps, seen);
+    liveStrips();
     bitmaps.clear();
-    EXPECT_EQ(0, m->ResidentCount() + m->PagedOutCount());
-    EXPECT_LE(GdiObjects(), base);
+    EXPECT_TRUE(m->ResidentCount() + m->PagedOutCount() == 0 && GdiObjects() <= base);
     int leaked = 0;
-    for (HBITMAP h : seen)
-        leaked += GetObjectType(h) != 0;
-    EXPECT_EQ(0, leaked) << "of " << seen.size();
-    EXPECT_GE(seen.size(), 1000u);
+    for (HBITMAP s : seen)
+        leaked += GetObjectType(s) != 0;
+    EXPECT_TRUE(leaked == 0 && seen.size() >= 1000u) << leaked << " of " << seen.size();
     // With its last bitmap gone the file is free to write.
     HANDLE writer = CreateFileA(doc.path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     EXPECT_NE(INVALID_HANDLE_VALUE, writer);
@@ -128,8 +121,7 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
 TEST(BitmapManager, PassesStopAtWhatMayNotGo)
 {
     vBITMAPMAN* m = vBITMAPMAN::Get();
-    ASSERT_EQ(0, m->ResidentCount() + m->PagedOutCount());
-    EXPECT_EQ(0, m->PageOut());
+    ASSERT_TRUE(m->ResidentCount() + m->PagedOutCount() == 0 && m->PageOut() == 0);
     DOCUMENT doc(8, 10, 10);
     LIMIT limit(100);
     // A bitmap of an unnamed stream stays resident, and holds back all behind it.
@@ -142,8 +134,7 @@ TEST(BitmapManager, PassesStopAtWhatMayNotGo)
     std::vector<vBITMAP> named;
     for (int i = 0; i < 8; ++i)
         named.emplace_back(file);
-    EXPECT_EQ(9, m->ResidentCount());
-    EXPECT_TRUE(m->PageOut() == 5 && m->ResidentCount() == 9);
+    EXPECT_TRUE(m->ResidentCount() == 9 && m->PageOut() == 5 && m->ResidentCount() == 9);
     // Without it the five oldest go; one made unpageable stays.
     fixed.reset();
     named[7].Pageable(0);
@@ -153,8 +144,7 @@ TEST(BitmapManager, PassesStopAtWhatMayNotGo)
     // The same file and position share one resource, and the stream moves on.
     file.MoveFromStart(0);
     vBITMAP again(file);
-    EXPECT_EQ(named[0].Resource(), again.Resource());
-    EXPECT_TRUE(again.Valid() && p.bytes.size() == file.CurrentPos());
+    EXPECT_TRUE(named[0].Resource() == again.Resource() && again.Valid() && p.bytes.size() == file.CurrentPos());
 }
 
 TEST(BitmapManager, NewFailureHandlerPagesBitmapsOut)
@@ -177,15 +167,13 @@ TEST(BitmapManager, NewFailureHandlerPagesBitmapsOut)
     EXPECT_TRUE(m->ResidentCount() == 0 && m->PagedOutCount() == 10 && vPAGEOUT::GetResidentLimit() == 10);
     EXPECT_TRUE(vSYSTEM::GetExceptionFlag() == 1 && boxes.Calls().size() == 1u);
     vSYSTEM::SetExceptionFlag(0);
-
     // They come back from their file, tracing the way.
     vSYSTEM::SetTraceLevel(2);
     rltest::DebugOutput out;
     EXPECT_TRUE(bitmaps[3].Valid());
     vSYSTEM::SetTraceLevel(0);
-    const std::string text = out.Text();
     for (const char* line : {"gdiRESOURCE::GetMSBitmap", "fileRESOURCE::Paging In", "fileRESOURCE::DIBToBitmap"})
-        EXPECT_NE(std::string::npos, text.find(std::string("Trace: ") + line)) << line;
+        EXPECT_NE(std::string::npos, out.Text().find(std::string("Trace: ") + line)) << line;
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 // back, pictures to feed the images, and pixel indices by the test's own means.
 #pragma once
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -16,17 +18,13 @@ inline void Put32(std::vector<unsigned char>& v, unsigned long x)
 }
 
 // Optional file header (its other fields are ignored by readers), the 40-byte
-// info header, palette entry i = (3i, 5i, 7i) with a reserved byte of 0x55,
-// then the rows.
-inline std::vector<unsigned char> MakeStored(long w, long h, unsigned bits, unsigned long clrUsed,
-                                             unsigned entries, const std::vector<unsigned char>& rows,
-                                             bool fileHeader = false, long pels = 2835)
+// info header, palette entry i = (3i, 5i, 7i) with a reserved byte of 0x55, the rows.
+inline std::vector<unsigned char> MakeStored(long w, long h, unsigned bits, unsigned long clrUsed, unsigned entries,
+                                             const std::vector<unsigned char>& rows, bool fileHeader = false, long pels = 2835)
 {
     std::vector<unsigned char> v;
-    if (fileHeader) {
-        v = {'B', 'M'};
-        v.resize(14, 0xEE);
-    }
+    if (fileHeader)
+        v = {'B', 'M', 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE};
     for (unsigned long x : {40ul, (unsigned long)w, (unsigned long)h, 1ul | (unsigned long)bits << 16, 0ul,
                             (unsigned long)rows.size(), (unsigned long)pels, (unsigned long)pels, clrUsed, 0ul})
         Put32(v, x);
@@ -54,21 +52,13 @@ inline std::vector<unsigned char> RandomBytes(size_t n, unsigned seed)
 
 inline std::vector<unsigned char> Load(const std::string& path)
 {
-    std::vector<unsigned char> v;
-    if (FILE* f = std::fopen(path.c_str(), "rb")) {
-        for (int c; (c = std::fgetc(f)) != EOF;)
-            v.push_back((unsigned char)c);
-        std::fclose(f);
-    }
-    return v;
+    std::ifstream f(path, std::ios::binary);
+    return std::vector<unsigned char>(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
 }
 
 inline std::string Save(const std::string& path, const std::vector<unsigned char>& bytes)
 {
-    if (FILE* f = std::fopen(path.c_str(), "wb")) {
-        std::fwrite(bytes.data(), 1, bytes.size(), f);
-        std::fclose(f);
-    }
+    std::ofstream(path, std::ios::binary).write((const char*)bytes.data(), (std::streamsize)bytes.size());
     return path;
 }
 
@@ -85,8 +75,8 @@ inline std::vector<unsigned char> Rows(const oDIB& d)
 
 // A sized image of smooth rows (byte k of row y is 5k + 3y) with some noise,
 // so that difference coding has something to do; the row padding stays 0.
-inline oMEMDIB* Picture(unsigned long w, unsigned long h, unsigned short bits, oCOLOUR_MODEL model,
-                        unsigned seed, unsigned noise = 4)
+inline oMEMDIB* Picture(unsigned long w, unsigned long h, unsigned short bits, oCOLOUR_MODEL model, unsigned seed,
+                        unsigned noise = 4)
 {
     oMEMDIB* d = new oMEMDIB(w, h, bits, model, 0);
     unsigned char* rows = nullptr;

@@ -1,46 +1,39 @@
-// vBMRESIZE between streams: row and column picks, target palettes, the dither
-// plumbing, progress and stop requests, bad sources, sources stored top row
-// first, and its own output read back.
+// vBMRESIZE between streams: row and column picks, the dithered target, progress and
+// stop requests, bad sources, sources stored top row first; and the row kernels it uses.
 #include <windows.h>
 #include <gtest/gtest.h>
 #include <algorithm>
-#include <cstdio>
+#include <cmath>
 #include <cstring>
 #include <string>
 #include "bmtest.h"
 #include "rltest.h"
-// The kernels' reference forms and the difference coder (compiled in kernels_test).
 #include "bitmaps/dibrows.h"
 #include "bitmaps/dither.h"
+#include "bitmaps/pixfmt.h"
 
 using namespace bmt;
+using namespace rldib;
 
 namespace {
 
-// Scales d through memory streams; the result, or an empty image on failure.
+// What the resampler makes of a stream, as bytes; empty on failure.
+std::vector<unsigned char> ScaledBytes(vSTREAM& s, unsigned short w, unsigned short h, unsigned char bits, int avg = 0)
+{
+    vMEMSTREAM out;
+    vBMRESIZE r;
+    s.MoveFromStart(0);
+    if (!r.Scale(s, out, w, h, bits, avg))
+        return {};
+    return std::vector<unsigned char>(out.Buffer(), out.Buffer() + out.Size());
+}
+
 oMEMDIB Scaled(const oDIB& d, unsigned short w, unsigned short h, unsigned char bits, int avg = 0)
 {
     vMEMSTREAM in, out;
     d >> in;
-    in.MoveFromStart(0);
-    vBMRESIZE r;
-    if (!r.Scale(in, out, w, h, bits, avg))
-        return oMEMDIB(0);
-    out.MoveFromStart(0);
-    return oMEMDIB(out, 0);
-}
-
-// Picks of the source rows and columns by the library's stepping.
-std::vector<unsigned char> Picked(const oDIB& s, unsigned long w, unsigned long h, unsigned px)
-{
-    std::vector<std::uint32_t> xmap(w), ymap(h);
-    rldib::StepMap(s.Width(), w, xmap.data());
-    rldib::StepMap(s.Height(), h, ymap.data(), false);
-    std::vector<unsigned char> src = Rows(s), out(oDIBHEADER::Stride(8 * px, w) * h);
-    for (unsigned long y = 0; y < h; ++y)
-        for (unsigned long x = 0; x < w; ++x)
-            std::memcpy(&out[y * out.size() / h + px * x], &src[ymap[y] * s.Stride() + px * xmap[x]], px);
-    return out;
+    Fill(out, ScaledBytes(in, w, h, bits, avg));
+    return out.Size() ? oMEMDIB(out, 0) : oMEMDIB(0);
 }
 
 struct Counter : oPROGRESS {
@@ -58,58 +51,47 @@ struct Counter : oPROGRESS {
 
 } // namespace
 
-TEST(Resize, RowsAndColumnsFollowTheStepping)
+TEST(Resize, StepsAveragesAndDithers)
 {
     oMEMDIB* src = Picture(37, 23, 24, oCM_RGB24, 1, 40);
+    const std::vector<unsigned char> srows = Rows(*src);
     const unsigned short sizes[][2] = {{37, 23}, {10, 5}, {100, 61}, {1, 1}, {37, 100}, {200, 3}, {5, 23}};
     for (auto sz : sizes) {
+        // Picks of the source rows and columns by the library's stepping.
+        std::vector<std::uint32_t> xmap(sz[0]), ymap(sz[1]);
+        StepMap(37, sz[0], xmap.data());
+        StepMap(23, sz[1], ymap.data(), false);
+        std::vector<unsigned char> want(oDIBHEADER::Stride(24, sz[0]) * sz[1]);
+        for (unsigned long y = 0; y < sz[1]; ++y)
+            for (unsigned long x = 0; x < sz[0]; ++x)
+                std::memcpy(&want[y * want.size() / sz[1] + 3 * x], &srows[ymap[y] * src->Stride() + 3 * xmap[x]], 3);
         oMEMDIB t = Scaled(*src, sz[0], sz[1], 0);
-        ASSERT_EQ(t.Width(), sz[0]);
-        ASSERT_EQ(t.Height(), sz[1]);
-        EXPECT_EQ(t.BitCount(), 24);
-        EXPECT_EQ(Rows(t), Picked(*src, sz[0], sz[1], 3)) << sz[0] << "x" << sz[1];
+        EXPECT_TRUE(t.Width() == sz[0] && t.Height() == sz[1] && t.BitCount() == 24 && Rows(t) == want) << sz[0] << "x" << sz[1];
     }
-    // Four columns to two, averaged: each target is the mean of the two it
-    // covers, halves rounding up.
-    oMEMDIB four(4, 1, 24, oCM_RGB24, 0);
-    unsigned char* rows = nullptr;
-    four.LockImageLines(0, 1, &rows, oCM_RGB24);
-    for (int i = 0; i < 12; ++i)
-        rows[i] = (unsigned char)(i < 3 ? 10 : i < 6 ? 20 : i < 9 ? 30 : 41);
-    four.ReleaseImageLines(1);
-    std::vector<unsigned char> two = Rows(Scaled(four, 2, 1, 0, 1));
-    EXPECT_EQ(two, (std::vector<unsigned char>{15, 15, 15, 36, 36, 36, 0, 0}));
-    delete src;
-}
-
-TEST(Resize, DitheredTargetsAndTheirPalettes)
-{
-    oMEMDIB* src = Picture(45, 20, 24, oCM_RGB24, 3, 40);
-    std::vector<unsigned char> srows = Rows(*src);
+    // Four columns to two, averaged: each target is the mean of the two it covers, halves rounding up.
+    vMEMSTREAM four, two;
+    Fill(four, MakeStored(4, 1, 24, 0, 0, {10, 10, 10, 20, 20, 20, 30, 30, 30, 41, 41, 41}));
+    Fill(two, ScaledBytes(four, 2, 1, 0, 1));
+    EXPECT_EQ(Rows(oMEMDIB(two, 0)), (std::vector<unsigned char>{15, 15, 15, 36, 36, 36, 0, 0}));
+    // 8 bits at full size: the plain dither of every stepped row, and the colour cube.
     ASSERT_EQ(vBMRESIZE::Create256ColourTables(), 1);
-    for (int v = 0; v < 256; ++v) {
-        EXPECT_EQ(vBMRESIZE::pLevelTable[v], rldib::CubeLevel(v));
-        EXPECT_EQ(vBMRESIZE::pResidueTable[v], v - 51 * rldib::CubeLevel(v));
-    }
-    // 8 bits at full size: the plain dither of every stepped row, and the cube.
+    for (int v = 0; v < 256; ++v)
+        EXPECT_TRUE(vBMRESIZE::pLevelTable[v] == CubeLevel(v) && vBMRESIZE::pResidueTable[v] == v - 51 * CubeLevel(v));
     oMEMDIB t = Scaled(*src, 0, 0, 8);
-    ASSERT_EQ(t.BitCount(), 8);
     oDIBPALETTE* p = nullptr;
-    ASSERT_EQ(t.GetPalette(&p), 256);
     unsigned char cube[1024];
-    rldib::FillCubePalette(cube);
-    EXPECT_EQ(0, std::memcmp(p->GetRgbQuad(), vBMRESIZE::pPalette, 1024));
-    EXPECT_EQ(0, std::memcmp(cube, vBMRESIZE::pPalette, 1024));
-    rldib::Ditherer ref;
-    ASSERT_TRUE(ref.Init(45));
-    std::vector<unsigned char> trows = Rows(t), line(45);
-    std::vector<std::uint32_t> ymap(20);
-    rldib::StepMap(20, 20, ymap.data(), false);
-    for (int y = 0; y < 20; ++y) {
+    FillCubePalette(cube);
+    ASSERT_TRUE(t.BitCount() == 8 && t.GetPalette(&p) == 256);
+    EXPECT_TRUE(!std::memcmp(p->GetRgbQuad(), vBMRESIZE::pPalette, 1024) && !std::memcmp(cube, vBMRESIZE::pPalette, 1024));
+    Ditherer ref;
+    ASSERT_TRUE(ref.Init(37));
+    std::vector<unsigned char> trows = Rows(t), line(37);
+    std::vector<std::uint32_t> ymap(23);
+    StepMap(23, 23, ymap.data(), false);
+    for (int y = 0; y < 23; ++y) {
         ref.Line8Reference(&srows[ymap[y] * src->Stride()], line.data());
-        ASSERT_EQ(0, std::memcmp(&trows[y * t.Stride()], line.data(), 45)) << y;
+        ASSERT_EQ(0, std::memcmp(&trows[y * t.Stride()], line.data(), 37)) << y;
     }
-
     delete src;
 }
 
@@ -122,56 +104,30 @@ TEST(Resize, ProgressStopsAndFailures)
     // the stepping is done before the last row). A stop keeps what was written.
     Counter c, s;
     s.stopAfter = 10;
-    for (Counter* k : {&c, &s}) {
-        vBMRESIZE::SetProgressInd(*k);
-        in.MoveFromStart(0);
-        vMEMSTREAM out;
-        vBMRESIZE r;
-        EXPECT_EQ(r.Scale(in, out, k == &c ? 100 : 0, 90, k == &c ? 8 : 0, 0), k == &c ? 1 : 0);
-        if (k == &s) {
-            EXPECT_EQ(out.Size(), 40 + 10 * src->Stride());
-        }
-    }
-    vBMRESIZE::RemoveProgressInd();
-    EXPECT_EQ(c.Updates(), 89u);
-    EXPECT_TRUE(c.increasing);
-    EXPECT_EQ(c.Done(), in.Size());
-    EXPECT_EQ(s.Updates(), 10u);
-
-    // Empty, foreign and cut-short sources fail before anything is written;
-    // so does a target whose rows would pass 32 bits (65,535² at 24 bits).
-    vMEMSTREAM cut, junk, none;
-    cut.WriteBlock(in.Buffer(), 40 + 5 * src->Stride() + 7);
-    junk.WriteBlock((const unsigned char*)"this is not a bitmap at all, not even close to one", 50);
-    oMEMDIB* tiny = Picture(3, 2, 24, oCM_RGB24, 1);
-    vMEMSTREAM small;
-    *tiny >> small;
-    const struct { vMEMSTREAM* m; unsigned short w, h; } fails[] = {
-        {&none, 10, 10}, {&junk, 10, 10}, {&cut, 0, 0}, {&small, 65535, 65535}};
-    for (const auto& f : fails) {
-        f.m->MoveFromStart(0);
-        vMEMSTREAM out;
-        vBMRESIZE r;
-        EXPECT_EQ(r.Scale(*f.m, out, f.w, f.h, f.m == &small ? 24 : 8, 0), 0);
-        EXPECT_EQ(out.Size(), 0u);
-    }
-
-    delete tiny;
-    delete src;
-}
-
-namespace {
-// What the resampler makes of a stream, as bytes.
-std::vector<unsigned char> ScaledBytes(vSTREAM& s, unsigned short w, unsigned short h, unsigned char bits)
-{
+    vBMRESIZE::SetProgressInd(c);
+    EXPECT_FALSE(ScaledBytes(in, 100, 90, 8).empty());
+    vBMRESIZE::SetProgressInd(s);
     vMEMSTREAM out;
     vBMRESIZE r;
-    s.MoveFromStart(0);
-    if (!r.Scale(s, out, w, h, bits, 0))
-        return {};
-    return std::vector<unsigned char>(out.Buffer(), out.Buffer() + out.Size());
+    in.MoveFromStart(0);
+    EXPECT_TRUE(r.Scale(in, out, 0, 90, 0, 0) == 0 && out.Size() == 40 + 10 * src->Stride());
+    vBMRESIZE::RemoveProgressInd();
+    EXPECT_TRUE(c.Updates() == 89u && c.increasing && c.Done() == in.Size() && s.Updates() == 10u) << c.Updates();
+    // Empty, foreign and cut-short sources fail before anything is written;
+    // so does a target whose rows would pass 32 bits (65,535² at 24 bits).
+    vMEMSTREAM cut, junk, none, small;
+    cut.WriteBlock(in.Buffer(), 40 + 5 * src->Stride() + 7);
+    Fill(junk, std::vector<unsigned char>(50, 'j'));
+    Fill(small, MakeStored(3, 2, 24, 0, 0, std::vector<unsigned char>(24, 9)));
+    const struct { vMEMSTREAM* m; unsigned short w, h; } fails[] = {{&none, 10, 10}, {&junk, 10, 10}, {&cut, 0, 0}, {&small, 65535, 65535}};
+    for (const auto& f : fails) {
+        f.m->MoveFromStart(0);
+        vMEMSTREAM o;
+        vBMRESIZE q;
+        EXPECT_TRUE(q.Scale(*f.m, o, f.w, f.h, f.m == &small ? 24 : 8, 0) == 0 && o.Size() == 0u);
+    }
+    delete src;
 }
-} // namespace
 
 // Found with rltool resize: a file stored top row first (negative height)
 // came out upside down. Every depth, with or without a file header, from a file
@@ -187,29 +143,24 @@ TEST(Resize, TopDownSourcesKeepTheirWayUp)
             for (unsigned long y = h; y-- > 0;)
                 down.insert(down.end(), up.begin() + y * stride, up.begin() + (y + 1) * stride);
             const unsigned entries = bits <= 8 ? 1u << bits : 0;
-            std::vector<unsigned char> a = MakeStored(w, h, bits, 0, entries, up, fileHeader != 0);
             std::vector<unsigned char> b = MakeStored(w, -(long)h, bits, 0, entries, down, fileHeader != 0);
-            std::string pa = Save(rltest::TempPath("dibup"), a), pb = Save(rltest::TempPath("dibdown"), b);
-            vFILE fa(vSTRING("%s", pa.c_str()), vFILE_READONLY, 0), fb(vSTRING("%s", pb.c_str()), vFILE_READONLY, 0);
-            vMEMSTREAM mb;
+            std::string pb = Save(rltest::TempPath("dibdown"), b);
+            vFILE fb(vSTRING("%s", pb.c_str()), vFILE_READONLY, 0);
+            vMEMSTREAM ma, mb;
+            Fill(ma, MakeStored(w, h, bits, 0, entries, up, fileHeader != 0));
             Fill(mb, b);
             for (const auto& sz : sizes) {
-                std::vector<unsigned char> want = ScaledBytes(fa, sz[0], sz[1], (unsigned char)sz[2]);
+                std::vector<unsigned char> want = ScaledBytes(ma, sz[0], sz[1], (unsigned char)sz[2]);
                 ASSERT_FALSE(want.empty()) << bits;
-                if ((bits == 16 || bits == 32) && !sz[2]) {
-                    // Rows converted to 24 bits keep their padding 0.
-                    const unsigned long tw = sz[0] ? sz[0] : w, th = sz[1] ? sz[1] : h, ts = oDIBHEADER::Stride(24, tw);
-                    ASSERT_EQ(want.size(), 40 + ts * th);
-                    for (unsigned long y = 0; y < th; ++y)
-                        for (unsigned long i = 3 * tw; i < ts; ++i)
-                            ASSERT_EQ(want[40 + y * ts + i], 0) << bits << " row " << y;
-                }
+                // Rows converted to 24 bits keep their padding 0.
+                const unsigned long tw = sz[0] ? sz[0] : w, th = sz[1] ? sz[1] : h, ts = oDIBHEADER::Stride(24, tw);
+                for (unsigned long y = 0; (bits == 16 || bits == 32) && !sz[2] && y < th; ++y)
+                    for (unsigned long i = 3 * tw; i < ts; ++i)
+                        ASSERT_TRUE(want.size() == 40 + ts * th && want[40 + y * ts + i] == 0) << bits << " row " << y;
                 EXPECT_EQ(ScaledBytes(fb, sz[0], sz[1], (unsigned char)sz[2]), want) << bits << " bits, file " << sz[0];
                 EXPECT_EQ(ScaledBytes(mb, sz[0], sz[1], (unsigned char)sz[2]), want) << bits << " bits, memory " << sz[0];
             }
-            fa.Close();
             fb.Close();
-            DeleteFileA(pa.c_str());
             DeleteFileA(pb.c_str());
         }
 }
@@ -235,7 +186,7 @@ TEST(Resize, TopDownRowsInCompressedFrames)
         for (unsigned long at = 0; at < down.size(); at += 12000) {
             unsigned long n = std::min(12000ul, (unsigned long)down.size() - at);
             std::vector<unsigned char> coded(n);
-            rldib::DiffEncodeCopy(&down[at], coded.data(), n);
+            DiffEncodeCopy(&down[at], coded.data(), n);
             unsigned long occupied = f.WriteBlock(coded.data(), n);
             if (occupied < n) {
                 ++frames;
@@ -254,10 +205,84 @@ TEST(Resize, TopDownRowsInCompressedFrames)
     *pic >> plain;
     for (const auto& sz : {std::vector<unsigned short>{0, 0, 0}, std::vector<unsigned short>{333, 5, 8}}) {
         std::vector<unsigned char> want = ScaledBytes(plain, sz[0], sz[1], (unsigned char)sz[2]);
-        ASSERT_FALSE(want.empty());
-        EXPECT_EQ(ScaledBytes(f, sz[0], sz[1], (unsigned char)sz[2]), want) << sz[0];
+        EXPECT_TRUE(!want.empty() && ScaledBytes(f, sz[0], sz[1], (unsigned char)sz[2]) == want) << sz[0];
     }
     f.Close();
     DeleteFileA(path.c_str());
     delete pic;
+}
+
+TEST(Kernels, SizesGreyDitherAndStepping)
+{
+    std::uint32_t stride = 0, size = 0;
+    // 2^32 − 32 bytes fit, one row more does not; the row's bits must fit too (width -127 wraps).
+    EXPECT_TRUE(CheckedImageSize(8, 0x1FFFFFFCu, 8, &stride, &size) && size == 0xFFFFFFE0u && CheckedImageSize(32, 65536, 16383, &stride, &size));
+    EXPECT_FALSE(CheckedImageSize(8, 0x1FFFFFFCu, 9, &stride, &size) || CheckedImageSize(24, 178956971u, 1, &stride, &size) ||
+                 CheckedImageSize(1, 0xFFFFFF81u, 64, &stride, &size) || CheckedImageSize(32, 65536, 16384, &stride, &size));
+    // Grey is the integer nearest (59 g + 11 b + 30 r) / 100, halves going up.
+    for (long g = 0; g < 256; ++g)
+        for (long b = 0; b < 256; b += 5)
+            for (long r = 0; r < 256; r += 3) {
+                long exact100 = 59 * g + 11 * b + 30 * r, q = Grey(b, g, r);
+                ASSERT_TRUE(100 * q - 50 <= exact100 && 100 * q + 50 > exact100) << g << " " << b << " " << r;
+            }
+    // The 16 standard colours map to themselves, two to a byte, high nibble first;
+    // blue 51, green 102, red 153 is cube entry (3 × 6 + 2) × 6 + 1 + 20.
+    Ditherer d4;
+    unsigned char row16[48], out16[8], out[3], quads[1024];
+    for (int i = 0; i < 48; ++i)
+        row16[i] = kPalette16[i / 3][2 - i % 3];
+    ASSERT_TRUE(d4.Init(16));
+    d4.Line4(row16, out16);
+    for (int i = 0; i < 16; ++i)
+        EXPECT_EQ(i & 1 ? out16[i / 2] & 15 : out16[i / 2] >> 4, i);
+    FillCubePalette(quads);
+    EXPECT_EQ(std::vector<int>(quads + 4 * 141, quads + 4 * 141 + 3), (std::vector<int>{51, 102, 153}));
+    // White, then black: 235 and 20. Pixel 1 has residue e1; pixel 2 (102 + its 7/16 share) passes
+    // on its own. The carried row holds each pixel's below-left, below and below-right shares,
+    // rounded towards minus infinity, on the exact neighbours.
+    const struct { int mid, e1, carried[4]; } cases[] = {{51 + 25, 25, {4, 7 + 1, 4 + 3, 2}}, {102 - 25, -25, {-5, -8 - 3, -1 - 4, 1}}};
+    for (const auto& c : cases)
+        for (int fast = 0; fast < 2; ++fast) {
+            Ditherer bw, t;
+            const unsigned char px[6] = {255, 255, 255, 0, 0, 0};
+            ASSERT_TRUE(bw.Init(2) && t.Init(3));
+            fast ? bw.Line8(px, out) : bw.Line8Reference(px, out);
+            EXPECT_TRUE(out[0] == 235 && out[1] == 20);
+            unsigned char row[9] = {0, 0, 0};
+            std::memset(row + 3, c.mid, 3);
+            std::memset(row + 6, 102, 3);
+            fast ? t.Line8(row, out) : t.Line8Reference(row, out);
+            const PIXERR* e = t.Carried();
+            const int l2 = CubeLevel(102 + (int)std::floor(c.e1 * 7 / 16.0));
+            EXPECT_TRUE(e[1].r == c.carried[0] && e[2].g == c.carried[1] && e[3].b == c.carried[2] && e[4].r == c.carried[3] &&
+                        out[2] == CubeIndex(l2, l2, l2)) << fast;
+        }
+    // Stepping: map and walker agree; enlarging, both ends are kept and each pick is the
+    // nearest point of the line from (0, 0) to (t − 1, s − 1).
+    const std::uint32_t sizes[] = {1, 2, 3, 7, 10, 31, 64};
+    for (int ends = 0; ends < 2; ++ends)
+        for (std::uint32_t s : sizes)
+            for (std::uint32_t t : sizes) {
+                std::vector<std::uint32_t> map(t, 9999);
+                StepMap(s, t, map.data(), ends != 0);
+                Stepper w(s, t, ends != 0);
+                std::uint32_t k = 0;
+                for (std::uint32_t i = 0; i < s; ++i)
+                    for (std::uint32_t n = w.Take(); n; --n, ++k)
+                        ASSERT_TRUE(k < t && map[k] == i) << s << "->" << t;
+                ASSERT_TRUE(k == t && w.Done() && (!ends || s > t || map[t - 1] == s - 1)) << s << "->" << t;
+                for (std::uint32_t i = 0; ends && s <= t && i < t; ++i)
+                    ASSERT_LE(std::llabs(2LL * map[i] * (t - 1) - 2LL * i * (s - 1)), (long long)t - 1) << s << "->" << t;
+            }
+    // Rows, worked by hand from the error terms: the same height does not give
+    // the identity, it repeats the second-last row in place of the last.
+    const struct { std::uint32_t s, t; std::vector<std::uint32_t> map; } worked[] = {
+        {2, 2, {0, 0}}, {3, 3, {0, 1, 1}}, {4, 4, {0, 1, 1, 2}}, {2, 5, {0, 0, 0, 1, 1}},
+        {3, 7, {0, 0, 1, 1, 1, 1, 2}}, {5, 2, {1, 3}}, {10, 3, {1, 4, 7}}, {1, 10, std::vector<std::uint32_t>(10, 0)}};
+    for (const auto& w : worked) {
+        std::vector<std::uint32_t> map(w.t);
+        StepMap(w.s, w.t, map.data(), false);
+        EXPECT_EQ(map, w.map) << w.s << "->" << w.t;
+    }
 }
