@@ -165,10 +165,7 @@ TEST(Metafile, HeaderAndItsRewritesInPlace)
 
     m.DrawRect(R(-5, 7, 20, 30));
     Bytes before = Serialised(m);
-    struct {
-        int at, size;
-        void (*set)(vMETAFILE&);
-    } rewrites[] = {
+    struct { int at, size; void (*set)(vMETAFILE&); } rewrites[] = {
         {11, 8, [](vMETAFILE& f) { f.LogicalPageSize(0x01020304L, -2L); }},
         {19, 16, [](vMETAFILE& f) { f.LogicalExtents(0x01020304L, -2L, 0x0A0B0C0DL, 0x11223344L); }},
         {43, 8, [](vMETAFILE& f) { f.PhysicalPageSize(0x01020304L, -2L); }},
@@ -235,10 +232,7 @@ TEST(Metafile, ExtentsMapOntoTheArea)
     m.DrawRect(R(110, 205, 120, 215));
     m.EndMetaFile();
     vCOLOUR tint(0, 200, 0), grey = tint.TintFormat(vCOLOUR(0, 0, 255).GreyScale());
-    struct {
-        vRECT area, inner;   // the outer rectangle lands on the area
-        vCOLOUR* tint;
-    } cases[] = {
+    struct { vRECT area, inner; vCOLOUR* tint; } cases[] = {   // the outer rectangle lands on the area
         {R(0, 0, 40, 30), R(10, 5, 20, 15), nullptr},
         {R(5, 2, 85, 62), R(25, 12, 45, 32), nullptr},
         {R(3, 3, 23, 18), R(8, 6, 13, 11), nullptr},     // 5.5 and 10.5 round away

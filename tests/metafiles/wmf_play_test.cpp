@@ -3,6 +3,7 @@
 // against plain GDI; and the native metafile made through the temporary file.
 #include <windows.h>
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -45,12 +46,6 @@ void StartState(HDC dc, const RECT& area)
     SetMapMode(dc, MM_ANISOTROPIC);
     SetViewportOrgEx(dc, area.left, area.top, nullptr);
     SetViewportExtEx(dc, area.right - area.left, area.bottom - area.top, nullptr);
-}
-
-void PutLong(Bytes& b, size_t at, std::uint32_t v)
-{
-    for (int i = 0; i < 4; ++i)
-        b[at + i] = (unsigned char)(v >> (8 * i));
 }
 
 // The reference for the system player: the records the guard and the filter
@@ -101,9 +96,10 @@ Bytes Passed(const Bytes& file, const RECT& area)
     }
     static const unsigned char eof[6] = {3, 0, 0, 0, 0, 0};
     out.insert(out.end(), eof, eof + 6);
-    PutLong(out, 6, (std::uint32_t)(out.size() / 2));
+    const std::uint32_t words = (std::uint32_t)(out.size() / 2);
+    for (int i = 0; i < 4; ++i)   // size in words, handle count, largest record
+        out[6 + i] = (unsigned char)(words >> (8 * i)), out[12 + i] = (unsigned char)(0xFFFF >> (8 * i));
     out[10] = (unsigned char)handles, out[11] = (unsigned char)(handles >> 8);
-    PutLong(out, 12, 0xFFFF);
     return out;
 }
 
@@ -213,23 +209,12 @@ const RECT kUp = {8, 8, 152, 152}, kFlipY = {8, 152, 152, 8}, kFlipX = {152, 8, 
 
 TEST(WmfPlay, FilterCasesAgainstPlainDrawing)
 {
-    struct Case {
-        const char* name;
-        Bytes file;
-        RECT area;
-        int result;   // Draw's result, -1 for a refused metafile
-        void (*expect)(HDC dc, const RECT& area);
-    };
+    // Draw's result is -1 for a refused metafile.
+    struct Case { const char* name; Bytes file; RECT area; int result; void (*expect)(HDC dc, const RECT& area); };
     auto rect = [](HDC dc, const RECT& a) { BaseState(dc, a), Rectangle(dc, 10, 10, 60, 40), Release(dc); };
-    Bytes viewport = Base()
-                         .Rec(fnSetViewportOrg, {30, 30})
-                         .Rec(fnSetViewportExt, {10, 10})
-                         .Rec(fnOffsetViewportOrg, {5, 5})
-                         .Rec(fnScaleViewportExt, {1, 2, 1, 2})
-                         .Rec(fnOffsetWindowOrg, {7, 7})
-                         .Rec(fnIntersectClipRect, Box(0, 0, 20, 20))
-                         .Rec(fnRectangle, Box(10, 10, 60, 40))
-                         .Done();
+    Bytes viewport = Base().Rec(fnSetViewportOrg, {30, 30}).Rec(fnSetViewportExt, {10, 10}).Rec(fnOffsetViewportOrg, {5, 5})
+                         .Rec(fnScaleViewportExt, {1, 2, 1, 2}).Rec(fnOffsetWindowOrg, {7, 7})
+                         .Rec(fnIntersectClipRect, Box(0, 0, 20, 20)).Rec(fnRectangle, Box(10, 10, 60, 40)).Done();
     Bytes cutRecord = Base().Rec(fnRectangle, Box(10, 10, 60, 40)).Done(), noEof = cutRecord;
     cutRecord[cutRecord.size() - 6] = 100;   // META_EOF now claims 100 words
     noEof.resize(noEof.size() - 6);
@@ -274,10 +259,7 @@ TEST(WmfPlay, FilterCasesAgainstPlainDrawing)
 // area survive a metafile that changes both.
 TEST(WmfPlay, HeadersAndTheMappingAfterwards)
 {
-    struct Case {
-        Bytes file;
-        long want[6];   // left, top, right, bottom, horizontal and vertical units per inch
-    } cases[] = {
+    struct Case { Bytes file; long want[6]; } cases[] = {   // left, top, right, bottom, units per inch across and down
         {Wmf().Placeable(-20, 10, 300, 400, 1440).Header(0).Done(), {-20, 10, 300, 400, 1440, 1440}},
         {Wmf().Header(0).Done(), {0, 0, 1000, 1000, 576, 576}},
         {Wmf().Header(0, 2, 12).Done(), {0, 0, 1000, 1000, 576, 576}},
@@ -369,20 +351,14 @@ void PlayNative(devtest::SURFACE& s, HMETAFILE h)
 
 TEST(WmfNative, FromWindowsMetafiles)
 {
-    char dir[MAX_PATH + 1];
-    GetTempPathA(sizeof dir, dir);
-    const std::string temporary = std::string(dir) + "tmp.tmp";
-    Bytes box = Wmf().Header(0).Rec(fnSetWindowExt, {100, 100}).Rec(fnRectangle, {50, 60, 10, 10}).Done();
-    struct Case {
-        const char* name;
-        Bytes file;
-        bool made;
-        short pageX, pageY;   // 0: the metafile's extents
-    } cases[] = {
+    char temporary[MAX_PATH + 8];
+    strcpy(temporary + GetTempPathA(MAX_PATH, temporary), "tmp.tmp");
+    struct Case { const char* name; Bytes file; bool made; short pageX, pageY; } cases[] = {   // page 0: the extents
         {"placeable corpus file", ReadFile(rltest::DataDir() + "/corpus/wmf/pillow/drawing.wmf"), true, 0, 0},
         {"placeable, flipped box", Wmf().Placeable(300, 200, 100, 50, 96).Header(0).Rec(fnSetWindowExt, {100, 100})
                                        .Rec(fnRectangle, {50, 60, 10, 10}).Done(), true, 200, 150},
-        {"no placeable header", box, true, 1000, 1000},
+        {"no placeable header", Wmf().Header(0).Rec(fnSetWindowExt, {100, 100}).Rec(fnRectangle, {50, 60, 10, 10}).Done(),
+         true, 1000, 1000},
         {"record past the end", ReadFile(rltest::DataDir() + "/corpus/wmf/poi/61338.wmf"), true, 1000, 1000},
         {"refused header", Wmf().Placeable(0, 0, 9, 9, 96, 4).Header(0).Done(), false, 21000, 29700},
     };
@@ -395,7 +371,7 @@ TEST(WmfNative, FromWindowsMetafiles)
         EXPECT_EQ(vDT_METAFILE, native.DeviceType()) << c.name;
         EXPECT_EQ(c.pageX ? c.pageX : std::abs(m.XExtent()), native.PageWidth()) << c.name;
         EXPECT_EQ(c.pageX ? c.pageY : std::abs(m.YExtent()), native.PageHeight()) << c.name;
-        EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA(temporary.c_str())) << c.name;
+        EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA(temporary)) << c.name;
         HMETAFILE h = native.RemoveFileHandle();
         EXPECT_EQ(c.made, h != nullptr) << c.name;
         EXPECT_TRUE(native.RemoveFileHandle() == nullptr) << c.name;
@@ -434,8 +410,7 @@ TEST(WmfNative, WriteAndOwnRecordings)
     ASSERT_TRUE(written != nullptr && held != nullptr);
     EXPECT_EQ(BitsOf(held), BitsOf(written));
     EXPECT_GT(BitsOf(held).size(), 18u + 6u);
-    DeleteMetaFile(written);
-    DeleteMetaFile(held);
+    DeleteMetaFile(written), DeleteMetaFile(held);
     DeleteFileA(path.c_str());
     EXPECT_EQ(0, drawn.Write(vSTRING("%s", path.c_str())));
     EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA(path.c_str()));
