@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 #include <gtest/gtest.h>
@@ -14,20 +16,14 @@ namespace {
 
 std::string Slurp(const std::string& name)
 {
-    std::string s;
-    if (FILE* f = fopen(name.c_str(), "rb")) {
-        for (int c; (c = fgetc(f)) != EOF;)
-            s.push_back(char(c));
-        fclose(f);
-    }
-    return s;
+    std::ifstream f(name, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
 }
-
-void Spill(const std::string& name, const std::string& data)
+void Spill(const std::string& name, const std::string& data) { std::ofstream(name, std::ios::binary) << data; }
+void Remove(std::initializer_list<std::string> files)
 {
-    FILE* f = fopen(name.c_str(), "wb");
-    fwrite(data.data(), 1, data.size(), f);
-    fclose(f);
+    for (const std::string& f : files)
+        DeleteFileA(f.c_str());
 }
 
 std::string Quoted(const std::string& s) { return "\"" + s + "\""; }
@@ -73,8 +69,7 @@ int RunTool(const std::string& args, std::string* text = nullptr, std::string* e
         CloseHandle(errOut), *err = Slurp(errLog);
     if (text)
         *text = Slurp(log);
-    DeleteFileA(log.c_str());
-    DeleteFileA(errLog.c_str());
+    Remove({log, errLog});
     return code;
 }
 
@@ -161,8 +156,7 @@ TEST(Rltool, NumbersAreParsedStrictly)
         {str + "0x407", 0}};
     for (const Case& c : cases)
         EXPECT_EQ(RunTool(c.args), c.code) << c.args;
-    DeleteFileA(in.c_str());
-    DeleteFileA(out.c_str());
+    Remove({in, out});
 }
 
 // The progress line was painted on every percent, which made a one-second job
@@ -194,8 +188,7 @@ TEST(Rltool, ProgressIsPaintedAFewTimesASecond)
     EXPECT_EQ(RunTool("implode " + Quoted(raw) + " " + Quoted(out), nullptr, &err), 0);
     EXPECT_EQ(err, "");
     SetEnvironmentVariableA("RLTOOL_PROGRESS", nullptr);
-    for (const std::string& f : {bmp, raw, out})
-        DeleteFileA(f.c_str());
+    Remove({bmp, raw, out});
 }
 
 // Failure reasons go to standard error; standard output keeps the report.
@@ -384,8 +377,7 @@ TEST(Rltool, ResizeAndBitmapRecords)
     EXPECT_EQ(2, RunTool("bitmap frob " + in + " " + rec));
     EXPECT_EQ(2, RunTool("bitmap unpack " + in + " " + rec + " --compress"));
     EXPECT_FALSE(Exists(rec));
-    for (const std::string& f : {in, big, back})
-        DeleteFileA(f.c_str());
+    Remove({in, big, back});
 }
 
 // showcase draws a sheet with ink in every panel. Recorded into a metafile
@@ -408,11 +400,10 @@ TEST(Rltool, ShowcaseDrawnAndRecorded)
     const std::string pal = Slurp(paletted);
     for (const std::string* sheet : {&a, &pal}) {
         const std::string& p = *sheet;
+        const unsigned long bits = sheet == &a ? 24 : 8;
         ASSERT_GT(p.size(), 54u);
-        const unsigned long bits = sheet == &a ? 24 : 8, header[][3] = {{2, 4, p.size()}, {14, 4, 40}, {18, 4, 960}, {22, 4, 720}, {28, 2, bits}};
-        for (const auto& h : header)
-            EXPECT_EQ(Get(p, h[0], (int)h[1]), h[2]) << bits << " bits, field at " << h[0];
-        ASSERT_EQ(Get(p, 10, 4) + (960ul * bits + 31) / 32 * 4 * 720, p.size());
+        EXPECT_TRUE(Get(p, 2, 4) == p.size() && Get(p, 14, 4) == 40 && Get(p, 18, 4) == 960 && Get(p, 22, 4) == 720 &&
+                    Get(p, 28, 2) == bits && Get(p, 10, 4) + (960ul * bits + 31) / 32 * 4 * 720 == p.size()) << bits;
         const struct { long l, t, r, b; } panels[] = {
             {0, 20, 480, 240}, {480, 20, 960, 240}, {0, 260, 480, 480}, {480, 260, 960, 480}, {0, 500, 960, 720}};
         for (const auto& q : panels) {
@@ -438,43 +429,38 @@ TEST(Rltool, ShowcaseDrawnAndRecorded)
     EXPECT_EQ(0, plateDiffer);
     for (const std::string& bad : {direct + " --bits 16", direct + " --bits 24x", rlm + " --bits 8", std::string()})
         EXPECT_EQ(RunTool("showcase " + bad), 2) << bad;
-    for (const std::string& f : {rlm, direct, paletted, rendered})
-        DeleteFileA(f.c_str());
+    Remove({rlm, direct, paletted, rendered});
 }
 
 TEST(Rltool, TextRendersIntoABitmapFile)
 {
-    struct Picture { unsigned long width, height, bits, ink, inColour; };
-    auto read = [](const std::string& name, unsigned char r, unsigned char g, unsigned char b) {
-        vFILE f(vSTRING("%s", name.c_str()), vFILE_READONLY, 0);
-        oMEMDIB d(f, 0);
-        Picture p = {d.Width(), d.Height(), d.BitCount(), 0, 0};
-        for (unsigned long y = 0; p.bits == 24 && d.Bits() && y < p.height; ++y)
-            for (unsigned long x = 0; x < p.width; ++x) {
-                const unsigned char* px = d.Bits() + y * d.Stride() + 3 * x;
-                p.ink += !(px[0] == 255 && px[1] == 255 && px[2] == 255);
-                p.inColour += px[0] == b && px[1] == g && px[2] == r;
-            }
-        return p;
-    };
     std::string out = rltest::TempPath("text"), log, cmd = "text \"Hello there\" " + out + " --size 20";
+    // Width, height, pixels other than white, pixels in `colour`.
+    auto read = [&](unsigned long colour) {
+        const std::string f = Slurp(out);
+        EXPECT_EQ(f.substr(0, 2), "BM");
+        EXPECT_EQ(Get(f, 28, 2), 24u);
+        long w = (long)Get(f, 18, 4), h = (long)Get(f, 22, 4), ink = 0, inColour = 0;
+        for (long y = 0; y < h; ++y)
+            for (long x = 0; x < w; ++x)
+                ink += Pixel(f, x, y) != 0xFFFFFF, inColour += Pixel(f, x, y) == colour;
+        return std::vector<long>{w, h, ink, inColour};
+    };
     ASSERT_EQ(RunTool(cmd + " --colour 200,30,40", &log), 0) << log;
-    EXPECT_EQ(Slurp(out).substr(0, 2), "BM");
-    Picture flat = read(out, 200, 30, 40);
-    EXPECT_EQ(flat.bits, 24u);
-    EXPECT_GT(flat.width, 2 * flat.height);
-    EXPECT_GT(flat.inColour, 50u);
+    std::vector<long> flat = read(0xC81E28);
+    EXPECT_GT(flat[0], 2 * flat[1]);
+    EXPECT_GT(flat[3], 50);
     // Turned a quarter, the picture stands upright; two lines make it taller.
     ASSERT_EQ(RunTool(cmd + " --angle 90.00", &log), 0) << log;
-    Picture up = read(out, 0, 0, 0);
-    EXPECT_EQ(up.width, flat.height);
-    EXPECT_EQ(up.height, flat.width);
-    EXPECT_GT(up.inColour, 50u);
+    std::vector<long> up = read(0);
+    EXPECT_EQ(up[0], flat[1]);
+    EXPECT_EQ(up[1], flat[0]);
+    EXPECT_GT(up[3], 50);
     ASSERT_EQ(RunTool("text \"Hello there\\nHello there\" " + out + " --size 20", &log), 0) << log;
-    Picture two = read(out, 0, 0, 0);
-    EXPECT_EQ(two.width, flat.width);
-    EXPECT_GT(two.height, flat.height + flat.height / 2);
-    EXPECT_GT(two.ink, flat.ink * 3 / 2);
+    std::vector<long> two = read(0);
+    EXPECT_EQ(two[0], flat[0]);
+    EXPECT_GT(two[1], flat[1] + flat[1] / 2);
+    EXPECT_GT(two[2], flat[2] * 3 / 2);
     DeleteFileA(out.c_str());
     for (const char* bad : {"--colour 1,2", "--colour 1,2,300", "--size 0", "--size 2.5", "--angle 400", "--angle 1.234",
                             "--angle 360.5", "--angle +5", "--what", "--font \"\""})
