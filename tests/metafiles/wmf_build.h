@@ -1,6 +1,5 @@
-// Builds Windows metafiles byte by byte for the tests: an optional placeable
-// header, the METAHEADER, records of 16-bit parameters, and META_EOF. Shared by
-// the Wine tests and the native guard tests.
+// Windows metafiles built byte by byte: optional placeable header, METAHEADER,
+// records of 16-bit parameters, META_EOF. Shared with the native guard tests.
 #ifndef RL132_TESTS_METAFILES_WMF_BUILD_H
 #define RL132_TESTS_METAFILES_WMF_BUILD_H
 #include <cstdint>
@@ -18,7 +17,7 @@ struct Wmf {
     void L(std::uint32_t v) { W((std::uint16_t)v), W((std::uint16_t)(v >> 16)); }
     std::uint16_t At(std::size_t i) const { return (std::uint16_t)(b[i] | b[i + 1] << 8); }
 
-    // The 22-byte placeable header; `flip` is xor'ed into its checksum.
+    // `flip` is xor'ed into the checksum.
     Wmf& Placeable(short left, short top, short right, short bottom, std::uint16_t inch, std::uint16_t flip = 0)
     {
         L(0x9AC6CDD7u), W(0), W((std::uint16_t)left), W((std::uint16_t)top), W((std::uint16_t)right),
@@ -29,7 +28,7 @@ struct Wmf {
         W(x ^ flip);
         return *this;
     }
-    // The METAHEADER; `headerWords` past 9 adds zero words after it.
+    // `headerWords` past 9 adds zero words after the header.
     Wmf& Header(std::uint16_t objects, std::uint16_t type = 1, std::uint16_t headerWords = 9)
     {
         metaAt = b.size();
@@ -48,8 +47,7 @@ struct Wmf {
         L(words), W(function);
         for (std::uint16_t p : params)
             W(p);
-        if (words > largest)
-            largest = words;
+        largest = words > largest ? words : largest;
         return *this;
     }
     // META_EOF, then the file size and largest record filled in.
@@ -57,15 +55,12 @@ struct Wmf {
     {
         Rec(0, {});
         std::uint32_t words = (std::uint32_t)((b.size() - metaAt) / 2);
-        for (int i = 0; i < 4; ++i) {
-            b[metaAt + 6 + i] = (unsigned char)(words >> (8 * i));
-            b[metaAt + 12 + i] = (unsigned char)(largest >> (8 * i));
-        }
+        for (int i = 0; i < 4; ++i)
+            b[metaAt + 6 + i] = (unsigned char)(words >> (8 * i)), b[metaAt + 12 + i] = (unsigned char)(largest >> (8 * i));
         return b;
     }
 };
 
-// Parameter helpers: a colour as two words, and a word from a signed value.
 inline std::uint16_t S(int v) { return (std::uint16_t)(short)v; }
 
 } // namespace wmftest

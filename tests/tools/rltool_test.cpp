@@ -1,14 +1,34 @@
 // rltool run as a separate process, as a user meets it: numbers, progress,
 // messages and exit codes, and the files each command leaves on disk.
-#include <gtest/gtest.h>
+#include <windows.h>
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
 #include <vector>
+#include <gtest/gtest.h>
 #include "rl132.h"
-#include "tool_run.h"
+#include "rltest.h"
 
 namespace {
-std::string Corpus(const char* name) { return Quoted(rltest::DataDir() + "/corpus/bmp/" + name); }
+
+std::string Slurp(const std::string& name)
+{
+    std::ifstream f(name, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
+}
+void Spill(const std::string& name, const std::string& data) { std::ofstream(name, std::ios::binary) << data; }
+void Remove(std::initializer_list<std::string> files)
+{
+    for (const std::string& f : files)
+        DeleteFileA(f.c_str());
+}
+
+std::string Quoted(const std::string& s) { return "\"" + s + "\""; }
+bool Exists(const std::string& name) { return GetFileAttributesA(name.c_str()) != INVALID_FILE_ATTRIBUTES; }
+std::string Corpus(const std::string& name) { return Quoted(rltest::DataDir() + "/corpus/" + name); }
 
 unsigned long Get(const std::string& f, size_t at, int n)
 {
@@ -16,6 +36,49 @@ unsigned long Get(const std::string& f, size_t at, int n)
     for (int i = 0; i < n; ++i)
         v |= (unsigned long)(unsigned char)f[at + i] << (8 * i);
     return v;
+}
+
+// The tool's report holds `part`.
+::testing::AssertionResult Has(const std::string& text, const std::string& part)
+{
+    if (text.find(part) != std::string::npos)
+        return ::testing::AssertionSuccess();
+    return ::testing::AssertionFailure() << "no \"" << part << "\" in:\n" << text;
+}
+
+// The exit code (-1 when it could not be started or did not finish). Standard
+// output goes to *text, with standard error unless *err takes that apart.
+int RunTool(const std::string& args, std::string* text = nullptr, std::string* err = nullptr)
+{
+    std::string log = rltest::TempPath("toollog"), errLog = rltest::TempPath("toolerr");
+    SECURITY_ATTRIBUTES sa = {sizeof sa, nullptr, TRUE};
+    HANDLE out = CreateFileA(log.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &sa, CREATE_ALWAYS, 0, nullptr);
+    HANDLE errOut = err ? CreateFileA(errLog.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &sa, CREATE_ALWAYS, 0, nullptr) : out;
+    STARTUPINFOA si = {};
+    si.cb = sizeof si;
+    si.dwFlags = STARTF_USESTDHANDLES;
+    si.hStdInput = INVALID_HANDLE_VALUE;
+    si.hStdOutput = out;
+    si.hStdError = errOut;
+    PROCESS_INFORMATION pi = {};
+    std::string cmd = "rltool.exe " + args;
+    int code = -1;
+    if (CreateProcessA(nullptr, &cmd[0], nullptr, nullptr, TRUE, 0, nullptr, nullptr, &si, &pi)) {
+        DWORD c = 0;
+        if (WaitForSingleObject(pi.hProcess, 60000) == WAIT_OBJECT_0 && GetExitCodeProcess(pi.hProcess, &c))
+            code = (int)c;
+        else
+            TerminateProcess(pi.hProcess, 99);
+        CloseHandle(pi.hProcess);
+        CloseHandle(pi.hThread);
+    }
+    CloseHandle(out);
+    if (err)
+        CloseHandle(errOut), *err = Slurp(errLog);
+    if (text)
+        *text = Slurp(log);
+    Remove({log, errLog});
+    return code;
 }
 
 // A fresh empty folder, so a test can tell that nothing was left behind in it.
@@ -44,7 +107,29 @@ int FilesIn(const std::string& dir, bool remove = false)
     return n;
 }
 
-struct Zeros {  // zeros fed to the compressor without ever being held in memory
+// A bitmap file of pseudo-random 24-bit rows.
+std::string Picture(long w, long h, unsigned seed)
+{
+    const unsigned long stride = ((w * 24 + 31) / 32) * 4, rows = stride * h;
+    std::string v(54 + rows, '\0');
+    BITMAPFILEHEADER fh = {0x4D42, (DWORD)v.size(), 0, 0, 54};
+    BITMAPINFOHEADER ih = {40, w, h, 1, 24, 0, rows, 0, 0, 0, 0};
+    memcpy(&v[0], &fh, 14);
+    memcpy(&v[14], &ih, 40);
+    for (unsigned long k = 0; k < rows; ++k)
+        v[54 + k] = (char)((k * 2654435761u + seed) >> 13);
+    return v;
+}
+
+// A pixel of a bottom-up bitmap file at 24 or 8 bits, from the top, as 0xRRGGBB.
+unsigned long Pixel(const std::string& f, long x, long y)
+{
+    unsigned long bits = Get(f, 28, 2), stride = (Get(f, 18, 4) * bits + 31) / 32 * 4;
+    size_t row = Get(f, 10, 4) + (size_t)(Get(f, 22, 4) - 1 - y) * stride;
+    return bits == 24 ? Get(f, row + 3 * x, 3) : Get(f, 54 + 4 * (unsigned char)f[row + x], 3);
+}
+
+struct Zeros {   // zeros fed to the compressor without ever being held in memory
     unsigned long long left;
     std::string packed;
 };
@@ -57,6 +142,7 @@ unsigned ZeroRead(char* buf, unsigned* size, void* param)
     return n;
 }
 void PackedWrite(char* buf, unsigned* size, void* param) { static_cast<Zeros*>(param)->packed.append(buf, *size); }
+
 } // namespace
 
 // Numbers once went through strtoul: "-4294967291" wrapped to 5, " +5" was 5.
@@ -68,49 +154,33 @@ TEST(Rltool, NumbersAreParsedStrictly)
     const std::string imp = "implode " + Quoted(in) + " " + Quoted(out) + " --", rs = "resize x.bmp y.bmp --",
                       col = "colour --", str = "strings --language ";
     struct Case { std::string args; int code; } cases[] = {
-        {imp + "level -4294967291", 2}, {imp + "level \" +5\"", 2}, {imp + "level +5", 2}, {imp + "level \"5 \"", 2},
-        {imp + "level \"\"", 2}, {imp + "level 0x5", 2}, {imp + "level 5x", 2}, {imp + "level 0", 2},
-        {imp + "level 10", 2}, {imp + "level 4294967301", 2}, {imp + "level 18446744073709551621", 2},
-        {imp + "level 9", 0}, {imp + "level 05", 0}, {imp + "dict -4294963200", 2}, {imp + "dict 4096.0", 2},
-        {imp + "dict 3072", 2}, {imp + "dict 1024", 0}, {rs + "width -4294967291", 2}, {rs + "width 0", 2},
-        {rs + "height 65536", 2}, {rs + "bits -24", 2}, {rs + "bits 2", 2}, {col + "rgb 1,2,-0", 2},
-        {col + "rgb \"1,2, 3\"", 2}, {col + "rgb 1,2,+3", 2}, {col + "rgb 1,2,3,", 2}, {col + "rgb 1,,3", 2},
-        {col + "rgb 1,2,4294967299", 2}, {col + "cmyk 1,2,3", 2}, {col + "rgb 1,2,3 --tint 101", 2},
-        {col + "hls 359,100,100 --tint 0", 0}, {str + "-1", 2}, {str + "0x", 2}, {str + "65536", 2},
-        {str + "0x10000", 2}, {str + "\" 1031\"", 2}, {str + "0x407", 0}, {str + "1031", 0}};
+        {imp + "level -4294967291", 2}, {imp + "level \" +5\"", 2}, {imp + "level 0x5", 2}, {imp + "level 10", 2},
+        {imp + "level 4294967301", 2}, {imp + "level 05", 0}, {imp + "dict 4096.0", 2}, {imp + "dict 3072", 2},
+        {imp + "dict 1024", 0}, {rs + "width -4294967291", 2}, {rs + "height 65536", 2}, {col + "rgb 1,2,-0", 2},
+        {col + "rgb \"1,2, 3\"", 2}, {col + "rgb 1,,3", 2}, {col + "rgb 1,2,4294967299", 2},
+        {col + "hls 359,100,100 --tint 0", 0}, {str + "0x10000", 2}, {str + "\" 1031\"", 2}, {str + "0x407", 0}};
     for (const Case& c : cases)
         EXPECT_EQ(RunTool(c.args), c.code) << c.args;
-    DeleteFileA(in.c_str());
-    DeleteFileA(out.c_str());
+    Remove({in, out});
 }
 
 // The progress line was painted on every percent, which made a one-second job
-// take several on a Wine console: now at most four times a second, and its last
-// state always. RLTOOL_PROGRESS=1 shows it on a file.
+// take several on a Wine console: now at most four times a second, and its
+// last state always. RLTOOL_PROGRESS=1 shows it on a file.
 TEST(Rltool, ProgressIsPaintedAFewTimesASecond)
 {
-    std::string bmp = rltest::TempPath("pgb"), raw = rltest::TempPath("pgr"), out = rltest::TempPath("pgo");
-    std::string pic(54 + 3000u * 1600, '\0');  // 1000 x 1600 at 24 bits, a gradient
-    const unsigned long head[][2] = {{2, pic.size()}, {10, 54}, {14, 40}, {18, 1000}, {22, 1600}, {26, 1 | 24 << 16}};
-    for (const auto& h : head)
-        for (int i = 0; i < 4; ++i)
-            pic[h[0] + i] = char(h[1] >> (8 * i));
-    pic[0] = 'B', pic[1] = 'M';
-    for (size_t i = 54; i < pic.size(); ++i)
-        pic[i] = char((i - 54) / 3 % 1000 + (i - 54) / 3000);
-    Spill(bmp, pic);
+    std::string bmp = rltest::TempPath("pgb"), raw = rltest::TempPath("pgr"), out = rltest::TempPath("pgo"), err;
+    Spill(bmp, Picture(1000, 1600, 3));
     Spill(raw, std::string(12u << 20, 'x'));
-    ToolEnv force("RLTOOL_PROGRESS", "1");
+    SetEnvironmentVariableA("RLTOOL_PROGRESS", "1");
     struct Case { std::string args, last; } cases[] = {
         {"resize " + Quoted(bmp) + " " + Quoted(out) + " --width 500 --bits 8", "resizing [" + std::string(40, '#') + "] 100%"},
         {"implode " + Quoted(raw) + " " + Quoted(out), "implode: 100% (12.0 of 12.0 MB)"}};
     for (const Case& c : cases) {
-        std::string err;
         DWORD start = GetTickCount();
         ASSERT_EQ(RunTool(c.args, nullptr, &err), 0) << c.args << err;
         DWORD elapsed = GetTickCount() - start;
-        // The last state stays, the line is ended ("\r\n" in a Windows text
-        // stream), and each paint starts with "\r".
+        // Each paint starts with "\r"; the last state stays and the line is ended.
         ASSERT_GE(err.size(), 2u);
         EXPECT_EQ(err.substr(err.size() - 2), "\r\n");
         err.resize(err.size() - 2);
@@ -119,27 +189,21 @@ TEST(Rltool, ProgressIsPaintedAFewTimesASecond)
         EXPECT_LE(paints, elapsed / 250 + 2) << c.args << " in " << elapsed << " ms";
         EXPECT_EQ(err.substr(err.rfind('\r') + 1), c.last) << err;
     }
-    ToolEnv off("RLTOOL_PROGRESS", "0");
-    std::string err;
+    SetEnvironmentVariableA("RLTOOL_PROGRESS", "0");
     EXPECT_EQ(RunTool("implode " + Quoted(raw) + " " + Quoted(out), nullptr, &err), 0);
     EXPECT_EQ(err, "");
-    for (const std::string& f : {bmp, raw, out})
-        DeleteFileA(f.c_str());
+    SetEnvironmentVariableA("RLTOOL_PROGRESS", nullptr);
+    Remove({bmp, raw, out});
 }
 
 // Failure reasons go to standard error; standard output keeps the report.
-TEST(Rltool, ReasonsGoToStandardError)
+TEST(Rltool, InfoAndDumpSendReasonsToStandardError)
 {
     std::string text, err, path = rltest::TempPath("dmp");
     std::string bad = rltest::DataDir() + "/corpus/bmp/good/pal8v5.bmp";
     EXPECT_EQ(RunTool("info " + Quoted(bad), &text, &err), 1);
-    EXPECT_NE(text.find("library        not readable"), std::string::npos) << text;
-    EXPECT_NE(err.find("the library cannot read this bitmap: the info header is not the 40-byte kind"), std::string::npos) << err;
-    EXPECT_EQ(RunTool("info " + Quoted(bad + ".none"), &text, &err), 1);
-    EXPECT_EQ(text, "");
-    EXPECT_NE(err.find("cannot read a bitmap header"), std::string::npos) << err;
-
-    // dump: a string, a raw run and a frame; then the frame cut short.
+    EXPECT_TRUE(Has(text, "library        not readable"));
+    EXPECT_TRUE(Has(err, "the library cannot read this bitmap: the info header is not the 40-byte kind"));
     {
         vFILE f(vSTRING("%s", path.c_str()), vFILE_WRITENEW, 1);
         vSTRING("hello") >> f;
@@ -157,15 +221,14 @@ TEST(Rltool, ReasonsGoToStandardError)
     snprintf(frame, sizeof frame, "0000000b  frame   %-9lu 8+%lu -> 9000 bytes", length + 8, length);
     for (const char* want : {"00000000  string  5         \"hello\"", "00000007  raw     4         ef be ad de",
                              (const char*)frame, "1 frame, 1 string, 1 raw run"})
-        EXPECT_NE(text.find(want), std::string::npos) << want << "\n" << text;
+        EXPECT_TRUE(Has(text, want));
     Spill(path, disk.substr(0, disk.size() - 10));
     ASSERT_EQ(RunTool("dump " + Quoted(path), &text, &err), 1) << text;
-    EXPECT_NE(text.find("TRUNCATED"), std::string::npos) << text;
-    EXPECT_NE(text.find("1 damaged frame"), std::string::npos) << text;
-    EXPECT_NE(err.find("rltool: '" + path + "': 1 damaged frame"), std::string::npos) << err;
+    EXPECT_TRUE(Has(text, "TRUNCATED") && Has(text, "1 damaged frame"));
+    EXPECT_TRUE(Has(err, "rltool: '" + path + "': 1 damaged frame"));
     EXPECT_EQ(RunTool("dump " + Quoted(path + ".none"), &text, &err), 1);
     EXPECT_EQ(text, "");
-    EXPECT_NE(err.find("cannot read"), std::string::npos) << err;
+    EXPECT_TRUE(Has(err, "cannot read"));
     DeleteFileA(path.c_str());
 }
 
@@ -185,9 +248,7 @@ TEST(Rltool, DumpOfAFrameExpandingPastTheSpillSize)
     char want[160];
     snprintf(want, sizeof want, "00000000  frame   %-9lu 8+%lu -> 101000000 bytes (binary literals, 4096-byte dictionary)  "
              "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ...", (unsigned long)z.packed.size() + 8, (unsigned long)z.packed.size());
-    EXPECT_NE(text.find(want), std::string::npos) << text;
-    EXPECT_NE(text.find("string  5         \"tail!\""), std::string::npos) << text;
-    EXPECT_NE(text.find("1 frame, 1 string, 0 raw runs"), std::string::npos) << text;
+    EXPECT_TRUE(Has(text, want) && Has(text, "string  5         \"tail!\"") && Has(text, "1 frame, 1 string, 0 raw runs"));
     DeleteFileA(path.c_str());
 }
 
@@ -207,21 +268,21 @@ TEST(Rltool, ImplodeExplodeRoundTripsAndLeavesNoPartialOutput)
         ASSERT_EQ(RunTool("explode" + files), 0);
         EXPECT_TRUE(Slurp(out) == plain);
     }
-    EXPECT_EQ(FilesIn(dir), 3);  // results replaced the old files: no temporaries beside them
-    // A failure half-way leaves no partial output, neither over an earlier
-    // result (which stays) nor where there was none.
+    EXPECT_EQ(FilesIn(dir), 3);   // results replaced the old files: no temporaries beside them
+    // A failure half-way leaves no partial output, over an earlier result
+    // (which stays) or where there was none.
     Spill(packed, p.substr(0, p.size() / 2));
     EXPECT_EQ(RunTool("explode" + files, nullptr, &err), 1);
-    EXPECT_NE(err.find("corrupt or truncated"), std::string::npos) << err;
+    EXPECT_TRUE(Has(err, "corrupt or truncated"));
     EXPECT_TRUE(Slurp(out) == plain);
     DeleteFileA(out.c_str());
     EXPECT_EQ(RunTool("explode" + files), 1);
     EXPECT_FALSE(Exists(out));
     Spill(packed, std::string("\x00\x07\x01\x02\x03\x04", 6));
     EXPECT_EQ(RunTool("explode" + files, nullptr, &err), 1);
-    EXPECT_NE(err.find("dictionary"), std::string::npos) << err;
+    EXPECT_TRUE(Has(err, "dictionary"));
     EXPECT_EQ(RunTool("explode " + Quoted(in + ".missing") + " " + Quoted(out), nullptr, &err), 1);
-    EXPECT_NE(err.find("cannot open"), std::string::npos) << err;
+    EXPECT_TRUE(Has(err, "cannot open"));
     EXPECT_EQ(RunTool("implode " + Quoted(in) + " " + Quoted(dir + "\\no such folder\\x")), 1);
     EXPECT_EQ(RunTool("explode " + Quoted(in)), 2);
     EXPECT_FALSE(Exists(out));
@@ -233,8 +294,7 @@ TEST(Rltool, ImplodeExplodeRoundTripsAndLeavesNoPartialOutput)
 TEST(Rltool, RefusesToWriteOverItsInput)
 {
     std::string dir = TempFolder("ims"), name = dir + "\\Input.dat", link = dir + "\\link.dat", slashed = name;
-    for (char& c : slashed)
-        c = c == '\\' ? '/' : c;
+    std::replace(slashed.begin(), slashed.end(), '\\', '/');
     std::string spellings[] = {name, dir + "\\INPUT.DAT", dir + "\\..\\" + dir.substr(dir.find_last_of('\\') + 1) + "\\Input.dat",
                                dir + "\\.\\Input.dat", slashed, link};
     for (const std::string& content : {std::string(), std::string("some bytes that matter\r\n")}) {
@@ -245,7 +305,7 @@ TEST(Rltool, RefusesToWriteOverItsInput)
             for (const char* cmd : {"implode ", "explode ", "resize "}) {
                 std::string err;
                 EXPECT_EQ(RunTool(cmd + Quoted(name) + " " + Quoted(other), nullptr, &err), 2) << cmd << other;
-                EXPECT_NE(err.find("same file as the input"), std::string::npos) << err;
+                EXPECT_TRUE(Has(err, "same file as the input"));
                 EXPECT_EQ(Slurp(name), content) << cmd << other;
             }
         EXPECT_EQ(FilesIn(dir), 2);
@@ -262,110 +322,133 @@ TEST(Rltool, ShortReadIsAnError)
         GTEST_SKIP() << "no sysfs on this machine";
     std::string dir = TempFolder("imr"), err;
     EXPECT_EQ(RunTool("implode " + shrinking + " " + Quoted(dir + "\\out.imp"), nullptr, &err), 1);
-    EXPECT_NE(err.find("of its 4096 bytes"), std::string::npos) << err;
+    EXPECT_TRUE(Has(err, "of its 4096 bytes"));
     EXPECT_EQ(FilesIn(dir, true), 0);
 }
 
-TEST(Rltool, ResizeAndInfo)
+// resize, and bitmap pack / unpack with info on the record they make.
+TEST(Rltool, ResizeAndBitmapRecords)
 {
-    std::string out = rltest::TempPath("resized");
-    struct Case { std::string args; unsigned width, height; int bits; } cases[] = {
-        {Corpus("good/rgb24.bmp") + " " + out + " --width 60 --keep-aspect --bits 8", 60, 30, 8},  // 127 x 64
-        {Corpus("good/pal4.bmp") + " " + out + " --width 10 --height 7 --bits 1", 10, 7, 1}};
+    std::string out = rltest::TempPath("resized"), text;
+    struct Case { std::string args; unsigned long width, height, bits; } cases[] = {
+        {Corpus("bmp/good/rgb24.bmp") + " " + out + " --width 60 --keep-aspect --bits 8", 60, 30, 8},   // 127 x 64
+        {Corpus("bmp/good/pal4.bmp") + " " + out + " --width 10 --height 7 --bits 1", 10, 7, 1}};
     for (const Case& c : cases) {
         ASSERT_EQ(RunTool("resize " + c.args), 0) << c.args;
-        EXPECT_EQ(Slurp(out).substr(0, 2), "BM");  // a file other programs open
-        vFILE f(vSTRING("%s", out.c_str()), vFILE_READONLY, 0);
-        oMEMDIB d(f, 0);
-        EXPECT_EQ(d.Width(), c.width);
-        EXPECT_EQ(d.Height(), c.height);
-        EXPECT_EQ(d.BitCount(), c.bits);
+        const std::string f = Slurp(out);
+        EXPECT_TRUE(f.substr(0, 2) == "BM" && Get(f, 18, 4) == c.width && Get(f, 22, 4) == c.height && Get(f, 28, 2) == c.bits)
+            << c.args;
     }
     EXPECT_EQ(RunTool("info " + out), 0);
     DeleteFileA(out.c_str());
-    // Unreadable files fail with 1, bad arguments with 2, and nothing is left.
-    EXPECT_EQ(RunTool("info " + Corpus("bad/reallybig.bmp")), 1);
-    EXPECT_EQ(RunTool("resize " + Corpus("bad/shortfile.bmp") + " " + out), 1);
-    EXPECT_EQ(RunTool("resize " + Corpus("good/rgb24.bmp") + " " + out + " --bits 3"), 2);
+    EXPECT_EQ(RunTool("resize " + Corpus("bmp/bad/shortfile.bmp") + " " + out), 1);
+    EXPECT_EQ(RunTool("resize " + Corpus("bmp/good/rgb24.bmp") + " " + out + " --bits 3"), 2);
     EXPECT_EQ(RunTool("resize onlyone.bmp"), 2);
     EXPECT_FALSE(Exists(out));
+
+    const std::string in = rltest::TempPath("bmin"), big = rltest::TempPath("bmbig"), rec = rltest::TempPath("bmrec"),
+                      back = rltest::TempPath("bmback"), pic = Picture(40, 30, 1);
+    Spill(in, pic);
+    Spill(big, Picture(300, 210, 2));
+    ASSERT_EQ(0, RunTool("bitmap pack " + in + " " + rec + " --compress"));
+    EXPECT_EQ(std::string("\xB1\xAA\x12\x00", 4), Slurp(rec).substr(0, 4));
+    EXPECT_EQ(0, RunTool("info " + rec, &text));
+    for (const char* line : {"compressed bitmap record", "40 x 30", "24 per pixel", "strips         1"})
+        EXPECT_TRUE(Has(text, line));
+    ASSERT_EQ(0, RunTool("bitmap unpack " + rec + " " + back));
+    const std::string b = Slurp(back);
+    EXPECT_TRUE(b.size() == pic.size() && b.substr(0, 2) == "BM" && b.substr(54) == pic.substr(54));
+    ASSERT_EQ(0, RunTool("bitmap pack " + in + " " + rec));
+    EXPECT_EQ(pic.substr(54), Slurp(rec).substr(54));
+    EXPECT_EQ(0, RunTool("info " + big, &text));
+    EXPECT_TRUE(Has(text, "strips         4"));
+    DeleteFileA(rec.c_str());
+    Spill(back, std::string("\xB1\xAA\x12\x00\x04\x00\x00\x00\x01\x02\x03\x04", 12));
+    EXPECT_EQ(1, RunTool("bitmap unpack " + back + " " + rec));
+    EXPECT_EQ(1, RunTool("info " + back));
+    EXPECT_EQ(2, RunTool("bitmap frob " + in + " " + rec));
+    EXPECT_EQ(2, RunTool("bitmap unpack " + in + " " + rec + " --compress"));
+    EXPECT_FALSE(Exists(rec));
+    Remove({in, big, back});
 }
 
-// showcase: a bitmap of the sheet's size and depth, with ink in every panel.
-TEST(Rltool, ShowcaseWritesTheSheetWithInkInEveryPanel)
+// showcase draws a sheet with ink in every panel. Recorded into a metafile
+// and rendered back at its own size (the identity mapping) it gives the same
+// pixels, but for the four process plates: the drawing mode that makes one is
+// device state a metafile does not record, so each shows the plain picture.
+TEST(Rltool, ShowcaseDrawnAndRecorded)
 {
-    std::string out = rltest::TempPath("showcase"), log;
-    for (int bits : {24, 8}) {
-        ASSERT_EQ(RunTool("showcase " + out + " --bits " + std::to_string(bits), &log), 0) << log;
-        std::string f = Slurp(out);
-        ASSERT_GT(f.size(), 54u);
-        EXPECT_EQ(f.substr(0, 2), "BM");
-        EXPECT_EQ(Get(f, 2, 4), f.size());
-        EXPECT_EQ(Get(f, 14, 4), 40u);
-        EXPECT_EQ(Get(f, 18, 4), 960u);
-        EXPECT_EQ(Get(f, 22, 4), 720u);
-        EXPECT_EQ(Get(f, 28, 2), (unsigned long)bits);
-        unsigned long offset = Get(f, 10, 4), stride = (960ul * bits + 31) / 32 * 4;
-        ASSERT_EQ(offset + stride * 720, f.size());
-        auto pixel = [&](long x, long y) {  // from the top, as 0xRRGGBB
-            size_t row = offset + (size_t)(719 - y) * stride;
-            return bits == 24 ? Get(f, row + 3 * x, 3) : Get(f, 54 + 4 * (unsigned char)f[row + x], 3);
-        };
+    const long kW = 960, kH = 720;
+    std::string direct = rltest::TempPath("scd"), paletted = rltest::TempPath("scp"), rlm = rltest::TempPath("scm") + ".rlm",
+                rendered = rltest::TempPath("scr"), log;
+    ASSERT_EQ(RunTool("showcase " + Quoted(direct), &log), 0) << log;
+    ASSERT_EQ(RunTool("showcase " + Quoted(paletted) + " --bits 8", &log), 0) << log;
+    ASSERT_EQ(RunTool("showcase " + Quoted(rlm), &log), 0) << log;
+    EXPECT_EQ(Slurp(rlm).substr(0, 9), "TAVRLMETA");
+    ASSERT_EQ(RunTool("render " + Quoted(rlm) + " " + Quoted(rendered) + " --width 960 --height 720", &log), 0) << log;
+    const std::string a = Slurp(direct), b = Slurp(rendered);
+    ASSERT_EQ(a.size(), 54 + (size_t)kW * kH * 3);
+    ASSERT_EQ(b.size(), a.size());
+    const std::string pal = Slurp(paletted);
+    for (const std::string* sheet : {&a, &pal}) {
+        const std::string& p = *sheet;
+        const unsigned long bits = sheet == &a ? 24 : 8;
+        ASSERT_GT(p.size(), 54u);
+        EXPECT_TRUE(Get(p, 2, 4) == p.size() && Get(p, 14, 4) == 40 && Get(p, 18, 4) == 960 && Get(p, 22, 4) == 720 &&
+                    Get(p, 28, 2) == bits && Get(p, 10, 4) + (960ul * bits + 31) / 32 * 4 * 720 == p.size()) << bits;
         const struct { long l, t, r, b; } panels[] = {
             {0, 20, 480, 240}, {480, 20, 960, 240}, {0, 260, 480, 480}, {480, 260, 960, 480}, {0, 500, 960, 720}};
-        for (const auto& p : panels) {
+        for (const auto& q : panels) {
             long ink = 0;
-            for (long y = p.t; y < p.b; ++y)
-                for (long x = p.l; x < p.r; ++x)
-                    ink += pixel(x, y) != 0xFFFFFF;
-            EXPECT_GT(ink, (p.r - p.l) * (p.b - p.t) / 10) << bits << " panel at " << p.l << ", " << p.t;
+            for (long y = q.t; y < q.b; ++y)
+                for (long x = q.l; x < q.r; ++x)
+                    ink += Pixel(p, x, y) != 0xFFFFFF;
+            EXPECT_GT(ink, (q.r - q.l) * (q.b - q.t) / 10) << bits << " panel at " << q.l << ", " << q.t;
         }
-        DeleteFileA(out.c_str());
     }
-    for (const char* bad : {" --bits 16", " --bits 24x"})
-        EXPECT_EQ(RunTool("showcase " + out + bad), 2) << bad;
-    EXPECT_EQ(RunTool("showcase"), 2);
-    EXPECT_FALSE(Exists(out));
-}
-
-namespace {
-// text's output read back: size, depth, pixels other than white, pixels in colour.
-struct Picture { unsigned long width, height, bits, ink, inColour; };
-Picture Read(const std::string& name, unsigned char r, unsigned char g, unsigned char b)
-{
-    vFILE f(vSTRING("%s", name.c_str()), vFILE_READONLY, 0);
-    oMEMDIB d(f, 0);
-    Picture p = {d.Width(), d.Height(), d.BitCount(), 0, 0};
-    for (unsigned long y = 0; p.bits == 24 && d.Bits() && y < p.height; ++y)
-        for (unsigned long x = 0; x < p.width; ++x) {
-            const unsigned char* px = d.Bits() + y * d.Stride() + 3 * x;
-            p.ink += !(px[0] == 255 && px[1] == 255 && px[2] == 255);
-            p.inColour += px[0] == b && px[1] == g && px[2] == r;
+    // The plates: pictures at x = 200 + 188 i, 170 x 120 at y 510, with their outlines.
+    long differ = 0, plateDiffer = 0;
+    for (long y = 0; y < kH; ++y)
+        for (long x = 0; x < kW; ++x) {
+            if (x >= 190 && y >= 500 && y < 640) {
+                long i = (x - 190) / 188, dx = 190 + 188 * i;
+                plateDiffer += i < 4 && x - dx < 185 && Pixel(b, x, y) != Pixel(b, x - dx, y);
+            } else {
+                differ += Pixel(a, x, y) != Pixel(b, x, y);
+            }
         }
-    return p;
+    EXPECT_EQ(0, differ);
+    EXPECT_EQ(0, plateDiffer);
+    for (const std::string& bad : {direct + " --bits 16", direct + " --bits 24x", rlm + " --bits 8", std::string()})
+        EXPECT_EQ(RunTool("showcase " + bad), 2) << bad;
+    Remove({rlm, direct, paletted, rendered});
 }
-} // namespace
 
 TEST(Rltool, TextRendersIntoABitmapFile)
 {
     std::string out = rltest::TempPath("text"), log, cmd = "text \"Hello there\" " + out + " --size 20";
+    // Width, height, pixels other than white, pixels in `colour`.
+    auto read = [&](unsigned long colour) {
+        const std::string f = Slurp(out);
+        EXPECT_EQ(f.substr(0, 2), "BM");
+        EXPECT_EQ(Get(f, 28, 2), 24u);
+        long w = (long)Get(f, 18, 4), h = (long)Get(f, 22, 4), ink = 0, inColour = 0;
+        for (long y = 0; y < h; ++y)
+            for (long x = 0; x < w; ++x)
+                ink += Pixel(f, x, y) != 0xFFFFFF, inColour += Pixel(f, x, y) == colour;
+        return std::vector<long>{w, h, ink, inColour};
+    };
     ASSERT_EQ(RunTool(cmd + " --colour 200,30,40", &log), 0) << log;
-    EXPECT_EQ(Slurp(out).substr(0, 2), "BM");
-    Picture flat = Read(out, 200, 30, 40);
-    EXPECT_EQ(flat.bits, 24u);
-    EXPECT_GT(flat.width, 2 * flat.height);
-    EXPECT_GT(flat.inColour, 50u);
+    std::vector<long> flat = read(0xC81E28);
+    EXPECT_GT(flat[0], 2 * flat[1]);
+    EXPECT_GT(flat[3], 50);
     // Turned a quarter, the picture stands upright; two lines make it taller.
     ASSERT_EQ(RunTool(cmd + " --angle 90.00", &log), 0) << log;
-    Picture up = Read(out, 0, 0, 0);
-    EXPECT_EQ(up.width, flat.height);
-    EXPECT_EQ(up.height, flat.width);
-    EXPECT_GT(up.inColour, 50u);
+    std::vector<long> up = read(0);
+    EXPECT_TRUE(up[0] == flat[1] && up[1] == flat[0] && up[3] > 50) << up[0] << " x " << up[1];
     ASSERT_EQ(RunTool("text \"Hello there\\nHello there\" " + out + " --size 20", &log), 0) << log;
-    Picture two = Read(out, 0, 0, 0);
-    EXPECT_EQ(two.width, flat.width);
-    EXPECT_GT(two.height, flat.height + flat.height / 2);
-    EXPECT_GT(two.ink, flat.ink * 3 / 2);
+    std::vector<long> two = read(0);
+    EXPECT_TRUE(two[0] == flat[0] && two[1] > flat[1] * 3 / 2 && two[2] > flat[2] * 3 / 2) << two[1] << " " << two[2];
     DeleteFileA(out.c_str());
     for (const char* bad : {"--colour 1,2", "--colour 1,2,300", "--size 0", "--size 2.5", "--angle 400", "--angle 1.234",
                             "--angle 360.5", "--angle +5", "--what", "--font \"\""})
@@ -374,4 +457,79 @@ TEST(Rltool, TextRendersIntoABitmapFile)
     EXPECT_EQ(RunTool("text \"\" " + out), 2);
     EXPECT_FALSE(Exists(out));
     EXPECT_EQ(RunTool("text \"x\" Z:\\no\\such\\folder\\out.bmp", &log), 1) << log;
+}
+
+// A square picture, red with a blue middle, lands in the middle of a wide
+// bitmap at the bitmap's height, on white; info reads the recording.
+TEST(Rltool, RenderAndInfoOnOwnMetafiles)
+{
+    std::string in = rltest::TempPath("meta"), out = rltest::TempPath("render"), log;
+    {
+        vMETAFILE m;
+        m.LineSpec(vLINESPEC(vLT_NONE));
+        m.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(255, 0, 0), vCOLOUR(255, 0, 0)));
+        m.DrawRect(vRECT(vINT(0L), vINT(0L), vINT(99L), vINT(99L)));
+        m.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(0, 0, 255), vCOLOUR(0, 0, 255)));
+        m.DrawEllipse(vRECT(vINT(40L), vINT(40L), vINT(59L), vINT(59L)));
+        m.EndMetaFile();
+        vFILE f(vSTRING("%s", in.c_str()), vFILE_WRITENEW, 1);
+        m >> f;
+    }
+    for (int bits : {24, 8}) {
+        ASSERT_EQ(RunTool("render " + in + " " + out + " --width 100 --height 50 --bits " + std::to_string(bits), &log), 0) << log;
+        std::string f = Slurp(out);
+        ASSERT_GT(f.size(), 54u);
+        EXPECT_EQ(f.substr(0, 2), "BM");
+        EXPECT_EQ(Get(f, 18, 4), 100u);
+        EXPECT_EQ(Get(f, 22, 4), 50u);
+        ASSERT_EQ(Get(f, 10, 4) + (100ul * bits + 31) / 32 * 4 * 50, f.size());
+        // The picture's pixels (0..98 drawn directly) land on x 25..74, y 0..49.
+        const struct { long x, y; unsigned long rgb; } probes[] = {
+            {24, 25, 0xFFFFFF}, {25, 25, 0xFF0000}, {74, 25, 0xFF0000}, {75, 25, 0xFFFFFF},
+            {30, 0, 0xFF0000}, {30, 49, 0xFF0000}, {50, 25, 0x0000FF}, {0, 0, 0xFFFFFF}, {99, 49, 0xFFFFFF}};
+        for (const auto& p : probes)
+            EXPECT_EQ(Pixel(f, p.x, p.y), p.rgb) << bits << " bits at " << p.x << ", " << p.y;
+    }
+    ASSERT_EQ(RunTool("info " + in, &log), 0) << log;
+    EXPECT_TRUE(Has(log, "records        6, played to the end") && Has(log, "extents        0, 0 to 99, 99"));
+    std::string bytes = Slurp(in);
+    Spill(in, bytes.substr(0, bytes.size() - 5));
+    EXPECT_EQ(RunTool("info " + in, &log), 1) << log;
+    Spill(in, "not a metafile at all");
+    DeleteFileA(out.c_str());
+    EXPECT_EQ(RunTool("render " + in + " " + out), 1);
+    EXPECT_EQ(RunTool("render " + in + " " + out + " --bits 16"), 2);
+    EXPECT_FALSE(Exists(out));
+    DeleteFileA(in.c_str());
+}
+
+// info on Windows metafile headers, and wmf, the conversion to a native metafile file.
+TEST(Rltool, WindowsMetafileInfoAndConversion)
+{
+    struct Case { const char* file; int code; const char* says; } infos[] = {
+        {"pillow/drawing.wmf", 0, "box (0, 0)-(1369, 1369), 1200 units per inch, checksum good"},
+        {"libwmf/text.wmf", 0, "plays it: bounds (0, 0)-(1000, 1000), 576 units per inch"},
+        {"poi/61338.wmf", 0, "ending with a record that does not fit"},
+        {"libwmf/gd_Readme_NOT_A_WMF.wmf", 1, "library        refuses it"},
+    };
+    std::string text, out = rltest::TempPath("native") + ".wmf";
+    for (const Case& c : infos) {
+        EXPECT_EQ(c.code, RunTool("info " + Corpus(std::string("wmf/") + c.file), &text)) << c.file;
+        EXPECT_TRUE(Has(text, c.says)) << c.file;
+    }
+    ASSERT_EQ(0, RunTool("wmf " + Corpus("wmf/pillow/drawing.wmf") + " " + Quoted(out), &text)) << text;
+    EXPECT_TRUE(Has(text, "page 1369 x 1369"));
+    HMETAFILE written = GetMetaFileA(out.c_str());
+    EXPECT_TRUE(written != nullptr);
+    DeleteMetaFile(written);
+    std::string before = Slurp(out);
+    ASSERT_GE(before.size(), 18u);
+    EXPECT_EQ(1, before[0]);   // a standard header: the placeable one is left out
+    // Refused input, the output over the input and wrong arguments change nothing.
+    EXPECT_EQ(1, RunTool("wmf " + Corpus("wmf/libwmf/gd_Readme_NOT_A_WMF.wmf") + " " + Quoted(out)));
+    EXPECT_EQ(2, RunTool("wmf " + Quoted(out) + " " + Quoted(out)));
+    EXPECT_EQ(2, RunTool("wmf " + Quoted(out)));
+    EXPECT_EQ(before, Slurp(out));
+    EXPECT_FALSE(Exists(out + ".part"));
+    DeleteFileA(out.c_str());
 }
