@@ -1,18 +1,10 @@
-// A stand-in for the outside imaging library, for the tests only, built from
-// the library's own declaration of what it calls (src/platform/leadabi.h).
-//
-// It does each job in the plainest way: pixels kept as 32-bit words, top row
-// first; the negative byte by byte; the ink planes by full grey-component
-// replacement in half-percent steps, the rule the library's colours follow,
-// so that both roads of a separated picture can be compared pixel for pixel.
-// Only 32-bit uncompressed DIBs are taken in, which is all the library hands
-// over. The environment variable LEAD_STANDIN selects a failure:
-//   "short-dib"  L_ChangeToDIB hands back a block one byte too short
-//   "no-invert"  L_InvertBitmap answers 0
-// Loads, unloads and calls are counted in LEAD_STANDIN_LOADS, _UNLOADS, _CALLS.
+// Imaging library stand-in, from the library's own declaration of what it
+// calls. Pixels are kept as 32-bit words, top row first; ink planes by full
+// grey-component replacement in half-percent steps, the rule the library's
+// colours follow. LEAD_STANDIN selects "short-dib" (L_ChangeToDIB's block one
+// byte short) or "no-invert"; LEAD_STANDIN_LOADS, _UNLOADS, _CALLS count.
 #include <windows.h>
 #include "../standin.h"
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include "../../../src/platform/leadabi.h"
@@ -20,19 +12,9 @@
 namespace {
 
 bool Mode(const char* name) { return standin::Mode("LEAD_STANDIN", name); }
-
 using standin::Count;
-
-unsigned long Stride(const LEADBITMAP* b)
-{
-    return ((unsigned long)b->width * b->bitsPerPixel + 31) / 32 * 4;
-}
-
-// Half-percent inks, rounded: 200 × (255 − v) / 255.
-int Ink2(int v)
-{
-    return (200 * (255 - v) + 127) / 255;
-}
+unsigned long Stride(const LEADBITMAP* b) { return ((unsigned long)b->width * b->bitsPerPixel + 31) / 32 * 4; }
+int Ink2(int v) { return (200 * (255 - v) + 127) / 255; }   // half-percent inks, rounded
 
 } // namespace
 
@@ -137,7 +119,6 @@ void* WINAPI L_ChangeToDIB(LEADBITMAP* b)
             BYTE q[4] = {(BYTE)i, (BYTE)i, (BYTE)i, 0};
             memcpy(p + 40 + 4 * i, q, 4);
         }
-        // Bottom row first, as a stored DIB keeps them.
         unsigned long keep = Mode("short-dib") ? rows - 1 : rows;
         for (long y = 0; y < b->height; ++y) {
             unsigned long at = (unsigned long)(b->height - 1 - y) * b->bytesPerLine;
