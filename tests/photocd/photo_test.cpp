@@ -23,27 +23,24 @@ struct VOLUME : PCDVOLUME {
     explicit VOLUME(bool rights = false) : PCDVOLUME({0, 1, 0}, true, rights) {}
 };
 
+struct PHOTO : vPHOTO {
+    explicit PHOTO(const vPHOTOVOLUME& v) : vPHOTO(v, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0) {}
+};
+
 // The library's own packed DIB for an entry: the overview's or the image pack's.
-struct SETTINGS { long resolution, format, rotation, mirror; PCDrect crop; };
-BYTES LibraryDib(const VOLUME& v, int entry, bool full, const SETTINGS& s)
+BYTES LibraryDib(const VOLUME& v, int entry, bool full, long resolution, long format, PCDtransform t)
 {
     PCDACCESS& pcd = PCDACCESS::Process();
     EXPECT_EQ(1, pcd.Acquire());
-    PCDtransform t = {s.rotation, s.mirror, s.crop};
     void* dib = nullptr;
-    if (full) {
-        PCDpkHdl h = nullptr;
-        EXPECT_EQ(PCD_OK, pcd.PCDopen(v.Pack(entry).c_str(), &h));
-        pcd.PCDsetResolution(h, s.resolution), pcd.PCDsetFormat(h, s.format), pcd.PCDsetTransform(h, &t);
-        EXPECT_EQ(PCD_OK, pcd.PCDloadImage(h, &dib));
-        pcd.PCDclose(h);
-    } else {
-        PCDoviewHdl h = nullptr;
-        EXPECT_EQ(PCD_OK, pcd.PCDOopen(v.root.c_str(), &h));
-        pcd.PCDOsetSelect(h, entry), pcd.PCDOsetFormat(h, s.format), pcd.PCDOsetTransform(h, &t);
-        EXPECT_EQ(PCD_OK, pcd.PCDOloadImage(h, &dib));
-        pcd.PCDOclose(h);
-    }
+    PCDpkHdl pk = nullptr;
+    PCDoviewHdl ov = nullptr;
+    if (full && pcd.PCDopen(v.Pack(entry).c_str(), &pk) == PCD_OK)
+        pcd.PCDsetResolution(pk, resolution), pcd.PCDsetFormat(pk, format), pcd.PCDsetTransform(pk, &t),
+            pcd.PCDloadImage(pk, &dib), pcd.PCDclose(pk);
+    if (!full && pcd.PCDOopen(v.root.c_str(), &ov) == PCD_OK)
+        pcd.PCDOsetSelect(ov, entry), pcd.PCDOsetFormat(ov, format), pcd.PCDOsetTransform(ov, &t),
+            pcd.PCDOloadImage(ov, &dib), pcd.PCDOclose(ov);
     BYTES out;
     if (const BITMAPINFOHEADER* h = (const BITMAPINFOHEADER*)dib)
         out.assign((const unsigned char*)dib, (const unsigned char*)dib + 40 + (h->biBitCount == 8 ? 1024 : 0) +
@@ -69,8 +66,9 @@ BYTES Expected(const BYTES& dib, long* w, long* h)
     return BYTES(c.Bytes(), c.Bytes() + c.size);
 }
 
-// A picture drawn at (0, 0) on a memory device of w x h.
-template <class DRAW>
+const vPOINT kOrigin(vINT(0L), vINT(0L));
+
+template <class DRAW>   // drawn at (0, 0) on a memory device of w x h
 BYTES Drawn(long w, long h, DRAW draw)
 {
     vMEMDEVICE dev{vINT(w), vINT(h)};
@@ -79,8 +77,6 @@ BYTES Drawn(long w, long h, DRAW draw)
     return BYTES(dev.GetDIB(), dev.GetDIB() + bmo::CANVAS(w, h).size);
 }
 
-const vPOINT kOrigin(vINT(0L), vINT(0L));
-
 struct RECORDER : vPHOTOVOLUME {
     explicit RECORDER(const vSTRING& n) : vPHOTOVOLUME(n) {}
     int vVolumeChange(vSTRING& id) override { return text = id(), answer; }
@@ -88,15 +84,15 @@ struct RECORDER : vPHOTOVOLUME {
     int answer = 0;
 };
 
-struct ABORTING : vPHOTO {
-    ABORTING(const vPHOTOVOLUME& v) : vPHOTO(v, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0) {}
+struct ABORTING : PHOTO {
+    using PHOTO::PHOTO;
     int vAbortAction() override { return ++asked >= 2; }
     int asked = 0;
 };
 
 } // namespace
 
-TEST(PhotoVolume, StatusesCountNumberingAndRights)
+TEST(PhotoVolume, StatusesCountNumberingRightsAndVolumeChange)
 {
     VOLUME v(true);
     PCDACCESS& pcd = PCDACCESS::Process();
@@ -108,13 +104,12 @@ TEST(PhotoVolume, StatusesCountNumberingAndRights)
         vPHOTOVOLUME vol(Text(c.name));
         EXPECT_TRUE(c.status == vol.Status() && pcd.Uses() == 1 && c.count == vol.Count()) << c.name;
     }
-    EXPECT_EQ(0, pcd.IsLoaded());
-    EXPECT_NE(0u, vPHOTOVOLUME::ToolkitVersion());
+    EXPECT_TRUE(pcd.IsLoaded() == 0 && vPHOTOVOLUME::ToolkitVersion() != 0u);
     {
         // The version's use is taken over by the first volume and goes with it.
         vPHOTOVOLUME vol(Text(v.root));
         EXPECT_EQ(1, pcd.Uses());
-        vPHOTO a(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0), b(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
+        PHOTO a(vol), b(vol);
         EXPECT_TRUE(a.OverviewNumber() == 1 && b.OverviewNumber() == 2 && vol.Status() == vPCD_OK);
         EXPECT_EQ(v.root + "\\IMAGES\\", std::string(b.ImagePath()()));
         EXPECT_EQ(0, lstrcmpiA(v.Pack(2).c_str(), b.PackName()()));
@@ -123,25 +118,18 @@ TEST(PhotoVolume, StatusesCountNumberingAndRights)
     }
     EXPECT_EQ(0, pcd.IsLoaded());
     VOLUME plain;
-    vPHOTOVOLUME vol(Text(plain.root));
-    vPHOTO p(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
+    RECORDER vol(Text(plain.root));
+    PHOTO p(vol);
     EXPECT_TRUE(p.IsCopyrighted() == 0 && p.CopyrightFileName().Null());
     vSTRING drive = vPHOTOVOLUME::FirstCDROMDrive();
     EXPECT_TRUE(drive.Null() || GetDriveTypeA((std::string(drive()) + "\\").c_str()) == DRIVE_CDROM);
-}
-
-TEST(PhotoVolume, VolumeChangeText)
-{
-    VOLUME v;
-    RECORDER vol(Text(v.root));
-    const struct { unsigned char id[12]; const char* text; int answer; } cases[] = {
-        {{'D', 'I', 'S', 'C', '0', '0', '0', '7', 'A', 'B', 'C', 'D'}, "DISC 0007 ABCD", 1},
-        {{'1', '2', '3', '4', '5', '6', '7', '8', '9', '0', 'X', 'Y'}, "1234 5678 90XY", 0},
-        {{'A', 0, 'B', 0, 0, 0, 0, 0, 0, 0, 0, 'Z'}, "A B          Z", 1},
+    const struct { const char* id; const char* text; int answer; } ids[] = {
+        {"DISC0007ABCD", "DISC 0007 ABCD", 1}, {"1234567890XY", "1234 5678 90XY", 0},
+        {"A\0B\0\0\0\0\0\0\0\0Z", "A B          Z", 1},
     };
-    for (const auto& c : cases) {
+    for (const auto& c : ids) {
         vol.answer = c.answer;
-        EXPECT_EQ(c.answer, vPHOTOVOLUME::VolumeChangeCallback(c.id, &vol));
+        EXPECT_EQ(c.answer, vPHOTOVOLUME::VolumeChangeCallback((const unsigned char*)c.id, &vol));
         EXPECT_EQ(c.text, vol.text);
     }
 }
@@ -150,28 +138,27 @@ TEST(Photo, PixelsMatchTheAccessLibrary)
 {
     VOLUME v;
     vPHOTOVOLUME vol(Text(v.root));
-    std::vector<vPHOTO*> photos;
-    for (int i = 0; i < 3; ++i)
-        photos.push_back(new vPHOTO(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0));
-    const struct { int entry; bool full; long resolution, format, rotation, mirror; PCDrect crop; } cases[] = {
-        {1, false, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, 0, 0, {0, 0, 0, 0}},
-        {2, false, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, 1, 1, {0, 0, 0, 0}},
-        {3, false, PCD_BASE_OVER_16, PCD_FORMAT_PAL8, 3, 0, {100, 40, 500, 300}},
-        {1, true, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, 2, 0, {0, 0, 0, 0}},
-        {2, true, PCD_BASE_OVER_4, PCD_FORMAT_RGB24, 0, 1, {13, 7, 301, 250}},
-        {3, true, PCD_BASE, PCD_FORMAT_RGB24, 1, 0, {0, 0, 0, 0}},
-        {1, true, PCD_BASE_OVER_4, PCD_FORMAT_PAL8, 0, 0, {0, 0, 0, 0}},
+    PHOTO one(vol), two(vol), three(vol);
+    PHOTO* photos[3] = {&one, &two, &three};
+    const struct { int entry; bool full; long resolution, format; PCDtransform t; } cases[] = {
+        {1, false, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, {0, 0, {0, 0, 0, 0}}},
+        {2, false, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, {1, 1, {0, 0, 0, 0}}},
+        {3, false, PCD_BASE_OVER_16, PCD_FORMAT_PAL8, {3, 0, {100, 40, 500, 300}}},
+        {1, true, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, {2, 0, {0, 0, 0, 0}}},
+        {2, true, PCD_BASE_OVER_4, PCD_FORMAT_RGB24, {0, 1, {13, 7, 301, 250}}},
+        {3, true, PCD_BASE, PCD_FORMAT_RGB24, {1, 0, {0, 0, 0, 0}}},
+        {1, true, PCD_BASE_OVER_4, PCD_FORMAT_PAL8, {0, 0, {0, 0, 0, 0}}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.entry << (c.full ? " full " : " overview ") << c.resolution << " " << c.rotation);
+        SCOPED_TRACE(testing::Message() << c.entry << (c.full ? " full " : " overview ") << c.resolution << " " << c.t.rotation);
         vPHOTO& p = *photos[c.entry - 1];
-        p.Crop(vRECT(c.crop.left, c.crop.top, c.crop.right, c.crop.bottom));
+        p.Crop(vRECT(c.t.crop.left, c.t.crop.top, c.t.crop.right, c.t.crop.bottom));
         if (c.full)
             p.PhotoResolution((vPCD_IMAGE_RES)c.resolution), p.PhotoColourFormat((vPCD_COLOUR)c.format),
-                p.PhotoRotate((vROTATEANGLE)c.rotation), p.PhotoMirror(c.mirror);
+                p.PhotoRotate((vROTATEANGLE)c.t.rotation), p.PhotoMirror(c.t.mirror);
         else
-            p.ColourFormat((vPCD_COLOUR)c.format), p.Rotate((vROTATEANGLE)c.rotation), p.Mirror(c.mirror);
-        BYTES dib = LibraryDib(v, c.entry, c.full, {c.resolution, c.format, c.rotation, c.mirror, c.crop});
+            p.ColourFormat((vPCD_COLOUR)c.format), p.Rotate((vROTATEANGLE)c.t.rotation), p.Mirror(c.t.mirror);
+        BYTES dib = LibraryDib(v, c.entry, c.full, c.resolution, c.format, c.t);
         ASSERT_FALSE(dib.empty());
         long w = 0, h = 0;
         BYTES want = Expected(dib, &w, &h);
@@ -187,11 +174,8 @@ TEST(Photo, PixelsMatchTheAccessLibrary)
         }
     }
     // The higher resolutions are not decoded: a status, no bitmap.
-    photos[0]->PhotoResolution(vPCD_4BASE);
-    EXPECT_TRUE(photos[0]->LoadPhoto() == 0 && vol.Status() == vPCD_RES_NOT_SUPPORTED);
-    EXPECT_FALSE(vBITMAP(*photos[0]).Valid());
-    for (vPHOTO* p : photos)
-        delete p;
+    one.PhotoResolution(vPCD_4BASE);
+    EXPECT_TRUE(one.LoadPhoto() == 0 && vol.Status() == vPCD_RES_NOT_SUPPORTED && !vBITMAP(one).Valid());
 }
 
 // Overview bitmaps under a resident limit of 2 page out and come back identical: through the
@@ -211,10 +195,8 @@ TEST(Photo, OverviewBitmapsPageOutAndBackIn)
         want.push_back(Drawn(p.Size().Width()(), p.Size().Height()(), [&](vDEVICE& d) { return p.Draw(d, kOrigin); }));
     }
     rltest::DebugOutput out;
-    unsigned short level = vSYSTEM::GetTraceLevel();
-    vSYSTEM::SetTraceLevel(2);
-    unsigned short limit = vPAGEOUT::GetResidentLimit();
-    vPAGEOUT::SetResidentLimit(2);
+    unsigned short level = vSYSTEM::GetTraceLevel(), limit = vPAGEOUT::GetResidentLimit();
+    vSYSTEM::SetTraceLevel(2), vPAGEOUT::SetResidentLimit(2);
     auto roundTrip = [&](const char* how) {
         SCOPED_TRACE(how);
         m->PageOut();
@@ -241,15 +223,15 @@ TEST(Photo, OverviewBitmapsPageOutAndBackIn)
     vSYSTEM::SetTraceLevel(level), vPAGEOUT::SetResidentLimit(limit);
 }
 
-// Write picks the plug-in by the stream's extension in any case.
+// Write picks the plug-in by the stream's extension in any case; what it wrote reads back as
+// the library's own picture.
 TEST(Photo, WriteThroughThePlugins)
 {
     VOLUME v;
     vPHOTOVOLUME vol(Text(v.root));
-    vPHOTO p(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
-    vPHOTO second(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
+    PHOTO p(vol), second(vol);
     second.PhotoResolution(vPCD_BASE16), second.PhotoRotate(vROTATE_90), second.PhotoMirror(1);
-    BYTES dib = LibraryDib(v, 2, true, {PCD_BASE_OVER_16, PCD_FORMAT_RGB24, 1, 1, {0, 0, 0, 0}});
+    BYTES dib = LibraryDib(v, 2, true, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, {1, 1, {0, 0, 0, 0}});
     ASSERT_FALSE(dib.empty());
     const BITMAPINFOHEADER* h = (const BITMAPINFOHEADER*)dib.data();
     BYTES rgb;
@@ -292,13 +274,12 @@ TEST(Photo, DamagedPacksAndAbort)
     }
     BYTES pack = bmt::Load(v.Pack(2));
     const struct { const char* what; BYTES bytes; } damages[] = {
-        {"cut short", BYTES(pack.begin(), pack.begin() + 5000)}, {"not a pack", BYTES(300000, 0x5A)},
-        {"empty", BYTES()}};
+        {"cut short", BYTES(pack.begin(), pack.begin() + 5000)}, {"not a pack", BYTES(300000, 0x5A)}, {"empty", BYTES()}};
     for (const auto& d : damages) {
         SCOPED_TRACE(d.what);
         bmt::Save(v.Pack(2), d.bytes);
         vPHOTOVOLUME vol(Text(v.root));
-        vPHOTO a(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0), b(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
+        PHOTO a(vol), b(vol);
         EXPECT_TRUE(b.LoadPhoto() == 0 && vol.Status() != vPCD_OK);
         std::string path = rltest::TempPath("pd") + ".bmp";
         {
@@ -313,7 +294,7 @@ TEST(Photo, DamagedPacksAndAbort)
     bmt::Save(v.root + "\\PHOTO_CD\\OVERVIEW.PCD", BYTES(4000, 0x33));
     vPHOTOVOLUME vol(Text(v.root));
     EXPECT_TRUE(vol.Status() != vPCD_OK && vol.Count() == 0);
-    vPHOTO p(vol, vPCD_OVIEW_BASE16, vPCD_RGB24, vROTATE_NONE, 0);
+    PHOTO p(vol);
     vMEMDEVICE dev{vINT(8L), vINT(8L)};
     EXPECT_TRUE(p.Load() == 0 && p.Draw(dev, kOrigin) == 0);
 }

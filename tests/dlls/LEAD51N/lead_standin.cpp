@@ -22,10 +22,8 @@ extern "C" {
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
 {
-    if (reason == DLL_PROCESS_ATTACH)
-        Count("LEAD_STANDIN_LOADS");
-    else if (reason == DLL_PROCESS_DETACH)
-        Count("LEAD_STANDIN_UNLOADS");
+    if (reason == DLL_PROCESS_ATTACH || reason == DLL_PROCESS_DETACH)
+        Count(reason == DLL_PROCESS_ATTACH ? "LEAD_STANDIN_LOADS" : "LEAD_STANDIN_UNLOADS");
     return TRUE;
 }
 
@@ -35,10 +33,7 @@ int WINAPI L_InitBitmap(LEADBITMAP* b, int width, int height, int bits)
     if (!b || width < 1 || height < 1 || (bits != 8 && bits != 32))
         return 0;
     memset(b, 0, sizeof *b);
-    b->structSize = sizeof *b;
-    b->width = width;
-    b->height = height;
-    b->bitsPerPixel = bits;
+    b->structSize = sizeof *b, b->width = width, b->height = height, b->bitsPerPixel = bits;
     b->bytesPerLine = Stride(b);
     return LEAD_SUCCESS;
 }
@@ -50,15 +45,12 @@ int WINAPI L_ConvertFromDIB(LEADBITMAP* b, const void* info, const void* bits)
     if (!b || b->structSize != sizeof *b || b->bitsPerPixel != 32 || !h || !bits || h->biBitCount != 32 ||
         h->biCompression != BI_RGB || h->biWidth != b->width || labs(h->biHeight) != b->height)
         return 0;
-    unsigned long size = b->bytesPerLine * b->height;
-    b->pixels = HeapAlloc(GetProcessHeap(), 0, size);
-    if (!b->pixels)
+    if (!(b->pixels = HeapAlloc(GetProcessHeap(), 0, b->bytesPerLine * b->height)))
         return 0;
-    for (long y = 0; y < b->height; ++y) {
-        long from = h->biHeight < 0 ? y : b->height - 1 - y;
+    for (long y = 0; y < b->height; ++y)
         memcpy(static_cast<char*>(b->pixels) + y * b->bytesPerLine,
-               static_cast<const char*>(bits) + from * b->bytesPerLine, b->bytesPerLine);
-    }
+               static_cast<const char*>(bits) + (h->biHeight < 0 ? y : b->height - 1 - y) * b->bytesPerLine,
+               b->bytesPerLine);
     return LEAD_SUCCESS;
 }
 
@@ -107,18 +99,11 @@ void* WINAPI L_ChangeToDIB(LEADBITMAP* b)
     HGLOBAL g = GlobalAlloc(GMEM_MOVEABLE, Mode("short-dib") ? size - 1 : size);
     BYTE* p = g ? static_cast<BYTE*>(GlobalLock(g)) : nullptr;
     if (p) {
-        BITMAPINFOHEADER h = {};
-        h.biSize = 40;
-        h.biWidth = b->width;
-        h.biHeight = b->height;
-        h.biPlanes = 1;
-        h.biBitCount = (WORD)b->bitsPerPixel;
-        h.biClrUsed = colours;
+        BITMAPINFOHEADER h = {40, b->width, b->height, 1, (WORD)b->bitsPerPixel, BI_RGB, 0, 0, 0, colours, 0};
         memcpy(p, &h, 40);
-        for (unsigned long i = 0; i < colours; ++i) {
-            BYTE q[4] = {(BYTE)i, (BYTE)i, (BYTE)i, 0};
-            memcpy(p + 40 + 4 * i, q, 4);
-        }
+        for (unsigned long i = 0; i < colours; ++i)
+            p[40 + 4 * i] = p[41 + 4 * i] = p[42 + 4 * i] = (BYTE)i, p[43 + 4 * i] = 0;
+        // Bottom row first, as a stored DIB keeps them.
         unsigned long keep = Mode("short-dib") ? rows - 1 : rows;
         for (long y = 0; y < b->height; ++y) {
             unsigned long at = (unsigned long)(b->height - 1 - y) * b->bytesPerLine;
