@@ -126,7 +126,8 @@ inline bool ReadTif(const BYTES& f, PICTURE& p)
     if (!palette && !(v[262] == 2 && spp == 3))
         return Fail(p, "tiff photometric");
     bool bits8 = palette ? count[258] == 1 && v[258] == 8
-                         : count[258] == 3 && Get16(f, v[258]) == 8 && Get16(f, v[258] + 2) == 8 && Get16(f, v[258] + 4) == 8;
+                         : count[258] == 3 && Get16(f, v[258]) == 8 && Get16(f, v[258] + 2) == 8 &&
+                               Get16(f, v[258] + 4) == 8;
     if (!bits8 || v[259] != 1 || v[284] != 1 || count[273] != 1 || v[278] != (uint32_t)p.height || !v[282] || !v[283] ||
         !v[296])
         return Fail(p, "tiff fields");

@@ -40,19 +40,9 @@ BYTES Expected(long w, long h, long format)
 
 // Holds the stand-in for one test and opens made-up packs on it.
 struct STANDIN {
-    OUTLIBFILEMAP saved;
+    OUTLIBFILEMAP saved = OUTLIB::SetFileMap(PhotoLibrary);
     PCDACCESS& pcd = PCDACCESS::Process();
-    STANDIN() : saved(OUTLIB::SetFileMap(PhotoLibrary))
-    {
-        for (const char* v : {"PCDSTANDIN", "RLPHBAD", "RLPHBAD_ORDER", "RLPHBAD_CALLS", "RLPHHALF_STARTED"})
-            SetEnvironmentVariableA(v, nullptr);
-        EXPECT_EQ(pcd.Acquire(), 1);
-    }
-    ~STANDIN()
-    {
-        pcd.Release();
-        OUTLIB::SetFileMap(saved);
-    }
+    ~STANDIN() { pcd.Release(), OUTLIB::SetFileMap(saved); }
     PCDpkHdl Open(const char* size)
     {
         PCDpkHdl pack = nullptr;
@@ -66,6 +56,9 @@ struct STANDIN {
 TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
 {
     STANDIN s;
+    for (const char* v : {"PCDSTANDIN", "RLPHBAD", "RLPHBAD_ORDER", "RLPHBAD_CALLS", "RLPHHALF_STARTED"})
+        SetEnvironmentVariableA(v, nullptr);
+    ASSERT_EQ(s.pcd.Acquire(), 1);
     const std::string path = rltest::TempPath("rlx");
     const std::string longName(65, 'b');
     const long rgb = PCD_FORMAT_RGB24, pal = PCD_FORMAT_PAL8;
@@ -163,7 +156,9 @@ TEST(PhotoExportFiles, ImagePackThroughEachPlugin)
             pcd.PCDclose(image);
             exportfiles::PICTURE got;
             BYTES file = Load(path);
-            auto read = format[0] == 'b' ? exportfiles::ReadBmp : format[0] == 'p' ? exportfiles::ReadPcx : exportfiles::ReadTif;
+            auto read = format[0] == 'b'   ? exportfiles::ReadBmp
+                        : format[0] == 'p' ? exportfiles::ReadPcx
+                                           : exportfiles::ReadTif;
             ASSERT_TRUE(read(file, got)) << got.error;
             EXPECT_TRUE(got.width == w && got.height == h && got.bits == 8 * bpp && got.rgb == want);
             if (format[0] != 'b')

@@ -195,7 +195,10 @@ long PCDAPI OnProgress(unsigned short done, unsigned short total, void* u)
     return ((Calls*)u)->progress.push_back({done, total}), 0;
 }
 long PCDAPI OnAbort(void* u) { return ((Calls*)u)->abortAfter >= 0 && ++((Calls*)u)->asked > ((Calls*)u)->abortAfter; }
-long PCDAPI OnDisc(const unsigned char id[12], void* u) { return ((Calls*)u)->disc.assign(id, id + 12), ((Calls*)u)->acceptDisc; }
+long PCDAPI OnDisc(const unsigned char id[12], void* u)
+{
+    return ((Calls*)u)->disc.assign(id, id + 12), ((Calls*)u)->acceptDisc;
+}
 
 TEST(PcdLib, OverviewWithAndWithoutAnOverviewPack)
 {

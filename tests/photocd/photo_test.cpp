@@ -150,7 +150,7 @@ TEST(Photo, PixelsMatchTheAccessLibrary)
         {1, true, PCD_BASE_OVER_4, PCD_FORMAT_PAL8, {0, 0, {0, 0, 0, 0}}},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.entry << (c.full ? " full " : " overview ") << c.resolution << " " << c.t.rotation);
+        SCOPED_TRACE(testing::Message() << c.entry << (c.full ? " full " : " view ") << c.resolution << " " << c.t.rotation);
         vPHOTO& p = *photos[c.entry - 1];
         p.Crop(vRECT(c.t.crop.left, c.t.crop.top, c.t.crop.right, c.t.crop.bottom));
         if (c.full)
