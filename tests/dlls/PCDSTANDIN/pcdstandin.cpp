@@ -14,9 +14,7 @@ struct PCDpack_ {
     int hasPalette, blocks;
 };
 
-namespace {
-bool Mode(const char* name) { return standin::Mode("PCDSTANDIN", name); }
-} // namespace
+static bool Mode(const char* name) { return standin::Mode("PCDSTANDIN", name); }
 
 extern "C" {
 
@@ -32,12 +30,9 @@ PCDstatus PCDAPI PCDopen(const char* path, PCDpkHdl* pack)
     long w = 0, h = 0;
     if (!path || !pack || sscanf(path, "%ldx%ld", &w, &h) != 2 || w < 1 || h < 1)
         return PCD_ERR_NOT_FOUND;
-    PCDpkHdl p = (PCDpkHdl)calloc(1, sizeof *p);
-    if (!p)
+    if (!(*pack = (PCDpkHdl)calloc(1, sizeof **pack)))
         return PCD_ERR_NO_MEMORY;
-    p->width = w, p->height = h, p->format = PCD_FORMAT_RGB24;
-    *pack = p;
-    return PCD_OK;
+    return (*pack)->width = w, (*pack)->height = h, (*pack)->format = PCD_FORMAT_RGB24, PCD_OK;
 }
 
 PCDstatus PCDAPI PCDclose(PCDpkHdl pack) { return free(pack), PCD_OK; }
@@ -63,15 +58,11 @@ PCDstatus PCDAPI PCDcreatePalette(PCDpkHdl pack, long colours, PCDpalette** pale
 {
     if (!pack || !palette || colours < 2 || colours > 256 || Mode("palette-fails"))
         return PCD_ERR_BAD_ARG;
-    PCDpalette* p = (PCDpalette*)calloc(1, sizeof *p);
-    if (!p)
-        return PCD_ERR_NO_MEMORY;
-    p->count = colours;
-    for (long i = 0; i < colours; ++i)
+    PCDpalette* p = *palette = (PCDpalette*)calloc(1, sizeof *p);
+    for (long i = 0; p && i < colours; ++i)
         p->entries[i][0] = (unsigned char)i, p->entries[i][1] = (unsigned char)(255 - i),
-        p->entries[i][2] = (unsigned char)(3 * i);
-    *palette = p;
-    return PCD_OK;
+        p->entries[i][2] = (unsigned char)(3 * i), p->count = colours;
+    return p ? PCD_OK : PCD_ERR_NO_MEMORY;
 }
 
 PCDstatus PCDAPI PCDfreePalette(PCDpalette* palette) { return free(palette), PCD_OK; }
