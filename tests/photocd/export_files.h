@@ -1,7 +1,6 @@
 // Independent readers of the files the export plug-ins write (BMP, PCX, TIFF),
-// written from the formats' public descriptions and sharing nothing with the
-// plug-ins, and a maker of test images. Used by the native encoder tests and
-// the export tests under Wine.
+// from the formats' public descriptions and sharing nothing with the plug-ins,
+// and a maker of test images. Used natively and under Wine.
 #ifndef RL132_TESTS_PHOTOCD_EXPORT_FILES_H
 #define RL132_TESTS_PHOTOCD_EXPORT_FILES_H
 #include <cstdint>
@@ -13,35 +12,24 @@ namespace exportfiles {
 
 typedef std::vector<uint8_t> BYTES;
 
-// A file read back: the pixels as red, green, blue triples, first row first;
-// for palette files also the indices and the palette.
+// A file read back: pixels as red, green, blue, first row first; for palette
+// files also the indices and the palette (256 x red, green, blue).
 struct PICTURE {
     long width = 0, height = 0;
     int bits = 0;
-    BYTES rgb;
-    BYTES index;
-    BYTES palette;   // 256 x red, green, blue
+    BYTES rgb, index, palette;
     std::string error;
 };
 
 inline uint32_t Get16(const BYTES& b, size_t at) { return at + 2 <= b.size() ? b[at] | b[at + 1] << 8 : 0; }
-inline uint32_t Get32(const BYTES& b, size_t at)
-{
-    return at + 4 <= b.size() ? Get16(b, at) | Get16(b, at + 2) << 16 : 0;
-}
-
-inline bool Fail(PICTURE& p, const char* why)
-{
-    p.error = why;
-    return false;
-}
-
-// Fills rgb from the indices through the palette.
-inline void Expand(PICTURE& p)
+inline uint32_t Get32(const BYTES& b, size_t at) { return at + 4 <= b.size() ? Get16(b, at) | Get16(b, at + 2) << 16 : 0; }
+inline bool Fail(PICTURE& p, const char* why) { return p.error = why, false; }
+inline bool Expand(PICTURE& p)   // rgb from the indices through the palette
 {
     p.rgb.clear();
     for (uint8_t i : p.index)
         p.rgb.insert(p.rgb.end(), &p.palette[3 * i], &p.palette[3 * i] + 3);
+    return true;
 }
 
 inline bool ReadBmp(const BYTES& f, PICTURE& p)
@@ -55,24 +43,20 @@ inline bool ReadBmp(const BYTES& f, PICTURE& p)
     size_t rowBytes = ((size_t)p.width * p.bits / 8 + 3) & ~(size_t)3;
     if (offset != 54u + (p.bits == 8 ? 1024 : 0) || offset + rowBytes * p.height != f.size())
         return Fail(p, "bmp sizes");
-    if (p.bits == 8)
-        for (int i = 0; i < 256; ++i)
-            p.palette.insert(p.palette.end(), {f[54 + 4 * i + 2], f[54 + 4 * i + 1], f[54 + 4 * i]});
+    for (int i = 0; p.bits == 8 && i < 256; ++i)
+        p.palette.insert(p.palette.end(), {f[54 + 4 * i + 2], f[54 + 4 * i + 1], f[54 + 4 * i]});
     for (long y = p.height - 1; y >= 0; --y) {
         const uint8_t* row = &f[offset + rowBytes * y];
-        for (long x = 0; x < p.width; ++x) {
+        for (long x = 0; x < p.width; ++x)
             if (p.bits == 8)
                 p.index.push_back(row[x]);
             else
                 p.rgb.insert(p.rgb.end(), {row[3 * x + 2], row[3 * x + 1], row[3 * x]});
-        }
         for (size_t x = (size_t)p.width * p.bits / 8; x < rowBytes; ++x)
             if (row[x])
                 return Fail(p, "bmp padding");
     }
-    if (p.bits == 8)
-        Expand(p);
-    return true;
+    return p.bits != 8 || Expand(p);
 }
 
 inline bool ReadPcx(const BYTES& f, PICTURE& p)
@@ -81,53 +65,42 @@ inline bool ReadPcx(const BYTES& f, PICTURE& p)
         return Fail(p, "pcx header");
     p.width = Get16(f, 8) + 1, p.height = Get16(f, 10) + 1;
     int planes = f[65];
-    size_t line = Get16(f, 66);
+    size_t line = Get16(f, 66), at = 128, end = f.size();
     if ((planes != 1 && planes != 3) || line < (size_t)p.width || line % 2 || Get16(f, 68) != 1)
         return Fail(p, "pcx fields");
     p.bits = 8 * planes;
-    size_t at = 128, end = f.size();
     if (planes == 1) {
         if (f.size() < 128 + 769 || f[f.size() - 769] != 0x0C)
             return Fail(p, "pcx palette");
         end = f.size() - 769;
         p.palette.assign(f.end() - 768, f.end());
     }
-    BYTES plane(line);
     std::vector<BYTES> row(planes, BYTES(line));
     for (long y = 0; y < p.height; ++y) {
         for (int k = 0; k < planes; ++k) {
-            // Runs must end with the plane line.
-            for (size_t x = 0; x < line;) {
-                if (at >= end)
+            for (size_t x = 0, run; x < line; x += run) {   // runs must end with the plane line
+                if (at >= end || (f[at] >= 0xC0 && at + 1 >= end))
                     return Fail(p, "pcx data short");
-                size_t run = 1;
                 uint8_t v = f[at++];
-                if (v >= 0xC0) {
-                    if (at >= end)
-                        return Fail(p, "pcx data short");
-                    run = v & 0x3F, v = f[at++];
-                }
+                run = v >= 0xC0 ? (v & 0x3F) : 1;
+                v = v >= 0xC0 ? f[at++] : v;
                 if (run == 0 || x + run > line)
                     return Fail(p, "pcx run crosses the line");
                 memset(&row[k][x], v, run);
-                x += run;
             }
             for (size_t x = p.width; x < line; ++x)
                 if (row[k][x])
                     return Fail(p, "pcx padding");
         }
-        for (long x = 0; x < p.width; ++x) {
+        for (long x = 0; x < p.width; ++x)
             if (planes == 1)
                 p.index.push_back(row[0][x]);
             else
                 p.rgb.insert(p.rgb.end(), {row[0][x], row[1][x], row[2][x]});
-        }
     }
     if (at != end)
         return Fail(p, "pcx data long");
-    if (planes == 1)
-        Expand(p);
-    return true;
+    return planes != 1 || Expand(p);
 }
 
 // A baseline reader: finds the tags it needs wherever the directory puts them.
@@ -135,10 +108,9 @@ inline bool ReadTif(const BYTES& f, PICTURE& p)
 {
     if (f.size() < 8 || f[0] != 'I' || f[1] != 'I' || Get16(f, 2) != 42)
         return Fail(p, "tiff header");
-    uint32_t dir = Get32(f, 4), n = Get16(f, dir);
+    uint32_t dir = Get32(f, 4), n = Get16(f, dir), v[400] = {}, count[400] = {}, previous = 0;
     if (dir % 2 || dir + 2 + 12 * n + 4 > f.size() || Get32(f, dir + 2 + 12 * n) != 0)
         return Fail(p, "tiff directory");
-    uint32_t v[400] = {}, count[400] = {}, previous = 0;
     for (uint32_t i = 0; i < n; ++i) {
         size_t e = dir + 2 + 12 * i;
         uint32_t tag = Get16(f, e), type = Get16(f, e + 2);
@@ -149,45 +121,39 @@ inline bool ReadTif(const BYTES& f, PICTURE& p)
         v[tag] = (type == 3 && count[tag] == 1) ? Get16(f, e + 8) : Get32(f, e + 8);
     }
     p.width = v[256], p.height = v[257];
-    int spp = v[277], photometric = v[262];
-    bool palette = photometric == 3 && spp == 1;
-    if (!palette && !(photometric == 2 && spp == 3))
+    int spp = v[277];
+    bool palette = v[262] == 3 && spp == 1;
+    if (!palette && !(v[262] == 2 && spp == 3))
         return Fail(p, "tiff photometric");
-    uint32_t bitsAt = v[258];
-    bool bits8 = palette ? (count[258] == 1 && v[258] == 8)
-                         : (count[258] == 3 && Get16(f, bitsAt) == 8 && Get16(f, bitsAt + 2) == 8 &&
-                            Get16(f, bitsAt + 4) == 8);
-    if (!bits8 || v[259] != 1 || v[284] != 1 || count[273] != 1 || v[278] != (uint32_t)p.height ||
-        !v[282] || !v[283] || !v[296])
+    bool bits8 = palette ? count[258] == 1 && v[258] == 8
+                         : count[258] == 3 && Get16(f, v[258]) == 8 && Get16(f, v[258] + 2) == 8 &&
+                               Get16(f, v[258] + 4) == 8;
+    if (!bits8 || v[259] != 1 || v[284] != 1 || count[273] != 1 || v[278] != (uint32_t)p.height || !v[282] || !v[283] ||
+        !v[296])
         return Fail(p, "tiff fields");
     p.bits = 8 * spp;
     size_t bytes = (size_t)p.width * spp * p.height;
     if (v[279] != bytes || v[273] + bytes != f.size())
         return Fail(p, "tiff strip");
     const uint8_t* s = &f[v[273]];
-    if (palette) {
-        if (count[320] != 768 || v[320] + 1536 > f.size())
-            return Fail(p, "tiff colour map");
-        // The map is channel-major (all reds first), 16 bits a value.
-        p.palette.assign(768, 0);
-        for (int i = 0; i < 256; ++i)
-            for (int c = 0; c < 3; ++c) {
-                uint32_t w = Get16(f, v[320] + 2 * (256 * c + i));
-                if (w % 257)
-                    return Fail(p, "tiff colour map scale");
-                p.palette[3 * i + c] = (uint8_t)(w / 257);
-            }
-        p.index.assign(s, s + bytes);
-        Expand(p);
-    } else {
-        p.rgb.assign(s, s + bytes);
-    }
-    return true;
+    if (!palette)
+        return p.rgb.assign(s, s + bytes), true;
+    if (count[320] != 768 || v[320] + 1536 > f.size())
+        return Fail(p, "tiff colour map");
+    p.palette.assign(768, 0);
+    for (int i = 0; i < 256; ++i)   // channel-major (all reds first), 16 bits a value
+        for (int c = 0; c < 3; ++c) {
+            uint32_t w = Get16(f, v[320] + 2 * (256 * c + i));
+            if (w % 257)
+                return Fail(p, "tiff colour map scale");
+            p.palette[3 * i + c] = (uint8_t)(w / 257);
+        }
+    p.index.assign(s, s + bytes);
+    return Expand(p);
 }
 
-// A test image: pixel (x, y) of a given seed, in the layout the plug-ins take
-// (layout 0 RGB, 1 BGR, 2 palette index), rows stride bytes apart with the
-// bytes past each row's pixels filled with 0xEE so that they must not show.
+// A test image of a seed in the layout the plug-ins take (0 RGB, 1 BGR, 2
+// palette index), rows stride bytes apart with 0xEE past each row's pixels.
 struct SOURCE {
     long width, height;
     int layout;
@@ -197,36 +163,31 @@ struct SOURCE {
     BYTES palette;    // 256 x red, green, blue
 };
 
+// Large runs (constant blocks) and bytes of both halves, 0xC0 upward included.
 inline uint8_t Sample(long x, long y, int c, int seed)
 {
-    // Large runs (constant blocks) and bytes of both halves, 0xC0 upward included.
     uint32_t h = (uint32_t)(x / 3 * 7 + y * 13 + c * 101 + seed * 37);
     return (uint8_t)((x + y) % 5 == 0 ? 0xC0 + (h & 0x3F) : h * 2654435761u >> 24);
 }
 
 inline SOURCE MakeSource(long width, long height, int layout, int seed)
 {
-    SOURCE s{width, height, layout, 0, {}, {}, {}};
     int bpp = layout == 2 ? 1 : 3;
-    s.stride = (size_t)width * bpp + 5;
+    SOURCE s{width, height, layout, (size_t)width * bpp + 5, {}, {}, {}};
     s.rows.assign(s.stride * height, 0xEE);
     for (int i = 0; i < 256; ++i)
         s.palette.insert(s.palette.end(), {(uint8_t)i, (uint8_t)(255 - i), (uint8_t)(i * 7)});
     for (long y = 0; y < height; ++y)
         for (long x = 0; x < width; ++x) {
             uint8_t* p = &s.rows[s.stride * y + bpp * x];
-            if (layout == 2) {
-                *p = Sample(x, y, 0, seed);
-                s.rgb.insert(s.rgb.end(), &s.palette[3 * *p], &s.palette[3 * *p] + 3);
-                continue;
-            }
             uint8_t r = Sample(x, y, 0, seed), g = Sample(x, y, 1, seed), b = Sample(x, y, 2, seed);
-            p[0] = layout ? b : r, p[1] = g, p[2] = layout ? r : b;
-            s.rgb.insert(s.rgb.end(), {r, g, b});
+            if (layout == 2)
+                *p = r, s.rgb.insert(s.rgb.end(), &s.palette[3 * r], &s.palette[3 * r] + 3);
+            else
+                p[0] = layout ? b : r, p[1] = g, p[2] = layout ? r : b, s.rgb.insert(s.rgb.end(), {r, g, b});
         }
     return s;
 }
 
 } // namespace exportfiles
-
 #endif

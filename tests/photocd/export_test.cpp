@@ -10,10 +10,7 @@
 #include "rl132.h"
 #include "rltest.h"
 
-using bmt::Fill;
 using bmt::Load;
-using bmt::Rows;
-using bmt::Save;
 using exportfiles::BYTES;
 
 namespace {
@@ -26,39 +23,26 @@ std::string Env(const char* name)
     return n > 0 && n < sizeof v ? std::string(v, n) : std::string();
 }
 
-
-// The stand-in's image as red, green, blue triples, first row first: its
-// 24-bit pixels, or its 8-bit indices through the palette it makes.
+// The stand-in's image as red, green, blue triples, first row first.
 BYTES Expected(long w, long h, long format)
 {
     BYTES v;
     for (long y = 0; y < h; ++y)
         for (long x = 0; x < w; ++x) {
-            if (format == PCD_FORMAT_PAL8) {
-                unsigned char i = (unsigned char)(x + 3 * y);
+            unsigned char i = (unsigned char)(x + 3 * y);
+            if (format == PCD_FORMAT_PAL8)
                 v.insert(v.end(), {(unsigned char)(3 * i), (unsigned char)(255 - i), i});
-            } else {
+            else
                 v.insert(v.end(), {(unsigned char)((x ^ y) * 3), (unsigned char)(x + y * 5), (unsigned char)(x * 7 + y)});
-            }
         }
     return v;
 }
 
 // Holds the stand-in for one test and opens made-up packs on it.
 struct STANDIN {
-    OUTLIBFILEMAP saved;
+    OUTLIBFILEMAP saved = OUTLIB::SetFileMap(PhotoLibrary);
     PCDACCESS& pcd = PCDACCESS::Process();
-    STANDIN() : saved(OUTLIB::SetFileMap(PhotoLibrary))
-    {
-        for (const char* v : {"PCDSTANDIN", "RLPHBAD", "RLPHBAD_ORDER", "RLPHBAD_CALLS", "RLPHHALF_STARTED"})
-            SetEnvironmentVariableA(v, nullptr);
-        EXPECT_EQ(pcd.Acquire(), 1);
-    }
-    ~STANDIN()
-    {
-        pcd.Release();
-        OUTLIB::SetFileMap(saved);
-    }
+    ~STANDIN() { pcd.Release(), OUTLIB::SetFileMap(saved); }
     PCDpkHdl Open(const char* size)
     {
         PCDpkHdl pack = nullptr;
@@ -68,18 +52,17 @@ struct STANDIN {
 };
 } // namespace
 
-// Statuses and where each failure stops: the calls the plug-in saw (s start,
-// z header size, h header, c convert, y footer size, f footer, x finish) and
-// what reached the file.
+// Where each failure stops: the plug-in's calls (letters as in rlphbad) and what reached the file.
 TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
 {
     STANDIN s;
+    for (const char* v : {"PCDSTANDIN", "RLPHBAD", "RLPHBAD_ORDER", "RLPHBAD_CALLS", "RLPHHALF_STARTED"})
+        SetEnvironmentVariableA(v, nullptr);
+    ASSERT_EQ(s.pcd.Acquire(), 1);
     const std::string path = rltest::TempPath("rlx");
     const std::string longName(65, 'b');
     const long rgb = PCD_FORMAT_RGB24, pal = PCD_FORMAT_PAL8;
-    // 37 pixels are 112 bytes a row at 24 bits: 585 rows a band, so 3 bands;
-    // at 8 bits 40 bytes, one band.
-    // standin, plugin: PCDSTANDIN and RLPHBAD; fileBytes -1: no file made.
+    // 37 pixels: 112 bytes a row, 585 rows a band at 24 bits; 40 bytes, one band at 8. fileBytes -1: no file.
     const struct CASE {
         const char* what; bool image; const char* format; bool file; long colours;
         const char* standin; const char* plugin; unsigned short status; const char* calls; long fileBytes;
@@ -105,20 +88,18 @@ TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
     for (const CASE& c : cases) {
         SCOPED_TRACE(c.what);
         DeleteFileA(path.c_str());
-        SetEnvironmentVariableA("PCDSTANDIN", c.standin), SetEnvironmentVariableA("RLPHBAD", c.plugin);
-        SetEnvironmentVariableA("RLPHBAD_CALLS", nullptr);
+        SetEnvironmentVariableA("PCDSTANDIN", c.standin), SetEnvironmentVariableA("RLPHBAD", c.plugin),
+            SetEnvironmentVariableA("RLPHBAD_CALLS", nullptr);
         PCDpkHdl pack = s.Open("37x1300");
         EXPECT_EQ(PhotoExport(c.image ? pack : nullptr, c.format, c.file ? path.c_str() : nullptr, c.colours, s.pcd),
                   c.status);
         s.pcd.PCDclose(pack);
         EXPECT_EQ(Env("RLPHBAD_CALLS"), c.calls);
-        BYTES file = Load(path);
-        EXPECT_EQ(GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES ? -1 : (long)file.size(), c.fileBytes);
+        EXPECT_EQ(GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES ? -1 : (long)Load(path).size(), c.fileBytes);
     }
     EXPECT_EQ(Env("RLPHHALF_STARTED"), "") << "a plug-in lacking an entry is not started";
 
-    // The rows reach a plug-in in the order it asks for, bands and rows within
-    // them; the 24-bit layout is blue, green, red.
+    // Rows reach a plug-in in the order it asks for, as blue, green, red.
     for (const char* order : {"down", "up"}) {
         SetEnvironmentVariableA("PCDSTANDIN", nullptr), SetEnvironmentVariableA("RLPHBAD", nullptr);
         SetEnvironmentVariableA("RLPHBAD_ORDER", order);
@@ -127,8 +108,7 @@ TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
         s.pcd.PCDclose(pack);
         BYTES file = Load(path), want = Expected(37, 1300, rgb);
         ASSERT_EQ(file.size(), 8u + 1300 * 112);
-        EXPECT_TRUE(BYTES(file.begin(), file.begin() + 4) == BYTES({'H', 'E', 'A', 'D'}));
-        EXPECT_TRUE(BYTES(file.end() - 4, file.end()) == BYTES({'F', 'O', 'O', 'T'}));
+        EXPECT_TRUE(!memcmp(file.data(), "HEAD", 4) && !memcmp(&file[file.size() - 4], "FOOT", 4));
         for (long i = 0; i < 1300; ++i) {
             long y = order[0] == 'u' ? 1299 - i : i;
             for (long k = 0; k < 37 * 3; ++k)
@@ -145,15 +125,14 @@ TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
     EXPECT_EQ(PhotoExport(pack, "bmp", path.c_str(), pal, s.pcd), PHOTOEXPORT_OK);
     exportfiles::PICTURE p;
     EXPECT_TRUE(exportfiles::ReadBmp(Load(path), p) && p.rgb == Expected(2, 2, pal)) << p.error;
-    s.pcd.PCDclose(pack);
-    DeleteFileA(path.c_str());
+    s.pcd.PCDclose(pack), DeleteFileA(path.c_str());
 }
 
 // Each plug-in in both colour formats holds exactly what the library hands out.
 TEST(PhotoExportFiles, ImagePackThroughEachPlugin)
 {
     const std::string pack = rltest::TempPath("rlp");
-    Save(pack, pcdwriter::ImagePack(pcdwriter::Pattern(768, 512, 3), 0));
+    bmt::Save(pack, pcdwriter::ImagePack(pcdwriter::Pattern(768, 512, 3), 0));
     const std::string path = rltest::TempPath("rlx");
     PCDACCESS& pcd = PCDACCESS::Process();
     ASSERT_EQ(pcd.Acquire(), 1);
@@ -164,7 +143,6 @@ TEST(PhotoExportFiles, ImagePackThroughEachPlugin)
             ASSERT_EQ(pcd.PCDopen(pack.c_str(), &image), PCD_OK);
             ASSERT_EQ(pcd.PCDsetResolution(image, (long)PCD_BASE_OVER_4), PCD_OK);
             ASSERT_EQ(PhotoExport(image, format, path.c_str(), colours, pcd), PHOTOEXPORT_OK);
-
             long w = 0, h = 0, bpp = colours == PCD_FORMAT_PAL8 ? 1 : 3;
             ASSERT_TRUE(pcd.PCDgetSize(image, &w, &h) == PCD_OK && w == 384 && h == 256);
             BYTES rows((size_t)w * h * bpp), want;
@@ -176,25 +154,21 @@ TEST(PhotoExportFiles, ImagePackThroughEachPlugin)
                 want.insert(want.end(), {p[2], p[1], p[0]});
             }
             pcd.PCDclose(image);
-
             exportfiles::PICTURE got;
             BYTES file = Load(path);
-            bool read = format[0] == 'b' ? exportfiles::ReadBmp(file, got)
-                                         : format[0] == 'p' ? exportfiles::ReadPcx(file, got)
-                                                            : exportfiles::ReadTif(file, got);
-            ASSERT_TRUE(read) << got.error;
-            EXPECT_TRUE(got.width == w && got.height == h && got.bits == 8 * bpp);
-            EXPECT_TRUE(got.rgb == want);
+            auto read = format[0] == 'b'   ? exportfiles::ReadBmp
+                        : format[0] == 'p' ? exportfiles::ReadPcx
+                                           : exportfiles::ReadTif;
+            ASSERT_TRUE(read(file, got)) << got.error;
+            EXPECT_TRUE(got.width == w && got.height == h && got.bits == 8 * bpp && got.rgb == want);
             if (format[0] != 'b')
                 continue;
             vMEMSTREAM m;
-            Fill(m, file);
+            bmt::Fill(m, file);
             oMEMDIB dib(m, 0);
             ASSERT_EQ(dib.Height(), (unsigned long)h);
-            BYTES stored = Rows(dib);
+            BYTES stored = bmt::Rows(dib);
             EXPECT_TRUE(BYTES(file.end() - stored.size(), file.end()) == stored) << "the library's reader agrees";
         }
-    pcd.Release();
-    DeleteFileA(pack.c_str());
-    DeleteFileA(path.c_str());
+    pcd.Release(), DeleteFileA(pack.c_str()), DeleteFileA(path.c_str());
 }

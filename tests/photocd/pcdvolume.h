@@ -1,6 +1,6 @@
 // A Photo CD volume in a fresh temporary folder: IMAGES\IMG0001.PCD ... stored
-// with the given turns, PHOTO_CD\INFO.PCD, and optionally PHOTO_CD\OVERVIEW.PCD
-// and a rights file. Removed again with everything added to it.
+// with the given turns, PHOTO_CD\INFO.PCD, optionally PHOTO_CD\OVERVIEW.PCD and
+// a rights file; removed again with everything added to it.
 #ifndef RL132_TESTS_PHOTOCD_PCDVOLUME_H
 #define RL132_TESTS_PHOTOCD_PCDVOLUME_H
 #include <windows.h>
@@ -14,21 +14,19 @@ struct PCDVOLUME {
     std::string root;
     std::vector<std::string> files, dirs;
     std::vector<pcdwriter::Ycc> pictures;
-    PCDVOLUME(const std::vector<int>& rotations, bool overview, uint8_t idByte = 7, bool rights = false)
+    PCDVOLUME(const std::vector<int>& rotations, bool overview, bool rights = false)
         : root(rltest::TempPath("pcdvol"))
     {
         for (const char* d : {"", "\\IMAGES", "\\PHOTO_CD", rights ? "\\RIGHTS" : nullptr})
-            if (d) {
-                CreateDirectoryA((root + d).c_str(), nullptr);
-                dirs.push_back(root + d);
-            }
+            if (d)
+                CreateDirectoryA((root + d).c_str(), nullptr), dirs.push_back(root + d);
         std::vector<pcdwriter::Ycc> small;
         for (size_t i = 0; i < rotations.size(); ++i) {
             pictures.push_back(pcdwriter::Pattern(768, 512, (int)i + 1));
             small.push_back(pcdwriter::Halve(pcdwriter::Halve(pictures.back())));
             Add(Pack(i + 1), pcdwriter::ImagePack(pictures.back(), rotations[i]));
         }
-        SetId(idByte, (int)rotations.size());
+        SetId(7, (int)rotations.size());
         if (overview)
             Add(root + "\\PHOTO_CD\\OVERVIEW.PCD", pcdwriter::OverviewPack(small, rotations));
         if (rights)
@@ -49,11 +47,8 @@ struct PCDVOLUME {
     }
     void Add(const std::string& path, const pcdwriter::Bytes& data)
     {
-        FILE* f = fopen(path.c_str(), "wb");
-        if (f) {
-            fwrite(data.data(), 1, data.size(), f);
-            fclose(f);
-        }
+        if (FILE* f = fopen(path.c_str(), "wb"))
+            fwrite(data.data(), 1, data.size(), f), fclose(f);
         files.push_back(path);
     }
     void SetId(uint8_t idByte, int images)
@@ -62,5 +57,4 @@ struct PCDVOLUME {
         Add(root + "\\PHOTO_CD\\INFO.PCD", pcdwriter::InfoFile(id, images));
     }
 };
-
 #endif

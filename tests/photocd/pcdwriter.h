@@ -1,10 +1,8 @@
-// Writes Photo CD image packs, overview packs and INFO.PCD files for the tests:
-// the three base resolutions as Photo YCC 4:2:0 in the sector layout the
-// decoder reads (see addons/pcdlib32/pcdpack.cpp). Header-only, no system
-// calls, so Wine tests and native tests share it.
+// Writes Photo CD image packs, overview packs and INFO.PCD files: the three
+// base resolutions as Photo YCC 4:2:0 in the sector layout the decoder reads.
+// Header-only, no system calls, so Wine tests, native tests and tools share it.
 #ifndef RL132_TESTS_PCDWRITER_H
 #define RL132_TESTS_PCDWRITER_H
-
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -14,8 +12,7 @@ namespace pcdwriter {
 typedef std::vector<uint8_t> Bytes;
 const uint32_t kSector = 0x800;
 
-// A picture in Photo YCC: full-size luma and chroma planes.
-struct Ycc {
+struct Ycc {   // full-size luma and chroma planes
     long width = 0, height = 0;
     Bytes y, c1, c2;
 };
@@ -25,29 +22,24 @@ struct Ycc {
 inline Ycc Pattern(long width, long height, int seed)
 {
     Ycc p;
-    p.width = width;
-    p.height = height;
+    p.width = width, p.height = height;
     p.y.resize((size_t)width * height);
-    p.c1 = p.y;
-    p.c2 = p.y;
+    p.c1 = p.c2 = p.y;
     for (long r = 0; r < height; ++r)
         for (long x = 0; x < width; ++x) {
             size_t i = (size_t)r * width + x;
-            p.y[i] = (uint8_t)(30 + (x * 140 / width + r * 50 / height + seed * 9) % 170);
+            p.y[i] = (uint8_t)(x < width / 8 && r < height / 8 ? 220
+                                                               : 30 + (x * 140 / width + r * 50 / height + seed * 9) % 170);
             p.c1[i] = (uint8_t)(110 + (x * 60 / width + seed * 7) % 80);
             p.c2[i] = (uint8_t)(100 + (r * 70 / height + seed * 5) % 80);
-            if (x < width / 8 && r < height / 8)
-                p.y[i] = 220;
         }
     return p;
 }
 
-// Halves a picture by averaging 2 x 2 blocks.
-inline Ycc Halve(const Ycc& s)
+inline Ycc Halve(const Ycc& s)   // averages 2 x 2 blocks
 {
     Ycc d;
-    d.width = s.width / 2;
-    d.height = s.height / 2;
+    d.width = s.width / 2, d.height = s.height / 2;
     const Bytes* src[3] = {&s.y, &s.c1, &s.c2};
     Bytes* dst[3] = {&d.y, &d.c1, &d.c2};
     for (int k = 0; k < 3; ++k) {
@@ -61,18 +53,16 @@ inline Ycc Halve(const Ycc& s)
     return d;
 }
 
-// The stored form: pairs of rows, two luma rows, then C1 and C2 at half
-// width, taken from the even rows and columns.
+// Stored by pairs of rows: two luma rows, then C1 and C2 at half width from
+// the even rows and columns.
 inline Bytes Planes(const Ycc& p)
 {
     Bytes out;
-    out.reserve((size_t)p.width * p.height * 3 / 2);
     for (long r = 0; r < p.height; r += 2) {
         out.insert(out.end(), p.y.begin() + r * p.width, p.y.begin() + (r + 2) * p.width);
-        for (long x = 0; x < p.width; x += 2)
-            out.push_back(p.c1[(size_t)r * p.width + x]);
-        for (long x = 0; x < p.width; x += 2)
-            out.push_back(p.c2[(size_t)r * p.width + x]);
+        for (const Bytes* c : {&p.c1, &p.c2})
+            for (long x = 0; x < p.width; x += 2)
+                out.push_back((*c)[(size_t)r * p.width + x]);
     }
     return out;
 }
@@ -89,27 +79,23 @@ inline void Put(Bytes& file, uint32_t at, const Bytes& data)
 inline Bytes ImagePack(const Ycc& base, int rotation, int highest = 0)
 {
     Bytes file(kSector * 3, 0);
-    memcpy(file.data() + kSector, "PCD_IPI", 7);
-    file[kSector + 7] = 1;
-    file[kSector + 8] = 0;
+    memcpy(file.data() + kSector, "PCD_IPI\1", 8);
     file[kSector + 13] = 0x2f;  // scanning time 0x2f000001
     file[kSector + 16] = 1;
     file[0xE02] = (uint8_t)((rotation & 3) | (highest & 3) << 2);
-    Ycc b4 = Halve(base), b16 = Halve(b4);
-    Put(file, 4 * kSector, Planes(b16));
+    Ycc b4 = Halve(base);
+    Put(file, 4 * kSector, Planes(Halve(b4)));
     Put(file, 23 * kSector, Planes(b4));
     Put(file, 96 * kSector, Planes(base));
     file.resize(385 * kSector);
     return file;
 }
 
-// An overview pack of Base/16 pictures with their turns.
 inline Bytes OverviewPack(const std::vector<Ycc>& base16, const std::vector<int>& rotations)
 {
     Bytes file(kSector, 0);
     memcpy(file.data(), "PCD_OPA", 7);
-    file[10] = (uint8_t)(base16.size() >> 8);
-    file[11] = (uint8_t)base16.size();
+    file[10] = (uint8_t)(base16.size() >> 8), file[11] = (uint8_t)base16.size();
     for (size_t i = 0; i < base16.size(); ++i) {
         uint32_t at = (uint32_t)(1 + 19 * i) * kSector;
         Bytes attr(kSector, 0);
@@ -124,30 +110,21 @@ inline Bytes OverviewPack(const std::vector<Ycc>& base16, const std::vector<int>
 inline Bytes InfoFile(const uint8_t id[12], int images)
 {
     Bytes file(kSector, 0);
-    memcpy(file.data(), "PHOTO_CD", 8);
-    file[8] = 1;
-    file[9] = 0;
+    memcpy(file.data(), "PHOTO_CD\1", 9);
     memcpy(file.data() + 12, id, 12);
-    file[27] = 7;
-    file[31] = 9;
-    file[32] = (uint8_t)(images >> 8);
-    file[33] = (uint8_t)images;
-    file[39] = 1;
+    file[27] = 7, file[31] = 9, file[39] = 1;
+    file[32] = (uint8_t)(images >> 8), file[33] = (uint8_t)images;
     return file;
 }
 
-// Kodak's decoding in floating point, for comparison with the decoder's
-// tables: blue, green, red.
+// Kodak's decoding in floating point, blue, green, red.
 inline void ReferenceBgr(int y, int c1, int c2, int bgr[3])
 {
     double l = 1.3584 * y, a = 2.2179 * (c1 - 156), b = 1.8215 * (c2 - 137);
     double v[3] = {l + a, l - 0.194 * a - 0.509 * b, l + b};
-    for (int k = 0; k < 3; ++k) {
-        double r = v[k] < 0 ? 0 : v[k] > 255 ? 255 : v[k];
-        bgr[k] = (int)(r + 0.5);
-    }
+    for (int k = 0; k < 3; ++k)
+        bgr[k] = (int)((v[k] < 0 ? 0 : v[k] > 255 ? 255 : v[k]) + 0.5);
 }
 
-}  // namespace pcdwriter
-
+} // namespace pcdwriter
 #endif

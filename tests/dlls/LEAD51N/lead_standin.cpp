@@ -1,18 +1,10 @@
-// A stand-in for the outside imaging library, for the tests only, built from
-// the library's own declaration of what it calls (src/platform/leadabi.h).
-//
-// It does each job in the plainest way: pixels kept as 32-bit words, top row
-// first; the negative byte by byte; the ink planes by full grey-component
-// replacement in half-percent steps, the rule the library's colours follow,
-// so that both roads of a separated picture can be compared pixel for pixel.
-// Only 32-bit uncompressed DIBs are taken in, which is all the library hands
-// over. The environment variable LEAD_STANDIN selects a failure:
-//   "short-dib"  L_ChangeToDIB hands back a block one byte too short
-//   "no-invert"  L_InvertBitmap answers 0
-// Loads, unloads and calls are counted in LEAD_STANDIN_LOADS, _UNLOADS, _CALLS.
+// Imaging library stand-in, from the library's own declaration of what it
+// calls. Pixels are kept as 32-bit words, top row first; ink planes by full
+// grey-component replacement in half-percent steps, the rule the library's
+// colours follow. LEAD_STANDIN selects "short-dib" (L_ChangeToDIB's block one
+// byte short) or "no-invert"; LEAD_STANDIN_LOADS, _UNLOADS, _CALLS count.
 #include <windows.h>
 #include "../standin.h"
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include "../../../src/platform/leadabi.h"
@@ -20,19 +12,9 @@
 namespace {
 
 bool Mode(const char* name) { return standin::Mode("LEAD_STANDIN", name); }
-
 using standin::Count;
-
-unsigned long Stride(const LEADBITMAP* b)
-{
-    return ((unsigned long)b->width * b->bitsPerPixel + 31) / 32 * 4;
-}
-
-// Half-percent inks, rounded: 200 × (255 − v) / 255.
-int Ink2(int v)
-{
-    return (200 * (255 - v) + 127) / 255;
-}
+unsigned long Stride(const LEADBITMAP* b) { return ((unsigned long)b->width * b->bitsPerPixel + 31) / 32 * 4; }
+int Ink2(int v) { return (200 * (255 - v) + 127) / 255; }   // half-percent inks, rounded
 
 } // namespace
 
@@ -40,10 +22,8 @@ extern "C" {
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
 {
-    if (reason == DLL_PROCESS_ATTACH)
-        Count("LEAD_STANDIN_LOADS");
-    else if (reason == DLL_PROCESS_DETACH)
-        Count("LEAD_STANDIN_UNLOADS");
+    if (reason == DLL_PROCESS_ATTACH || reason == DLL_PROCESS_DETACH)
+        Count(reason == DLL_PROCESS_ATTACH ? "LEAD_STANDIN_LOADS" : "LEAD_STANDIN_UNLOADS");
     return TRUE;
 }
 
@@ -53,10 +33,7 @@ int WINAPI L_InitBitmap(LEADBITMAP* b, int width, int height, int bits)
     if (!b || width < 1 || height < 1 || (bits != 8 && bits != 32))
         return 0;
     memset(b, 0, sizeof *b);
-    b->structSize = sizeof *b;
-    b->width = width;
-    b->height = height;
-    b->bitsPerPixel = bits;
+    b->structSize = sizeof *b, b->width = width, b->height = height, b->bitsPerPixel = bits;
     b->bytesPerLine = Stride(b);
     return LEAD_SUCCESS;
 }
@@ -68,15 +45,12 @@ int WINAPI L_ConvertFromDIB(LEADBITMAP* b, const void* info, const void* bits)
     if (!b || b->structSize != sizeof *b || b->bitsPerPixel != 32 || !h || !bits || h->biBitCount != 32 ||
         h->biCompression != BI_RGB || h->biWidth != b->width || labs(h->biHeight) != b->height)
         return 0;
-    unsigned long size = b->bytesPerLine * b->height;
-    b->pixels = HeapAlloc(GetProcessHeap(), 0, size);
-    if (!b->pixels)
+    if (!(b->pixels = HeapAlloc(GetProcessHeap(), 0, b->bytesPerLine * b->height)))
         return 0;
-    for (long y = 0; y < b->height; ++y) {
-        long from = h->biHeight < 0 ? y : b->height - 1 - y;
+    for (long y = 0; y < b->height; ++y)
         memcpy(static_cast<char*>(b->pixels) + y * b->bytesPerLine,
-               static_cast<const char*>(bits) + from * b->bytesPerLine, b->bytesPerLine);
-    }
+               static_cast<const char*>(bits) + (h->biHeight < 0 ? y : b->height - 1 - y) * b->bytesPerLine,
+               b->bytesPerLine);
     return LEAD_SUCCESS;
 }
 
@@ -125,18 +99,10 @@ void* WINAPI L_ChangeToDIB(LEADBITMAP* b)
     HGLOBAL g = GlobalAlloc(GMEM_MOVEABLE, Mode("short-dib") ? size - 1 : size);
     BYTE* p = g ? static_cast<BYTE*>(GlobalLock(g)) : nullptr;
     if (p) {
-        BITMAPINFOHEADER h = {};
-        h.biSize = 40;
-        h.biWidth = b->width;
-        h.biHeight = b->height;
-        h.biPlanes = 1;
-        h.biBitCount = (WORD)b->bitsPerPixel;
-        h.biClrUsed = colours;
+        BITMAPINFOHEADER h = {40, b->width, b->height, 1, (WORD)b->bitsPerPixel, BI_RGB, 0, 0, 0, colours, 0};
         memcpy(p, &h, 40);
-        for (unsigned long i = 0; i < colours; ++i) {
-            BYTE q[4] = {(BYTE)i, (BYTE)i, (BYTE)i, 0};
-            memcpy(p + 40 + 4 * i, q, 4);
-        }
+        for (unsigned long i = 0; i < colours; ++i)
+            p[40 + 4 * i] = p[41 + 4 * i] = p[42 + 4 * i] = (BYTE)i, p[43 + 4 * i] = 0;
         // Bottom row first, as a stored DIB keeps them.
         unsigned long keep = Mode("short-dib") ? rows - 1 : rows;
         for (long y = 0; y < b->height; ++y) {

@@ -1,11 +1,10 @@
-// A colour library that offers the encoding entry but not the RGB lookup, for
-// the tests of an incomplete Pantone library.
+// A colour library with the encoding entry but no RGB lookup.
 #include <windows.h>
+#include <cstring>
 
 extern "C" short WINAPI POCE_EncodeColor(int, int, int, unsigned char* code)
 {
     if (code)
-        for (int i = 0; i < 8; ++i)
-            code[i] = 0;
+        memset(code, 0, 8);
     return 0;
 }
