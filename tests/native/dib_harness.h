@@ -151,9 +151,7 @@ inline Bytes Framed(const std::uint8_t* data, std::size_t size)
     Bytes b = Contents(out);
     out.Close();
     // Edits: (offset, value) pairs from the rest of the input.
-    for (std::size_t i = 6; i + 2 < size; i += 3) {
-        if (b.empty())
-            break;
+    for (std::size_t i = 6; i + 2 < size && !b.empty(); i += 3) {
         std::size_t at = ((std::size_t)data[i] << 8 | data[i + 1]) % b.size();
         switch (data[i + 2] & 3) {
         case 0: b[at] = data[i + 2]; break;

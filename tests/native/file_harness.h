@@ -87,7 +87,9 @@ struct ScratchFile {
         char name[512];
         std::snprintf(name, sizeof name, "%s/rlnfXXXXXX", dir && *dir ? dir : "/tmp");
         int fd = mkstemp(name);
-        path = (fd >= 0 && close(fd), name);
+        if (fd >= 0)
+            close(fd);
+        path = name;
     }
     ~ScratchFile() { unlink(path.c_str()); }
 };
@@ -98,7 +100,9 @@ inline std::vector<unsigned char> ReadWholeFile(const std::string& path)
     FILE* f = std::fopen(path.c_str(), "rb");
     for (int c; f && (c = std::fgetc(f)) != EOF;)
         out.push_back((unsigned char)c);
-    return f && std::fclose(f), out;
+    if (f)
+        std::fclose(f);
+    return out;
 }
 
 // Runs one script; false on the first disagreement with the model.

@@ -287,7 +287,9 @@ Bytes ReadAll(const std::string& path)
     FILE* f = fopen(path.c_str(), "rb");
     for (int c; f && (c = fgetc(f)) != EOF;)
         b.push_back((uint8_t)c);
-    return f && fclose(f), b;
+    if (f)
+        fclose(f);
+    return b;
 }
 
 // ImageMagick maps the whole Photo YCC range onto 0..255 (Kodak's values / 1.3584) where we
