@@ -105,12 +105,9 @@ TEST(PcdPack, HeaderFieldsAndEveryCutOfTheFile)
         SCOPED_TRACE(cut);
         PCDstatus st = ParseHeader(file.data(), std::min(cut, kHeaderBytes), cut, &h);
         EXPECT_EQ(st, cut < 0x807 ? PCD_ERR_NOT_PCD : cut < 0xE03 ? PCD_ERR_DAMAGED : PCD_OK);
-        if (st != PCD_OK)
-            continue;
-        for (long res = 0; res < 3; ++res) {
-            Plane p;
+        Plane p;
+        for (long res = 0; st == PCD_OK && res < 3; ++res)
             EXPECT_EQ(FindPlane(h, cut, res, &p), cut >= ends[res] ? PCD_OK : PCD_ERR_DAMAGED);
-        }
     }
 }
 
@@ -190,27 +187,26 @@ TEST(PcdPack, PaletteKeepsFewColoursExactlyAndSplitsMany)
     static Quantizer q;  // six colours on cell centres: each gets an entry of its own, exactly
     const uint8_t colours[6][3] = {{4, 4, 4}, {252, 252, 252}, {12, 100, 204}, {204, 12, 100},
                                    {100, 204, 12}, {132, 132, 132}};
-    std::vector<uint8_t> img;
+    std::vector<uint8_t> img, idx;
+    auto quantize = [&](int entries) {
+        idx.resize(img.size() / 3);
+        QuantizerStart(&q);
+        QuantizerAdd(&q, img.data(), (long)idx.size());
+        QuantizerMake(&q, entries);
+        QuantizerMap(&q, img.data(), idx.data(), (long)idx.size());
+    };
     for (int i = 0; i < 600; ++i)
         img.insert(img.end(), colours[i % 6], colours[i % 6] + 3);
-    QuantizerStart(&q);
-    QuantizerAdd(&q, img.data(), 600);
-    QuantizerMake(&q, 256);
+    quantize(256);
     ASSERT_EQ(q.palette.count, 6);
-    std::vector<uint8_t> idx(600);
-    QuantizerMap(&q, img.data(), idx.data(), 600);
     for (int i = 0; i < 600; ++i)
         ASSERT_EQ(0, memcmp(q.palette.entries[idx[i]], img.data() + 3 * i, 3)) << i;
     // A grey ramp into 4 entries: ordered, and every grey maps to its nearest.
     img.clear();
     for (int v = 0; v < 256; ++v)
         img.insert(img.end(), {(uint8_t)v, (uint8_t)v, (uint8_t)v});
-    QuantizerStart(&q);
-    QuantizerAdd(&q, img.data(), 256);
-    QuantizerMake(&q, 4);
+    quantize(4);
     ASSERT_EQ(q.palette.count, 4);
-    idx.resize(256);
-    QuantizerMap(&q, img.data(), idx.data(), 256);
     for (int v = 0; v < 256; ++v) {
         int got = std::abs(q.palette.entries[idx[v]][0] - ((v & ~7) + 4));
         for (int e = 0; e < 4; ++e)
