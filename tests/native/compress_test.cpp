@@ -1,5 +1,4 @@
-// implode and explode: round trips at every setting, and damaged streams that
-// must never take either engine outside its buffers.
+// implode and explode: round trips at every setting, and damaged streams.
 #include <gtest/gtest.h>
 #include "compress_util.h"
 
@@ -7,8 +6,7 @@ using namespace rlnative;
 
 namespace {
 
-// Noise, a small alphabet, long runs, or copies of earlier stretches at every
-// distance the window allows and beyond.
+// Noise, a small alphabet, long runs, or copies from every distance the window allows and beyond.
 Bytes MakeData(Rng& rng, size_t n)
 {
     Bytes d(n);
@@ -42,7 +40,7 @@ TEST(NativeCompress, RoundTripsAtEveryDictionaryModeAndLevelInRandomPieces)
     Bytes plain = MakeData(rng, 20000);
     Pipe p{&rng};
     ASSERT_EQ(0u, Feed(p, plain.data(), plain.size(), 3, 200, 0, 4096, implode_work_size(200)));
-    Bytes packed = p.out;
+    Bytes packed = p.out;  // (Feed clears p.out)
     ASSERT_EQ(0u, Feed(p, packed.data(), packed.size(), 1));
     ASSERT_TRUE(p.badWrites == 0 && p.out == plain);
 }
@@ -88,11 +86,8 @@ TEST(NativeCompress, DamagedStreams)
             EXPECT_TRUE(p.out.size() <= plain.size() && std::equal(p.out.begin(), p.out.end(), plain.begin()));
             EXPECT_TRUE(r == CMP_ABORT || (r == CMP_NO_ERROR && p.out == plain)) << r;
         }
-        // A copy as the first item has nothing to copy from: it ends the
-        // stream as corrupt (or is the end code), before any output.
-        if (iter % 4 == 3 && d.size() >= 5 && d[0] <= 1 && d[1] >= 4 && d[1] <= 6 && (d[2] & 1)) {
-            EXPECT_TRUE(p.out.empty());
-        }
+        // A copy as the first item has nothing to copy from: no output.
+        EXPECT_TRUE(!(iter % 4 == 3 && d.size() >= 5 && d[0] <= 1 && d[1] >= 4 && d[1] <= 6 && (d[2] & 1)) || p.out.empty());
     }
 }
 

@@ -1,6 +1,6 @@
-// Callback plumbing for the compression engines under the sanitizers: input
-// served in pieces of varying size; every write must come from inside the work
-// area the engine was given and keep the output within its bound.
+// The compression engines under the sanitizers, shared with the fuzz programs:
+// input served in pieces of varying size; every write must come from inside the
+// work area the engine was given and keep the output within its bound.
 #ifndef RL132_TESTS_NATIVE_COMPRESS_UTIL_H
 #define RL132_TESTS_NATIVE_COMPRESS_UTIL_H
 #include <algorithm>
@@ -28,9 +28,7 @@ inline unsigned PipeRead(char* buf, unsigned* size, void* param)
     Pipe& p = *static_cast<Pipe*>(param);
     size_t piece = p.piece ? p.piece : 1 + p.rng->Below(p.rng->Chance(3) ? 7 : 3000);
     size_t n = std::min(std::min(p.inSize - p.pos, (size_t)*size), piece);
-    // Only the bytes promised: a callback that overran the engine's buffer
-    // would hide the engine's own overruns.
-    if (n)
+    if (n)  // only the bytes promised: an overrun here would hide the engine's own
         std::memcpy(buf, p.in + p.pos, n);
     p.pos += n;
     return (unsigned)n;
@@ -47,9 +45,9 @@ inline void PipeWrite(char* buf, unsigned* size, void* param)
 }
 
 // explode (level 0) or implode_level over in[0, n), in a work area of exactly
-// workSize bytes placed `misalign` bytes into its heap block. Output bounds: a
-// copy item takes at least 9 bits and yields at most 518 bytes; compressing
-// grows data at most to 9/8 (binary) or 14/8 (ASCII) plus 5 bytes.
+// workSize bytes `misalign` bytes into its block. A copy item takes at least 9
+// bits and yields at most 518 bytes; implode grows data at most to 9/8 (binary)
+// or 14/8 (ASCII) plus 5 bytes.
 inline unsigned Feed(Pipe& p, const unsigned char* in, size_t n, unsigned misalign, unsigned level = 0,
                     unsigned type = 0, unsigned dsize = 0, size_t workSize = EXP_BUFFER_SIZE,
                     unsigned long long* used = nullptr)
@@ -67,10 +65,8 @@ inline unsigned Feed(Pipe& p, const unsigned char* in, size_t n, unsigned misali
     return r;
 }
 
-// One implode -> explode round trip at the dictionary size, literal mode and
-// level the first byte picks (every one of the 3 x 2 x 9), with both engines fed
-// in pieces of random sizes seeded by the second byte; the rest is the data.
-// False when the data does not come back or a write broke PipeWrite's rules.
+// implode -> explode at the dictionary size, literal mode and level data[0]
+// picks (all 3 x 2 x 9), pieces seeded by data[1]; the rest is the data.
 inline bool RoundTrip(const unsigned char* data, size_t size)
 {
     if (size < 2)
@@ -83,15 +79,13 @@ inline bool RoundTrip(const unsigned char* data, size_t size)
     const size_t workSize = level == 9 && rng.Chance(2) ? implode_work_size(9) : CMP_BUFFER_SIZE;
     if (Feed(p, plain, n, rng.Below(8), level, type, dsize, workSize) != 0 || p.badWrites)
         return Fail("implode failed or wrote outside its bounds");
-    Bytes packed = p.out;
-    // The header names the mode and the dictionary.
-    if (packed.size() < 2 || packed[0] != type || packed[1] != 4 + pick % 3)
+    if (p.out.size() < 2 || p.out[0] != type || p.out[1] != 4 + pick % 3)
         return Fail("the header does not name the mode and dictionary");
     unsigned long long used = 0;
     Pipe q{&rng, rng.Chance(4) ? 1 + rng.Below(3) : 0};
-    if (Feed(q, packed.data(), packed.size(), rng.Below(8), 0, 0, 0, EXP_BUFFER_SIZE, &used) != 0 || q.badWrites)
+    if (Feed(q, p.out.data(), p.out.size(), rng.Below(8), 0, 0, 0, EXP_BUFFER_SIZE, &used) != 0 || q.badWrites)
         return Fail("explode failed or wrote outside its bounds");
-    if (q.out.size() != n || (n && std::memcmp(q.out.data(), plain, n) != 0) || used > packed.size())
+    if (q.out.size() != n || (n && std::memcmp(q.out.data(), plain, n) != 0) || used > p.out.size())
         return Fail("the data did not come back");
     return true;
 }

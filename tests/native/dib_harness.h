@@ -1,17 +1,12 @@
-// The whole DIB read path, shared by dibread_test.cpp and fuzz_dibread.cpp: one
-// input read by every reader (memory, file, stored rows by range), then copied,
-// converted, cut into rectangles, written and read back, and resampled; any
-// disagreement aborts. First byte 0xFF: the input describes a picture written in
-// compressed frames and then damaged (Framed).
+// The whole DIB read path (dibread_test.cpp, fuzz_dibread.cpp): one input read by
+// every reader, then copied, converted, cut, written and read back, resampled;
+// any disagreement aborts. First byte 0xFF: a framed picture, damaged (Framed).
 #ifndef RL132_TESTS_NATIVE_DIB_HARNESS_H
 #define RL132_TESTS_NATIVE_DIB_HARNESS_H
 #include <unistd.h>
-#include <cstdint>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <algorithm>
-#include <cstring>
-#include <string>
 #include <utility>
 #include <vector>
 #include "bitmaps/dibrows.h"
@@ -29,16 +24,10 @@ namespace dibfuzz {
 
 typedef std::vector<unsigned char> Bytes;
 
-inline void Fail(const char* what)
-{
-    std::fprintf(stderr, "dib harness: %s\n", what);
-    std::abort();
-}
+inline void Fail(const char* what) { std::fprintf(stderr, "dib harness: %s\n", what), std::abort(); }
 #define DIBFUZZ_CHECK(c) ((c) ? (void)0 : dibfuzz::Fail(#c))
 
 // A file of this process's own, in TMPDIR when it is set.
-// A file of this process's own, in TMPDIR when it is set: `what` tells the
-// harness's files apart.
 inline vSTRING TempName(const char* what)
 {
     const char* dir = std::getenv("TMPDIR");
@@ -65,39 +54,26 @@ inline Bytes Contents(vSTREAM& s)
     return b;
 }
 
-inline void Save(const vSTRING& name, const Bytes& b)
-{
-    vFILE f(name, vFILE_WRITENEW, 1);
-    if (!b.empty())
-        f.WriteBlock(b.data(), (unsigned long)b.size());
-}
-
 // Whole stored rows of an image, bottom row first, through GetImageLines.
 inline Bytes Rows(const oDIB& d)
 {
     const unsigned long size = d.Height() * d.Stride();
     rlnative::Exact buf(size ? size : 1);
-    Bytes v;
     oCOLOUR_MODEL m = oCM_RGB24;
-    if (d.Height() && d.GetImageLines(0, d.Height() - 1, buf.p, &m))
-        v.assign(buf.p, buf.p + size);
-    return v;
+    return d.Height() && d.GetImageLines(0, d.Height() - 1, buf.p, &m) ? Bytes(buf.p, buf.p + size) : Bytes();
 }
 
 inline Bytes PaletteOf(const oDIB& d)
 {
     oDIBPALETTE* p = nullptr;
     unsigned n = d.GetPalette(&p);
-    if (!n || !p->GetRgbQuad())
-        return Bytes();
-    const unsigned char* q = reinterpret_cast<const unsigned char*>(p->GetRgbQuad());
-    return Bytes(q, q + 4 * n);
+    const unsigned char* q = n ? reinterpret_cast<const unsigned char*>(p->GetRgbQuad()) : nullptr;
+    return q ? Bytes(q, q + 4 * n) : Bytes();
 }
 
 enum RangeRead { kRefused, kTooLarge, kRead };
 
-// Reads the input through the stored rows over a byte range: header, then
-// all rows at once, then (a second time) row by row; both must agree.
+// The stored rows over a byte range: all at once, then row by row; both must agree.
 inline RangeRead ReadRange(const Bytes& in, Bytes* rows, rldib::StoredHead* head)
 {
     rldib::StoredSource src(in.data(), (unsigned long)in.size());
@@ -126,8 +102,7 @@ inline RangeRead ReadRange(const Bytes& in, Bytes* rows, rldib::StoredHead* head
     return kRead;
 }
 
-// A small picture the input describes, stored in compressed frames, then
-// damaged: a byte replaced, the stream cut, a frame's length changed.
+// A small picture the input describes, stored in compressed frames, then damaged.
 inline Bytes Framed(const std::uint8_t* data, std::size_t size)
 {
     if (size < 6)
@@ -153,11 +128,9 @@ inline Bytes Framed(const std::uint8_t* data, std::size_t size)
             q = rldib::Quad{rng.Byte(), rng.Byte(), rng.Byte(), 0};
         pic.SetPalette(oDIBPALETTE(reinterpret_cast<const RGBQUAD*>(quads.data()), (unsigned short)quads.size()));
     }
-    const vSTRING name = TempName("framed");
-    vFILE out(name, vFILE_WRITENEW, 1);
+    vFILE out(TempName("framed"), vFILE_WRITENEW, 1);
     if (data[5] & 2) {
-        // Top row first: a raw header with a negative height, then the rows
-        // turned over, in the writer's blocks.
+        // Top row first: a header with a negative height, the rows turned over.
         oDIBHEADER head(w, h, 72, 72, kModels[k]);
         head.biHeight = -(LONG)h;
         oDIBPALETTE* p = nullptr;
@@ -178,9 +151,7 @@ inline Bytes Framed(const std::uint8_t* data, std::size_t size)
     Bytes b = Contents(out);
     out.Close();
     // Edits: (offset, value) pairs from the rest of the input.
-    for (std::size_t i = 6; i + 2 < size; i += 3) {
-        if (b.empty())
-            break;
+    for (std::size_t i = 6; i + 2 < size && !b.empty(); i += 3) {
         std::size_t at = ((std::size_t)data[i] << 8 | data[i + 1]) % b.size();
         switch (data[i + 2] & 3) {
         case 0: b[at] = data[i + 2]; break;
@@ -189,12 +160,8 @@ inline Bytes Framed(const std::uint8_t* data, std::size_t size)
         default: b.insert(b.begin() + at, data[i + 2]); break;
         }
     }
-    if (data[5] & 1) {
-        // A file header in front: such a file is read as plain bytes.
-        Bytes file = {'B', 'M'};
-        file.resize(14, 0);
-        b.insert(b.begin(), file.begin(), file.end());
-    }
+    if (data[5] & 1)  // a file header in front: such a file is read as plain bytes
+        b.insert(b.begin(), {'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
     return b;
 }
 
@@ -214,11 +181,8 @@ inline bool Ambiguous(const oMEMDIB& d)
         blocks.push_back({at, n});
         at += n;
     }
-    for (const auto& k : blocks) {
-        // A reader takes a frame for a block when it yields the whole block.
-        if (k.first >= b.size())
-            continue;
-        const rlframe::Verdict v = rlframe::Peek(&b[k.first], (unsigned long)b.size() - k.first);
+    for (const auto& k : blocks) {  // a reader takes a frame for a block when it yields all of it
+        const rlframe::Verdict v = k.first < b.size() ? rlframe::Peek(&b[k.first], (unsigned long)b.size() - k.first) : rlframe::Verdict();
         if (v.frame && v.expanded >= k.second)
             return true;
     }
@@ -234,13 +198,12 @@ inline void Exercise(const oMEMDIB& d, const std::uint8_t* data, std::size_t siz
     const Bytes rows = Rows(d), pal = PaletteOf(d);
     DIBFUZZ_CHECK(rows.size() == h * stride);
 
-    // Written to memory, a plain and a compressing file, and read back. Only a
-    // plain file may give back other pixels: a block that is itself a whole frame.
+    // To memory, a plain and a compressing file, and back. Only a plain file may
+    // give back other pixels: a block that is itself a whole frame.
     const bool ambiguous = Ambiguous(d);
     for (int kind = 0; kind < 3; ++kind) {
         vMEMSTREAM m;
-        const vSTRING name = TempName("written");
-        vFILE f(name, vFILE_WRITENEW, 1);
+        vFILE f(TempName("written"), vFILE_WRITENEW, 1);
         vSTREAM& s = kind ? (vSTREAM&)f : (vSTREAM&)m;
         s.Compress(kind == 2);
         d >> s;
@@ -255,13 +218,13 @@ inline void Exercise(const oMEMDIB& d, const std::uint8_t* data, std::size_t siz
         DIBFUZZ_CHECK(carried.Height() == 0 ? s.Size() <= 40 : Rows(carried) == Rows(back));
     }
 
-    // Rectangles, indices or colours, in buffers of exactly the size asked for.
+    // Rectangles, indices or colours, in buffers of exactly the size asked for:
+    // whole rows go out as stored, otherwise the pixels asked for.
     for (int i = 0; i < 4 && w && h; ++i) {
         const unsigned long x = rng.Below(w), first = rng.Below(h), last = first + rng.Below(h - first);
         const unsigned long cw = 1 + rng.Below(w - x);
         oCOLOUR_MODEL model = rng.Chance(2) ? oCM_RGB24 : oCM_PAL256;
         const bool expand = bits <= 8 && model == oCM_RGB24;
-        // Whole rows go out as stored; otherwise the pixels asked for.
         const unsigned long per = x == 0 && cw == w ? stride
                                   : bits > 8      ? ((x + cw) * bits + 7) / 8 - x * bits / 8
                                   : expand        ? 3 * cw
@@ -308,8 +271,7 @@ inline void Resample(vSTREAM& source, const std::uint8_t* data, std::size_t size
     rlnative::Rng rng(size ? data[0] * 7u + size : 3);
     static const unsigned kBits[] = {0, 1, 4, 8, 24};
     vMEMSTREAM m;
-    const vSTRING name = TempName("scaled");
-    vFILE f(name, vFILE_WRITENEW, 1);
+    vFILE f(TempName("scaled"), vFILE_WRITENEW, 1);
     vSTREAM& target = rng.Chance(2) ? (vSTREAM&)f : (vSTREAM&)m;
     target.Compress(&target == &f);
     source.MoveFromStart(0);
@@ -343,7 +305,11 @@ inline void Run(const std::uint8_t* data, std::size_t size)
 
     // On a file, frames are expanded; both image kinds read alike.
     const vSTRING name = TempName("input");
-    Save(name, in);
+    {
+        vFILE out(name, vFILE_WRITENEW, 1);
+        if (!in.empty())
+            out.WriteBlock(in.data(), (unsigned long)in.size());
+    }
     vFILE f(name, vFILE_READONLY, 0);
     oMEMDIB df(f, 0);
     f.MoveFromStart(0);

@@ -46,8 +46,7 @@ TEST(NativeDib, PlansForHostileHeaders)
 
         InfoPlan plan;
         InfoVerdict v = PlanInfo(info, &plan);
-        // Independent 64-bit arithmetic: the rows of both bit counts and the
-        // whole image must fit in 32 bits, else the plan refuses (never wraps).
+        // Independent 64-bit arithmetic: rows of both bit counts and the image fit in 32 bits, or a refusal.
         std::uint64_t w = (std::uint32_t)info.width, h = info.height < 0 ? -(std::int64_t)info.height : info.height;
         auto fits = [&](std::uint64_t b) { return b * w + 7 <= 0xFFFFFFFFu && Stride64(b, w) * h <= 0xFFFFFFFFu; };
         if (info.size == 40 && std::count(kBits, kBits + 6, bits) && info.compression == 0 && info.width >= 0 &&
@@ -73,8 +72,7 @@ TEST(NativeDib, RowsAndDitherInExactBuffers)
     for (int iter = 0; iter < 20000; ++iter) {
         const PixelFormat& f = Format(kSrc[rng.Below(4)]);
         const std::uint32_t srcBits = f.bits, vb = f.valueBytes;
-        // count pixels from 16.16 position start on by step (forwards or,
-        // mirrored, backwards); the last one taken is the row's last at most.
+        // count pixels from 16.16 position start by step, either way; none past the row.
         std::uint32_t width = 1 + rng.Below(rng.Chance(4) ? 3000 : 40);
         std::uint32_t count = 1 + rng.Below(rng.Chance(3) ? 4 * width : width + 2);
         std::uint64_t span = ((std::uint64_t)width << 16) - 1;
@@ -119,8 +117,7 @@ TEST(NativeDib, RowsAndDitherInExactBuffers)
         ASSERT_TRUE(fast.Init(width) && plain.Init(width) && four.Init(width) && one.Init(width));
         for (unsigned y = 1 + rng.Below(12); y; --y) {
             Exact o8(width), r8(width), o4((width + 1) / 2), o1((width + 7) / 8);
-            // Extremes make the largest residues.
-            for (std::size_t i = 0; i < bgr.n; ++i)
+            for (std::size_t i = 0; i < bgr.n; ++i)  // extremes make the largest residues
                 bgr[i] = rng.Chance(3) ? (rng.Chance(2) ? 0 : 255) : rng.Byte();
             fast.Line8(bgr.p, o8.p);
             plain.Line8Reference(bgr.p, r8.p);

@@ -62,8 +62,7 @@ TEST(NativeDibConv, ExpandsEveryDepthAndRefusesWhatDoesNotFit)
             }
         // A window, and the rectangles that are not inside the picture.
         std::uint32_t two[2];
-        ASSERT_TRUE(dibconv::Expand(p.s, 3, 2, 2, 1, two, nullptr, 0));
-        EXPECT_TRUE(two[0] == canvas[13] && two[1] == canvas[14]);
+        ASSERT_TRUE(dibconv::Expand(p.s, 3, 2, 2, 1, two, nullptr, 0) && two[0] == canvas[13] && two[1] == canvas[14]);
         const std::int32_t bad[][4] = {{-1, 0, 2, 2}, {0, -1, 2, 2}, {4, 0, 2, 1}, {0, 2, 1, 2}, {0, 0, 0, 1},
                                        {0, 0, 1, 0}, {0, 0, 6, 3}, {0, 0, 0x7FFFFFFF, 1}};
         for (const auto& r : bad) {
@@ -76,12 +75,9 @@ TEST(NativeDibConv, ExpandsEveryDepthAndRefusesWhatDoesNotFit)
     PICTURE p = Make(8);
     const dibconv::SOURCE s = p.s;
     const auto valid = [&](void (*change)(dibconv::SOURCE&)) { dibconv::SOURCE v = s; return change(v), dibconv::Valid(v); };
-    EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.size -= 1; }));
-    EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.stride = 4; }));
-    EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.bits = 16; }));
-    EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.rows = nullptr; }));
-    EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.width = 0; }));
-    EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.palette = nullptr; }));
+    EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.size -= 1; }) || valid([](dibconv::SOURCE& v) { v.stride = 4; }));
+    EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.bits = 16; }) || valid([](dibconv::SOURCE& v) { v.rows = nullptr; }));
+    EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.width = 0; }) || valid([](dibconv::SOURCE& v) { v.palette = nullptr; }));
     EXPECT_FALSE(valid([](dibconv::SOURCE& v) { v.height = 0x40000000, v.stride = 0x40; })) << "size products in 64 bits";
     dibconv::SOURCE v = s;
     v.colours = 2;
@@ -93,8 +89,7 @@ TEST(NativeDibConv, ExpandsEveryDepthAndRefusesWhatDoesNotFit)
 TEST(NativeDibConv, InkPlanesFollowTheColourModelAndSurviveThePlane)
 {
     for (unsigned p = 0; p <= 100; ++p)
-        EXPECT_EQ(dibconv::LevelFromPlane(dibconv::PlaneFromLevel(p)), p);
-    EXPECT_EQ(dibconv::PlaneFromLevel(100), 255u);
+        EXPECT_TRUE(dibconv::LevelFromPlane(dibconv::PlaneFromLevel(p)) == p && (p < 100 || dibconv::PlaneFromLevel(p) == 255u)) << p;
     // A grid and random colours, against the colour model and against full
     // grey-component replacement in half-percent steps.
     std::vector<std::uint32_t> px;

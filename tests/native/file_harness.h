@@ -1,9 +1,7 @@
-// The file stream against a plain model (a byte vector: what a disk of the
-// script's size keeps), shared by file_test.cpp and fuzz_file.cpp. Without the
-// cache all must match exactly. With it a full disk shows only when the cache
-// goes out: once a write reached past the disk's end a status may read 4 where
-// the model has another, the rest stays exact. Compressing writes only on a disk
-// without limit; on a failing medium only the stream's consistency is checked.
+// The file stream against a byte-vector model of a disk of the script's size
+// (file_test.cpp, fuzz_file.cpp). With the cache a full disk shows only when the
+// cache goes out: once a write reached past the disk's end the status may read
+// a write error, the rest stays exact. On a failing medium only consistency counts.
 #ifndef RL132_TESTS_NATIVE_FILE_HARNESS_H
 #define RL132_TESTS_NATIVE_FILE_HARNESS_H
 #include <cstdio>
@@ -41,11 +39,10 @@ struct FileModel {
     unsigned long Fits(unsigned long n) const { return pos >= limit ? 0 : (n < limit - pos ? n : limit - pos); }
     void Put(const unsigned char* b, unsigned long n)
     {
-        if (n == 0)
-            return;
-        if (pos + n > data.size())
+        if (n && pos + n > data.size())
             data.resize(pos + n);
-        std::memcpy(data.data() + pos, b, n);
+        if (n)
+            std::memcpy(data.data() + pos, b, n);
     }
     // A write that goes to the disk at once: the position follows what it took.
     unsigned long WriteDirect(const unsigned char* b, unsigned long n)
@@ -60,13 +57,12 @@ struct FileModel {
         return take;
     }
     // A write into the cache: all of it, as far as the stream can tell.
-    void WriteCached(const unsigned char* b, unsigned long n)
+    unsigned long WriteCached(const unsigned char* b, unsigned long n)
     {
         unsigned long take = Fits(n);
         Put(b, take);
-        if (take < n)
-            overflowed = true;
-        pos += n;
+        overflowed |= take < n;
+        return pos += n, n;
     }
     unsigned long Have() const { return pos < data.size() ? (unsigned long)data.size() - pos : 0; }
     std::vector<unsigned char> Read(unsigned long n)
@@ -101,12 +97,11 @@ struct ScratchFile {
 inline std::vector<unsigned char> ReadWholeFile(const std::string& path)
 {
     std::vector<unsigned char> out;
-    if (FILE* f = std::fopen(path.c_str(), "rb")) {
-        int c;
-        while ((c = std::fgetc(f)) != EOF)
-            out.push_back((unsigned char)c);
+    FILE* f = std::fopen(path.c_str(), "rb");
+    for (int c; f && (c = std::fgetc(f)) != EOF;)
+        out.push_back((unsigned char)c);
+    if (f)
         std::fclose(f);
-    }
     return out;
 }
 
@@ -165,18 +160,12 @@ inline bool FileAgainstModel(const unsigned char* bytes, size_t size)
                     unsigned long v = run[0] | (unsigned long)run[n2 > 1 ? 1 : 0] << 8 |
                                       (unsigned long)run[n2 > 3 ? 2 : 0] << 16 | (unsigned long)run[n2 > 3 ? 3 : 0] << 24;
                     got = kind == 0 ? f.WriteULong(v) : kind == 1 ? f.WriteSWord((short)v) : f.WriteUByte((unsigned char)v);
-                    if (direct)
-                        want = m.WriteDirect(run.data(), n2) == n2 ? 1 : 0;
-                    else
-                        m.WriteCached(run.data(), n2), want = 1;
+                    want = (direct ? m.WriteDirect(run.data(), n2) : m.WriteCached(run.data(), n2)) == n2 ? 1 : 0;
                 } else if (kind == 4) {
                     run.push_back(0);
                     got = f.WriteByteString(run.data());
                     run.pop_back();
-                    if (direct)
-                        want = m.WriteDirect(run.data(), n2);
-                    else
-                        m.WriteCached(run.data(), n2), want = n2;
+                    want = direct ? m.WriteDirect(run.data(), n2) : m.WriteCached(run.data(), n2);
                 } else if (m.limit == ~0UL && sc.Below(3) == 0 && n2 > 0) {
                     // A compressing write: the frame when it is smaller, else raw,
                     // save for a run that would read as a frame: its own frame.
@@ -192,17 +181,12 @@ inline bool FileAgainstModel(const unsigned char* bytes, size_t size)
                         m.Put(run.data(), n2), m.pos += n2, want = n2;
                 } else {
                     got = f.WriteBlock(run.data(), n2);
-                    if (direct)
-                        want = m.WriteDirect(run.data(), n2);
-                    else
-                        m.WriteCached(run.data(), n2), want = n2;
-                    // The cache's large path reports the count, whatever the disk took.
-                    if (cached && direct)
+                    want = direct ? m.WriteDirect(run.data(), n2) : m.WriteCached(run.data(), n2);
+                    if (cached && direct)  // the cache's large path reports the count, whatever the disk took
                         want = n2;
                 }
                 ok = failingReads || got == want;
-                // Often straight back to what was written, so that the reads
-                // below meet the frames and values at their starts.
+                // Often straight back, so that reads meet frames and values at their starts.
                 if (ok && (sc.Byte() & 3) == 0) {
                     unsigned long back = m.pos < n2 ? m.pos : n2;
                     if (m.pos > m.data.size())
@@ -263,8 +247,7 @@ inline bool FileAgainstModel(const unsigned char* bytes, size_t size)
                 m.status = vSTREAM_OK;
                 ok = failingReads || got == to;
             } else {
-                // Close and open again: the remembered mode cuts the file to
-                // nothing, and the stream goes on without a cache.
+                // Close and open again: the remembered mode cuts the file, and no cache.
                 f.Close();
                 ok = f.ReOpen() == 1 && f.Status() == vSTREAM_OK;
                 cached = 0;

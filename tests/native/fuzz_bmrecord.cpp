@@ -1,5 +1,4 @@
-// libFuzzer entry point: bitmap record headers and expanded records
-// (bmrecord_harness.h) on any bytes.
+// libFuzzer entry point: bitmap record headers and expanded records (bmrecord_harness.h) on any bytes.
 #include <cstdlib>
 #include "bmrecord_harness.h"
 

@@ -1,6 +1,4 @@
-// libFuzzer entry point: a stored 40-byte info header through the plan, and
-// when the plan accepts a small image, its rows through the row routines in
-// buffers of exactly the planned sizes.
+// libFuzzer entry point: a stored info header through the plan, and a small image's rows through the row routines.
 #include "bitmaps/dibrows.h"
 #include "native_support.h"
 

@@ -1,6 +1,4 @@
-// libFuzzer entry point: explode over arbitrary bytes, served in pieces whose
-// size the input's last byte chooses, in a work area of exactly the documented
-// size; writes must come from inside it and stay within the output bound.
+// libFuzzer entry point: explode over arbitrary bytes in pieces the last byte sizes (compress_util.h).
 #include "compress_util.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

@@ -1,6 +1,4 @@
-// libFuzzer entry point: the file stream against its byte-vector model on a
-// disk that fills up, the input being the script (file_harness.h); a breach
-// aborts.
+// libFuzzer entry point: a script for the file stream against its model on a filling disk (file_harness.h).
 #include <cstdlib>
 #include "file_harness.h"
 

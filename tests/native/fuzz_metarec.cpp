@@ -1,6 +1,4 @@
-// libFuzzer entry point: arbitrary bytes as a recording of the own metafile
-// format, read record by record; every item a record points at is touched so
-// that a pointer beyond what the reader holds is reported.
+// libFuzzer entry point: arbitrary bytes as a recording of the own metafile format, every item touched.
 #include <cstdlib>
 #include "metafiles/metarec.h"
 #include "native_support.h"

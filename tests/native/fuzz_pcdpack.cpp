@@ -1,5 +1,4 @@
-// libFuzzer entry point: any bytes as an image pack, an overview pack, an
-// INFO.PCD file and a packed DIB.
+// libFuzzer entry point: any bytes as an image pack, an overview pack, an INFO.PCD file and a packed DIB.
 #include "pcdpack_fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

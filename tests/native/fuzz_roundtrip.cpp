@@ -1,6 +1,4 @@
-// libFuzzer entry point: implode then explode at the dictionary size, mode and
-// level the first byte picks, both fed in random pieces (compress_util.h); data
-// that does not come back aborts.
+// libFuzzer entry point: implode then explode, both fed in random pieces (compress_util.h).
 #include <cstdlib>
 #include "compress_util.h"
 

@@ -1,6 +1,4 @@
-// libFuzzer entry point: the binary stream readers over arbitrary content
-// (typed reads, byte strings with frames, strings and numbers, the frame module
-// and the stream copy); the checks of stream_harness.h, a breach aborts.
+// libFuzzer entry point: the binary stream readers over arbitrary content (stream_harness.h).
 #include <cstdlib>
 #include "stream_harness.h"
 

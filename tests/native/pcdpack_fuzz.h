@@ -6,6 +6,7 @@
 #define RL132_TESTS_PCDPACK_FUZZ_H
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 
 #include "native_support.h"
 #include "pcdpack.h"

@@ -1,7 +1,5 @@
-// The export plug-ins' encoders, driven the way the library drives a plug-in
-// (start, header, bands in the row order asked for, footer) and read back by
-// independent readers. The plug-ins are not part of the library, so their
-// format sources are compiled into this test directly, without the entries.
+// The export plug-ins' encoders, driven as the library drives a plug-in and read
+// back by independent readers; their format sources are compiled in, without the entries.
 #define RLPH_NO_ENTRIES
 #include "../../addons/rlph/rlphbmp.cpp"
 #include "../../addons/rlph/rlphpcx.cpp"
@@ -30,8 +28,7 @@ RLPHFORMATINFO Info(const SOURCE& s)
     return info;
 }
 
-// What the library does with a plug-in, over exact-size buffers so that the
-// sanitizer sees any byte written past what the block promised.
+// Start, header, bands in the row order asked for, footer, in exact-size buffers.
 BYTES Export(rlph::ENCODER& e, const SOURCE& s, long band)
 {
     RLPHFORMATINFO info = Info(s);
@@ -84,18 +81,12 @@ TEST(RlphEncoders, RoundTripThroughIndependentReaders)
             for (long w : widths)
                 for (long h : {1L, 3L, 7L})
                     for (long band : {1L, 4L}) {
-                        SCOPED_TRACE(std::string(f.name) + " layout " + std::to_string(layout) + " " +
-                                     std::to_string(w) + "x" + std::to_string(h) + " band " + std::to_string(band));
+                        SCOPED_TRACE(testing::Message() << f.name << " layout " << layout << " " << w << "x" << h << " band " << band);
                         SOURCE s = MakeSource(w, h, layout, (int)(w + h));
                         PICTURE p;
                         ASSERT_TRUE(f.read(Export(*f.encoder, s, band), p)) << p.error;
-                        EXPECT_EQ(p.width, w);
-                        EXPECT_EQ(p.height, h);
-                        EXPECT_EQ(p.bits, layout == 2 ? 8 : 24);
-                        EXPECT_TRUE(p.rgb == s.rgb);
-                        if (layout == 2) {
-                            EXPECT_TRUE(p.palette == s.palette);
-                        }
+                        EXPECT_TRUE(p.width == w && p.height == h && p.bits == (layout == 2 ? 8 : 24) && p.rgb == s.rgb &&
+                                    (layout != 2 || p.palette == s.palette));
                     }
 }
 

@@ -1,8 +1,8 @@
-// One input through the binary stream readers, shared by the native tests and
-// the fuzz programs: false on the first breach of what must hold whatever the
-// bytes say. The first byte seeds the operations, the rest is the content.
+// One input through the binary stream readers (tests and fuzz programs): false on
+// the first breach. The first byte seeds the operations, the rest is the content.
 #ifndef RL132_TESTS_NATIVE_STREAM_HARNESS_H
 #define RL132_TESTS_NATIVE_STREAM_HARNESS_H
+#include <algorithm>
 #include <vector>
 #include "native_support.h"
 #include "rl132/attributes/vcolour.h"
@@ -24,8 +24,7 @@ struct Content : Exact {
     }
 };
 
-// A memory stream that looks for frames in ReadByteString, as the file and
-// OLE streams do: the stream base's reader over memory.
+// A memory stream that looks for frames in ReadByteString, as the file and OLE streams do.
 class FramedMem : public vMEMSTREAM {
 public:
     FramedMem(unsigned char** buffer, unsigned long length) : vMEMSTREAM(buffer, length, vSTRING(), 0, 0) {}
@@ -35,9 +34,8 @@ public:
     }
 };
 
-// Typed reads, byte strings with and without frame detection, strings,
-// numbers, the frame module on the stream and in memory, moves anywhere, and
-// the stream copy, over arbitrary content.
+// Typed reads, byte strings with and without frames, strings, numbers, the frame
+// module on the stream and in memory, moves anywhere, and the stream copy.
 inline bool ReadEverything(const unsigned char* data, size_t size)
 {
     if (size == 0)
@@ -57,8 +55,7 @@ inline bool ReadEverything(const unsigned char* data, size_t size)
         case 0: s.ReadULong(); s.ReadSWord(); s.ReadUByte(); break;
         case 1: s.ReadSLong(); s.ReadUWord(); s.ReadSByte(); s.ReadPointer(); break;
         case 2: case 3: case 4: {
-            // A byte string: what a frame at the position gives, or the bytes
-            // as stored; never a byte beyond the count.
+            // What a frame at the position gives, or the bytes as stored; never beyond the count.
             unsigned long count = rng.Chance(3) ? rng.Below(8) : rng.Below(n + 64);
             Exact out(count ? count : 1);
             rlframe::Verdict v = rlframe::Peek(content.p + at, n - at);
@@ -71,10 +68,8 @@ inline bool ReadEverything(const unsigned char* data, size_t size)
             if (framed) {
                 if ((unsigned long)got != (v.expanded < count ? v.expanded : count) || s.CurrentPos() != at + v.stored)
                     return Fail("byte string: frame delivery or position");
-            } else {
-                unsigned long have = n - at < count ? n - at : count;
-                if ((unsigned long)got != have || std::memcmp(out.p, content.p + at, have) != 0)
-                    return Fail("byte string: raw bytes differ");
+            } else if ((unsigned long)got != std::min(n - at, count) || std::memcmp(out.p, content.p + at, got) != 0) {
+                return Fail("byte string: raw bytes differ");
             }
             break;
         }
@@ -119,9 +114,8 @@ inline bool ReadEverything(const unsigned char* data, size_t size)
     return true;
 }
 
-// The colour, line style and fill style readers over arbitrary content:
-// each consumes exactly its stream form (or what is left), and what was read
-// writes back as the same bytes.
+// The colour, line style and fill style readers: each consumes exactly its form
+// (or what is left), and what was read writes back as the same bytes.
 inline bool ReadAttributes(const unsigned char* data, size_t size)
 {
     if (size == 0)
@@ -161,30 +155,21 @@ inline bool ReadAttributes(const unsigned char* data, size_t size)
             break;
         }
         default: {
+            // Its fields and a word saying whether an image follows (40); the
+            // image is not in the native build: a stream announcing one stays at its start.
             vFILLSPEC f(s);
-            // The fill's own fields and the word that says whether an image
-            // follows; the image itself is not part of the native build, and a
-            // stream that announces one is left at its start.
-            form = 26;
-            if (n - at >= 26) {
-                const unsigned char* w = content.p + at + 24;
-                if ((swap ? (w[0] << 8 | w[1]) : (w[0] | w[1] << 8)) == 40)
-                    form = 24;
-            }
+            const unsigned char* w = content.p + at;
+            form = n - at >= 26 && (swap ? (w[24] << 8 | w[25]) : (w[24] | w[25] << 8)) == 40 ? 24 : 26;
             f >> back;
             break;
         }
         }
-        unsigned long used = s.CurrentPos() - at, have = n - at;
-        if (used != (form < have ? form : have))
+        const unsigned long used = s.CurrentPos() - at, compare = std::min(form, 24UL);
+        if (used != std::min(form, n - at))
             return Fail("attribute: bytes consumed");
-        // Read with the swap flag off, the stored bytes come back as they were
-        // (the fill's last word only says whether an image follows).
-        if (!swap && used == form) {
-            unsigned long compare = form > 24 ? 24 : form;
-            if (back.Size() < compare || std::memcmp(back.Buffer(), content.p + at, compare) != 0)
-                return Fail("attribute: bytes written back differ");
-        }
+        // Unswapped, the stored bytes come back as they were (but the fill's image word).
+        if (!swap && used == form && (back.Size() < compare || std::memcmp(back.Buffer(), content.p + at, compare) != 0))
+            return Fail("attribute: bytes written back differ");
     }
     return true;
 }

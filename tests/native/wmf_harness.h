@@ -3,6 +3,7 @@
 // filter) and holds the guard to its contract on every step.
 #ifndef RL132_TESTS_NATIVE_WMF_HARNESS_H
 #define RL132_TESTS_NATIVE_WMF_HARNESS_H
+#include <initializer_list>
 #include "metafiles/wmfguard.h"
 #include "native_support.h"
 
