@@ -105,12 +105,9 @@ inline bool OutlineSane(const LINESTROKER& s)
 inline int WindingAll(const std::vector<std::vector<GPOINT>>& polys, double x, double y)
 {
     int w = 0;
-    for (const auto& q : polys) {
-        int k = Winding(q, x, y);
-        if (k == 1000)
+    for (const auto& q : polys)
+        if ((w += Winding(q, x, y)) >= 500)
             return 1000;
-        w += k;
-    }
     return w;
 }
 

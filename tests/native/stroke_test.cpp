@@ -205,25 +205,19 @@ std::vector<std::vector<GPOINT>> RefDashes(const std::vector<GPOINT>& pts, const
         std::int32_t dx = e.x - s.x, dy = e.y - s.y;
         std::int32_t len = dx == 0 || dy == 0 ? std::abs(dx) + std::abs(dy) : (std::int32_t)vINT((long)dx * dx + (long)dy * dy).Sqrt()();
         std::vector<std::pair<std::int32_t, std::int32_t>> on;
+        auto add = [&](std::int32_t from, std::int32_t to) {
+            if (!on.empty() && on.back().second == from)
+                on.back().second = to;
+            else
+                on.push_back({from, to});
+        };
         std::int32_t pos = 0;
-        while (len - pos >= rem) {
+        for (; len - pos >= rem; pos += rem, idx = (idx + 1) % 6, rem = dash[idx])
             if (!(idx & 1) && rem > 0)
-                on.push_back({pos, pos + rem});
-            pos += rem;
-            idx = (idx + 1) % 6;
-            rem = dash[idx];
-        }
+                add(pos, pos + rem);
         if (!(idx & 1) && len > pos)
-            on.push_back({pos, len});
+            add(pos, len);
         rem -= len - pos;
-        for (size_t k = 0; k + 1 < on.size();) {
-            if (on[k].second == on[k + 1].first) {
-                on[k].second = on[k + 1].second;
-                on.erase(on.begin() + (long)k + 1);
-            } else {
-                ++k;
-            }
-        }
         for (auto& st : on) {
             GPOINT a{s.x + rlcolour::PlatformMulDiv(dx, st.first, len), s.y + rlcolour::PlatformMulDiv(dy, st.first, len)};
             GPOINT b{s.x + rlcolour::PlatformMulDiv(dx, st.second, len), s.y + rlcolour::PlatformMulDiv(dy, st.second, len)};
