@@ -1,15 +1,15 @@
 // The compressed block frame: packed frames expand back exactly, damaged ones are raw.
 #include <gtest/gtest.h>
-#include <vector>
-#include "native_support.h"
-#include "streams/frame.h"
-#include "rl132/core/vstring.h"
-#include "rl132/streams/vfile.h"
-#include "rl132/streams/vmemstream.h"
+#include <unistd.h>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <unistd.h>
+#include <vector>
+#include "native_support.h"
+#include "rl132/core/vstring.h"
+#include "rl132/streams/vfile.h"
+#include "rl132/streams/vmemstream.h"
+#include "streams/frame.h"
 
 using namespace rlnative;
 
@@ -64,29 +64,23 @@ TEST(NativeFrame, PackedFramesComeBackAndTheirSizesHold)
         unsigned long cap = rng.Chance(3) ? n : rng.Below(n + 10);
         Bytes out;
         rlframe::Verdict v = Judge(withTail, cap, &out);
-        ASSERT_TRUE(v.frame);
-        EXPECT_EQ(v.stored, f.size());
-        EXPECT_EQ(v.expanded, n);
-        EXPECT_EQ(v.delivered, cap < n ? cap : n);
+        ASSERT_TRUE(v.frame && v.stored == f.size() && v.expanded == n && v.delivered == std::min(cap, n));
         EXPECT_TRUE(std::equal(out.begin(), out.end(), plain.begin()));
         // A named size must be met exactly.
-        EXPECT_TRUE(Judge(f, 0, nullptr, n).frame);
-        EXPECT_FALSE(Judge(f, 0, nullptr, n + 1).frame);
-        EXPECT_FALSE(Judge(f, 0, nullptr, n - 1).frame);
+        EXPECT_TRUE(Judge(f, 0, nullptr, n).frame && !Judge(f, 0, nullptr, n + 1).frame && !Judge(f, 0, nullptr, n - 1).frame);
     }
     // Data that does not shrink, or a buffer too small for the frame: raw.
     Bytes noise(300);
     rng.Fill(noise.data(), noise.size());
     EXPECT_TRUE(PackOrEmpty(noise).empty());
     Bytes words = Words(rng, 4000), room(100);
-    EXPECT_EQ(rlframe::Pack(words.data(), 4000, room.data(), 100), 0UL);
-    EXPECT_EQ(rlframe::Pack(words.data(), 0, room.data(), 100), 0UL);
+    EXPECT_TRUE(rlframe::Pack(words.data(), 4000, room.data(), 100) == 0 && rlframe::Pack(words.data(), 0, room.data(), 100) == 0);
 }
 
 TEST(NativeFrame, AnythingThatDoesNotParseIsRaw)
 {
     Rng rng(4);
-    for (int iter = 0; iter < 400; ++iter) {
+    for (int iter = 0; iter < 300; ++iter) {
         Bytes plain = Words(rng, 50 + rng.Below(5000));
         Bytes f = PackOrEmpty(plain);
         Bytes d = f;
@@ -117,9 +111,7 @@ TEST(NativeFrame, AnythingThatDoesNotParseIsRaw)
         }
         Bytes out;
         rlframe::Verdict v = Judge(d, (unsigned long)plain.size(), &out);
-        if (iter % 5 == 3 && v.frame) {
-            // Noise may happen to be a whole implode stream; then it is a frame
-            // and must be consistent with itself.
+        if (iter % 5 == 3 && v.frame) {   // noise may happen to be a whole implode stream
             EXPECT_EQ(v.stored, f.size());
             continue;
         }
@@ -168,8 +160,7 @@ TEST(NativeFrame, RunsThatReadAsFramesAreWrittenAsTheirOwnFrames)
             Exact back(n);
             EXPECT_EQ(f.ReadByteString(back.p, n), (long)n) << iter << " mode " << mode;
             EXPECT_TRUE(std::equal(run.begin(), run.end(), back.p)) << iter << " mode " << mode;
-            EXPECT_EQ(f.ReadULong(), 0x600DF00DUL);
-            EXPECT_EQ(f.Status(), vSTREAM_OK);
+            EXPECT_TRUE(f.ReadULong() == 0x600DF00DUL && f.Status() == vSTREAM_OK);
         }
         vMEMSTREAM m;
         m.Compress(1);

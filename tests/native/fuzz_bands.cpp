@@ -1,7 +1,5 @@
-// libFuzzer entry point: any box, fill type, angle, colours and quality
-// through the linear and radial band plans and every band of each. Counts
-// must stay bounded and every point within reach of the clamped plane.
-//
+// libFuzzer entry point: any box, fill type, angle, colours and quality through
+// both band plans; counts stay bounded, points within reach of the clamped plane.
 // Input: 36 bytes: left, top, right, bottom, angle (signed 32-bit each),
 // first and second colour (32-bit), type, quality, then three spare bytes.
 #include <cstdlib>

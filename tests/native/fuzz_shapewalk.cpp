@@ -57,8 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         int total = 0;
         for (int k = 0; k < contours; ++k)
             total += counts[k];
-        // Every stored point lies on the shape's walk: probing each one (and
-        // the origin) must stay inside the arrays.
+        // Probing stored points (on the walk) and the origin stays inside the arrays.
         for (int k = 0; k < total && k < 64; ++k)
             PointInContours(points, counts, contours, points[k]);
         GPOINT origin = {0, 0};

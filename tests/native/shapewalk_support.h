@@ -4,6 +4,7 @@
 // the rules take 32-bit values) to compare the library's walk against.
 #ifndef RL132_TESTS_NATIVE_SHAPEWALK_SUPPORT_H
 #define RL132_TESTS_NATIVE_SHAPEWALK_SUPPORT_H
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <vector>
@@ -15,21 +16,15 @@ namespace rlwalktest {
 using rlgeom::WALKMAP;
 using rlgeom::WALKSINK;
 
-// One call into a sink: 'S' a piece (p[0], p[1]), 'C' a corner (p[0..3]),
-// 'E' a contour end with its count.
+// One call into a sink: 'S' a piece (p[0], p[1]), 'C' a corner (p[0..3]), 'E' a contour end.
 struct Event {
     char kind;
     GPOINT p[4];
     unsigned n;
     bool operator==(const Event& o) const
     {
-        if (kind != o.kind || n != o.n)
-            return false;
         int k = kind == 'S' ? 2 : kind == 'C' ? 4 : 0;
-        for (int i = 0; i < k; ++i)
-            if (p[i] != o.p[i])
-                return false;
-        return true;
+        return kind == o.kind && n == o.n && std::equal(p, p + k, o.p);
     }
 };
 
@@ -59,16 +54,13 @@ struct Recorder : WALKSINK {
     }
     void Push(char kind, const GPOINT* p, int k, unsigned n)
     {
-        if (ev.size() >= limit)
-            return;
         Event e = {kind, {}, n};
-        for (int i = 0; i < k; ++i)
-            e.p[i] = p[i];
-        ev.push_back(e);
+        std::copy(p, p + k, e.p);
+        if (ev.size() < limit)
+            ev.push_back(e);
     }
 };
 
-// A shape as plain points with flags, and the pointer table the walk reads.
 struct Shape {
     std::vector<vBEZPOINT> pts;
     std::vector<const vBEZPOINT*> table;
@@ -82,8 +74,6 @@ struct Shape {
         return s;
     }
 };
-
-// ---------------------------------------------------------------- reference
 
 namespace ref {
 
@@ -104,9 +94,9 @@ inline bool Straight(GPOINT a, GPOINT m, GPOINT b, bool fixed)
     if (std::llabs(S16(d1x / s)) < 2 && std::llabs(S16(d1y / s)) < 2 && std::llabs(S16(d2x / s)) < 2 &&
         std::llabs(S16(d2y / s)) < 2)
         return true;
-    if (fixed)   // floor division by 256: the arithmetic shift
-        d1x = (d1x - (d1x & 255)) / 256, d1y = (d1y - (d1y & 255)) / 256, d2x = (d2x - (d2x & 255)) / 256,
-        d2y = (d2y - (d2y & 255)) / 256;
+    auto floor256 = [](std::int64_t v) { return (v - (v & 255)) / 256; };   // the arithmetic shift
+    if (fixed)
+        d1x = floor256(d1x), d1y = floor256(d1y), d2x = floor256(d2x), d2y = floor256(d2y);
     // 32-bit magnitudes: the most negative value stays negative.
     std::int32_t ax = W(std::llabs(W(d2x))), ay = W(std::llabs(W(d2y)));
     std::int32_t l = ax > ay ? ax : ay;
@@ -127,11 +117,7 @@ inline bool Corner(GPOINT a, GPOINT b, GPOINT c)
     return cosine >= -994;
 }
 
-inline GPOINT Mid(GPOINT a, GPOINT b)
-{
-    GPOINT m = {W((std::int64_t)a.x + b.x) / 2, W((std::int64_t)a.y + b.y) / 2};
-    return m;
-}
+inline GPOINT Mid(GPOINT a, GPOINT b) { return GPOINT{W((std::int64_t)a.x + b.x) / 2, W((std::int64_t)a.y + b.y) / 2}; }
 
 // The halving as the rules put it: a recursion and one counter of entries.
 // The depth bound is the library's guard for curves whose 20.12 values wrapped.
@@ -142,7 +128,7 @@ inline unsigned Divide(const GPOINT* c, unsigned depth, unsigned& counter, Recor
     GPOINT l2 = Mid(l1, t), r1 = Mid(t, r2), m = Mid(l2, r1);
     if (counter < 8 && depth < 24 && !Straight(c[0], m, c[3], true)) {
         GPOINT left[4] = {c[0], l1, l2, m}, right[4] = {m, r1, r2, c[3]};
-        unsigned s = Divide(left, depth + 1, counter, out);
+        unsigned s = Divide(left, depth + 1, counter, out);   // the left half first
         return s + Divide(right, depth + 1, counter, out);
     }
     counter = 0;
@@ -166,14 +152,13 @@ inline int Walk(const Shape& shape, const WALKMAP& map, Recorder& out, bool corn
     if (n == 2) {
         GPOINT a[2] = {dev[0], dev[1]}, b[2] = {dev[1], dev[1]};
         unsigned s = out.Segment(a);
-        s += out.Segment(b);
-        out.EndOfContour((unsigned short)s);
+        out.EndOfContour((unsigned short)(s + out.Segment(b)));
         return 1;
     }
     if (n == 0)
         return 0;
-    auto fix = [](GPOINT p) { GPOINT r = {W((std::int64_t)p.x * 4096), W((std::int64_t)p.y * 4096)}; return r; };
-    auto low = [](GPOINT p) { GPOINT r = {S16(p.x), S16(p.y)}; return r; };
+    auto fix = [](GPOINT p) { return GPOINT{W((std::int64_t)p.x * 4096), W((std::int64_t)p.y * 4096)}; };
+    auto low = [](GPOINT p) { return GPOINT{S16(p.x), S16(p.y)}; };
     GPOINT cur = dev[0], first = dev[0], tan = dev[0];
     bool fresh = true;
     unsigned count = 0;

@@ -1,7 +1,5 @@
-// The polyline both stroke benchmarks draw: 100,000 segments of a random walk
-// with turns of up to 60 degrees and steps of 5 to 40 pixels, wrapped into a
-// 30,000-pixel square. Shared so that the outside reference (cairo_stroke_bench)
-// strokes exactly the points stroke_bench does.
+// The polyline both stroke benchmarks draw (and the pinned outlines): a random
+// walk, turns up to 60 degrees, steps of 5 to 40 pixels, in a 30,000-pixel square.
 #ifndef RL132_TESTS_NATIVE_STROKE_BENCH_PATH_H
 #define RL132_TESTS_NATIVE_STROKE_BENCH_PATH_H
 #include <cmath>

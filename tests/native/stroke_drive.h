@@ -1,10 +1,10 @@
 // Drives an outline stroker the way the shape walk does for a polyline: one
-// segment per edge, the corner member at every joint (the stroker itself
-// ignores straight-on joints), the contour's last point repeated, then the end
-// of the contour. Also a winding-number test for the emitted polygons.
+// segment per edge, the corner member at every joint, the contour's last point
+// repeated, then the end of the contour. Also checks on what it emitted.
 #ifndef RL132_TESTS_NATIVE_STROKE_DRIVE_H
 #define RL132_TESTS_NATIVE_STROKE_DRIVE_H
 #include <cstdint>
+#include <cstdlib>
 #include <vector>
 #include "devices/geom/linestroke.h"
 
@@ -59,8 +59,7 @@ inline std::int64_t SignedArea2(const std::vector<GPOINT>& q)
     return s;
 }
 
-// Winding number of point (x, y) (in half-pixel-free doubles) around a closed
-// polygon; a point on an edge counts as inside (returns a large value).
+// Winding number of (x, y) around a closed polygon; on an edge it is 1000.
 inline int Winding(const std::vector<GPOINT>& q, double x, double y)
 {
     int w = 0;
@@ -81,15 +80,34 @@ inline int Winding(const std::vector<GPOINT>& q, double x, double y)
     return w;
 }
 
+// The lists stay consistent, every wide polygon is closed and turns the
+// outline's way (WINDING would cancel it otherwise), and no point leaves the
+// clamped plane by more than the offsets reach.
+inline bool OutlineSane(const LINESTROKER& s)
+{
+    const rlstroke::POLYLIST& l = s.List();
+    std::int64_t total = 0;
+    const GPOINT* at = l.Points();
+    for (std::int32_t i = 0; i < l.NumPolys(); at += l.Counts()[i++]) {
+        std::int32_t n = l.Counts()[i];
+        total += n;
+        if (n < 2 || (s.State().method == rlstroke::kMethodPolygons &&
+                      (n < 4 || at[0] != at[n - 1] || SignedArea2(std::vector<GPOINT>(at, at + n)) > 0)))
+            return false;
+    }
+    const std::int64_t bound = (std::int64_t)rlstroke::kCoordLimit + 3 * rlstroke::kMaxWidth;
+    for (std::int32_t i = 0; i < l.NumPoints(); ++i)
+        if (std::llabs(l.Points()[i].x) > bound || std::llabs(l.Points()[i].y) > bound)
+            return false;
+    return total == l.NumPoints();
+}
+
 inline int WindingAll(const std::vector<std::vector<GPOINT>>& polys, double x, double y)
 {
     int w = 0;
-    for (const auto& q : polys) {
-        int k = Winding(q, x, y);
-        if (k == 1000)
+    for (const auto& q : polys)
+        if ((w += Winding(q, x, y)) >= 500)
             return 1000;
-        w += k;
-    }
     return w;
 }
 
