@@ -1,5 +1,4 @@
-// Fill styles (vFILLSPEC): ownership of the pattern bitmap, the one-sided
-// comparison and the stream form.
+// vFILLSPEC: ownership of the pattern bitmap, the one-sided comparison, the stream form.
 #include <windows.h>
 #include <gtest/gtest.h>
 #include <vector>
@@ -23,12 +22,12 @@ oDIB* BitmapOf(const vFILLSPEC& f)
     oDIB* d = nullptr;
     return f.Bitmap(&d) ? d : nullptr;
 }
-// A bitmap's rows as stored (whole rows come back unconverted); empty without one.
+// A bitmap's rows as stored (whole rows come back unconverted).
 std::vector<unsigned char> Pixels(const oDIB* d)
 {
+    std::vector<unsigned char> v(d ? d->Stride() * d->Height() : 0);
     if (!d)
-        return {};
-    std::vector<unsigned char> v(d->Stride() * d->Height());
+        return v;
     oCOLOUR_MODEL m = oCM_RGB24;
     d->GetImageLines(0, d->Height() - 1, v.data(), &m);
     return v;
@@ -44,9 +43,7 @@ TEST(FillStyle, OwnsADeepCopyOfItsBitmapAndComparesOneSided)
     delete pattern;  // the fill never keeps the caller's image
     oDIB* bm = BitmapOf(f);
     ASSERT_NE(bm, nullptr);
-    EXPECT_NE(dynamic_cast<oSTREAMDIB*>(bm), nullptr);
-    EXPECT_EQ(bm->GetPalette(nullptr), 256);
-    EXPECT_EQ(Pixels(bm), pixels);
+    EXPECT_TRUE(dynamic_cast<oSTREAMDIB*>(bm) && bm->GetPalette(nullptr) == 256 && Pixels(bm) == pixels);
     vFILLSPEC g(f), h;
     h = f;
     h = h;  // self-assignment keeps the bitmap
@@ -56,11 +53,8 @@ TEST(FillStyle, OwnsADeepCopyOfItsBitmapAndComparesOneSided)
     vFILLSPEC plain(vFT_BITMAP);
     EXPECT_EQ(plain.Bitmap(nullptr), 0);  // the bitmap type alone brings no bitmap
     EXPECT_TRUE(!(f == f) && plain == f && !(f == plain));
-    g = vFILLSPEC();
-    EXPECT_EQ(BitmapOf(g), nullptr);
 
-    // The stream form carries the DIB after the fields, its first word 40;
-    // reading a form without one over a bitmap fill drops the bitmap.
+    // The DIB follows the fields, its first word 40; a form without one read over a bitmap fill drops it.
     vMEMSTREAM m;
     f >> m;
     plain >> m;
@@ -69,8 +63,7 @@ TEST(FillStyle, OwnsADeepCopyOfItsBitmapAndComparesOneSided)
     vFILLSPEC back(m);
     EXPECT_EQ(Pixels(BitmapOf(back)), pixels);
     back << m;
-    EXPECT_EQ(back.Bitmap(nullptr), 0);
-    EXPECT_EQ(m.CurrentPos(), m.Size());
+    EXPECT_TRUE(back.Bitmap(nullptr) == 0 && m.CurrentPos() == m.Size());
 }
 
 TEST(FillStyle, StreamForm)
@@ -82,11 +75,10 @@ TEST(FillStyle, StreamForm)
     const unsigned char expected[] = {5, 0,  10, 20, 30, 0, vRGB, 100, 0, 0,  4, 3, 2, 1, vCMYK, 50, 16, 0,
                                       0, 0, 0xE2, 0xFF,  2, 0,  0, 0};
     std::vector<unsigned char> bytes(m.Buffer(), m.Buffer() + m.Size());
-    EXPECT_EQ(bytes, std::vector<unsigned char>(expected, expected + sizeof expected));
+    EXPECT_EQ(bytes, std::vector<unsigned char>(expected, std::end(expected)));
     m.MoveFromStart(0);
     vFILLSPEC r(m);
-    EXPECT_TRUE(r == c);
-    EXPECT_EQ(m.CurrentPos(), m.Size());
+    EXPECT_TRUE(r == c && m.CurrentPos() == m.Size());
     // Any word but 40 means no bitmap and is consumed.
     bytes[24] = 7;
     bytes.push_back(0xAB);
@@ -94,6 +86,5 @@ TEST(FillStyle, StreamForm)
     odd.WriteBlock(bytes.data(), (unsigned long)bytes.size());
     odd.MoveFromStart(0);
     vFILLSPEC o(odd);
-    EXPECT_EQ(o.Bitmap(nullptr), 0);
-    EXPECT_EQ(odd.CurrentPos(), 26u);
+    EXPECT_TRUE(o.Bitmap(nullptr) == 0 && odd.CurrentPos() == 26u);
 }

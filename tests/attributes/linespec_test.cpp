@@ -1,5 +1,4 @@
-// Line styles (vLINESPEC): line types with their stock patterns, the
-// comparison that ignores the pattern, and the 24-byte stream form.
+// vLINESPEC: stock patterns, the comparison that ignores the pattern, the stream form.
 #include <gtest/gtest.h>
 #include <vector>
 #include "rl132.h"
@@ -18,13 +17,10 @@ const unsigned char kUser[6] = {9, 8, 7, 6, 5, 4};
 
 TEST(LineStyle, LineTypesInstallTheirPatternsAndComparisonIgnoresThem)
 {
-    vLINESPEC s;  // the defaults are pinned by the stream form below
-    EXPECT_EQ(PatternOf(s), P(6, 0));
+    vLINESPEC s;
     EXPECT_EQ(s.Pattern(6) | s.Pattern(0xFFFF), 0);  // past the pattern: nothing, not a stray byte
-    const struct { vLINETYPE type; P pattern; } stock[] = {
-        {vLT_DASH1, {3, 3, 0, 0, 0, 0}}, {vLT_DASH2, {5, 3, 0, 0, 0, 0}},
-        {vLT_DASH3, {5, 3, 3, 3, 0, 0}}, {vLT_DASH4, {5, 3, 3, 3, 3, 3}},
-    };
+    const struct { vLINETYPE type; P pattern; } stock[] = {{vLT_DASH1, {3, 3, 0, 0, 0, 0}}, {vLT_DASH2, {5, 3, 0, 0, 0, 0}},
+        {vLT_DASH3, {5, 3, 3, 3, 0, 0}}, {vLT_DASH4, {5, 3, 3, 3, 3, 3}}};
     for (const auto& c : stock)  // whatever pattern the caller passes
         EXPECT_EQ(PatternOf(vLINESPEC(c.type, vCOLOUR(), vINT(4), (vCORNERTYPE)2, (vDASHTYPE)0, kUser)), c.pattern);
     // Solid and unknown types keep the pattern there; so does a user type without one.
@@ -32,13 +28,11 @@ TEST(LineStyle, LineTypesInstallTheirPatternsAndComparisonIgnoresThem)
     t.LineType(vLT_SOLID, kUser);
     t.LineType((vLINETYPE)42, kUser);
     t.LineType(vLT_USER, nullptr);
-    EXPECT_EQ((int)t.LineType(), 6);
-    EXPECT_EQ(PatternOf(t), (P{5, 3, 0, 0, 0, 0}));
+    EXPECT_TRUE((int)t.LineType() == 6 && PatternOf(t) == (P{5, 3, 0, 0, 0, 0}));
     const unsigned char longer[8] = {1, 2, 3, 4, 5, 6, 7, 8};
     t.LineType(vLT_USER, longer);   // six bytes copied
     t.LineType(vLT_NONE, kUser);    // no line: the width goes (in the constructor too), the pattern stays
-    EXPECT_EQ(t.Width()(), 0);
-    EXPECT_EQ(PatternOf(t), (P{1, 2, 3, 4, 5, 6}));
+    EXPECT_TRUE(t.Width()() == 0 && PatternOf(t) == (P{1, 2, 3, 4, 5, 6}));
     EXPECT_EQ(vLINESPEC(vLT_NONE, vCOLOUR(), vINT(12)).Width()(), 0);
 
     const unsigned char other[6] = {1, 1, 1, 1, 1, 1};
@@ -61,19 +55,17 @@ TEST(LineStyle, StreamFormIsTwentyFourBytes)
     vMEMSTREAM m;
     vLINESPEC dashed(vLT_DASH3, vCOLOUR(vCMYK, 0x64000000, 80, 1), vINT(-3), (vCORNERTYPE)1, (vDASHTYPE)2);
     EXPECT_EQ(&(dashed >> m), &m);
-    vLINESPEC() >> m;
+    vLINESPEC() >> m;   // the defaults
     const unsigned char expected[] = {
         0x00, 0x00, 0x00, 0x64, 2, 80, 0x10, 0x00,  0xFD, 0xFF, 0xFF, 0xFF,  // colour, width -3
         4, 0, 1, 0, 2, 0,  5, 3, 3, 3, 0, 0,                                 // types, pattern
         0x00, 0x00, 0x00, 0x00, 0, 100, 0x00, 0x00,  0x01, 0x00, 0x00, 0x00,
         1, 0, 2, 0, 0, 0,  0, 0, 0, 0, 0, 0,                                 // solid: zeroed, not stray bytes
     };
-    EXPECT_EQ(std::vector<unsigned char>(m.Buffer(), m.Buffer() + m.Size()),
-              std::vector<unsigned char>(expected, expected + sizeof expected));
+    EXPECT_EQ(std::vector<unsigned char>(m.Buffer(), m.Buffer() + m.Size()), std::vector<unsigned char>(expected, std::end(expected)));
 }
 
-// Regression: a user pattern beginning with the compressed-frame magic made a
-// file stream detecting frames take it for one and lose its place.
+// Regression: a user pattern beginning with the frame magic was read as a frame.
 TEST(LineStyle, APatternThatLooksLikeAFrameIsReadRaw)
 {
     const unsigned char magic[6] = {0xB1, 0xAA, 0x12, 0x00, 7, 9};
@@ -84,14 +76,10 @@ TEST(LineStyle, APatternThatLooksLikeAFrameIsReadRaw)
         f.Compress(compress);
         odd >> f;
         dashed >> f;
-        EXPECT_EQ(f.CurrentPos(), 48u);
         f.MoveFromStart(0);
         vLINESPEC r1(f), r2(f);
-        EXPECT_TRUE(r1 == odd && r2 == dashed);
-        EXPECT_EQ(PatternOf(r1), (P{0xB1, 0xAA, 0x12, 0x00, 7, 9}));
-        EXPECT_EQ(PatternOf(r2), (P{5, 3, 3, 3, 3, 3}));
-        EXPECT_EQ(f.CurrentPos(), 48u);
-        EXPECT_EQ(f.Status(), vSTREAM_OK);
-        EXPECT_TRUE(f.DetectingCompressed());
+        EXPECT_TRUE(r1 == odd && r2 == dashed && f.DetectingCompressed());
+        EXPECT_TRUE(PatternOf(r1) == (P{0xB1, 0xAA, 0x12, 0x00, 7, 9}) && PatternOf(r2) == (P{5, 3, 3, 3, 3, 3}));
+        EXPECT_TRUE(f.CurrentPos() == 48u && f.Status() == vSTREAM_OK);
     }
 }

@@ -1,5 +1,4 @@
-// fLIST, fQUEUE and fSTACK: the list against a vector model, order, ownership
-// and containers held in lists.
+// fLIST, fQUEUE and fSTACK: the list against a vector model; containers held in lists.
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <random>
@@ -53,21 +52,18 @@ TEST(List, AgreesWithAVectorUnderRandomOperations)
                 model.erase(model.begin() + at);
             ASSERT_EQ(list.Remove(items[k]), found) << "step " << step;
         }
-        ASSERT_EQ(list.NoItems(), model.size());
-        ASSERT_EQ(Walk(list, true), model);
+        ASSERT_TRUE(list.NoItems() == model.size() && Walk(list, true) == model);
         ASSERT_EQ(Walk(list, false), std::vector<int>(model.rbegin(), model.rend()));
-        ASSERT_EQ(list.Search(items[k]), std::count(model.begin(), model.end(), k) > 0 ? 1 : 0);
-        ASSERT_EQ(Id(list.Last()), model.empty() ? -1 : model.back());
+        ASSERT_TRUE(list.Search(items[k]) == (std::count(model.begin(), model.end(), k) > 0 ? 1 : 0) &&
+                    Id(list.Last()) == (model.empty() ? -1 : model.back()));
     }
     EXPECT_GT(tailFirst, 30);
     // Membership is identity; copies share the objects but not the links.
     ASSERT_FALSE(model.empty());
     Item twin;
     twin.id = model.front();
-    EXPECT_EQ(list.Remove(twin), 0);
     fLIST copy(list);
-    EXPECT_EQ(copy.Remove(*list.First()), 1);
-    EXPECT_EQ(list.NoItems(), model.size());
+    EXPECT_TRUE(list.Remove(twin) == 0 && copy.Remove(*list.First()) == 1 && list.NoItems() == model.size());
 }
 
 TEST(List, HoldsListsQueuesAndStacksInOrderWithoutOwning)
@@ -85,19 +81,14 @@ TEST(List, HoldsListsQueuesAndStacksInOrderWithoutOwning)
         }
         for (vOBJECT* o : std::vector<vOBJECT*>{&inner, &queue, &stack, &outer})   // a list may hold itself
             ASSERT_EQ(outer.Append(*o), 1);
-        EXPECT_EQ(outer.NoItems(), 4);
         fLINK* l = outer.Next(nullptr);
         EXPECT_EQ(static_cast<fLIST*>(l->Object())->First(), &a);
         fQUEUE* q = static_cast<fQUEUE*>(outer.Next(l)->Object());
         fSTACK* s = static_cast<fSTACK*>(outer.Next(outer.Next(l))->Object());
-        EXPECT_EQ(outer.Last(), static_cast<vOBJECT*>(&outer));
-        EXPECT_EQ(q->Bottom(), &c);   // the newest
-        EXPECT_EQ(q->Remove(b), 1);
-        EXPECT_EQ(q->Pull(), &a);
-        EXPECT_EQ(s->Top(), &c);
+        EXPECT_TRUE(outer.NoItems() == 4 && outer.Last() == static_cast<vOBJECT*>(&outer));
+        EXPECT_TRUE(q->Bottom() == &c && q->Remove(b) == 1 && q->Pull() == &a && s->Top() == &c);   // bottom: the newest
         EXPECT_TRUE(s->Pop() == &c && s->Pop() == &b && s->Pop() == &a && s->Pop() == nullptr);
-        EXPECT_EQ(outer.Remove(queue), 1);
-        EXPECT_EQ(outer.Search(stack), 1);
+        EXPECT_TRUE(outer.Remove(queue) == 1 && outer.Search(stack) == 1);
         EXPECT_EQ(queue.NoItems() + stack.IsEmpty(), 2);   // c left in the queue
     }
     EXPECT_FALSE(a.destroyed || b.destroyed || c.destroyed);

@@ -1,5 +1,4 @@
-// The library frame: trace lines, profile switches, the memory shortage path
-// and its message boxes, the string table.
+// The library frame: trace lines, profile switches, the memory shortage path, the string table.
 #include <gtest/gtest.h>
 #include <cstring>
 #include <string>
@@ -40,11 +39,7 @@ void ReadProfile(const char* traceLevel, const char* checkHeap)
 // Each pass of the page-out procedure frees the next scripted count.
 std::vector<unsigned short> gPageOuts;
 size_t gPageOutCall = 0;
-unsigned short ScriptedPageOut()
-{
-    size_t call = gPageOutCall++;
-    return call < gPageOuts.size() ? gPageOuts[call] : 0;
-}
+unsigned short ScriptedPageOut() { return gPageOutCall < gPageOuts.size() ? gPageOuts[gPageOutCall++] : (++gPageOutCall, 0); }
 } // namespace
 
 TEST(Frame, TraceAndProfileSwitches)
@@ -72,13 +67,11 @@ TEST(Frame, FailedResizeKeepsTheOldBlockAndAsksTheUser)
     char* p = (char*)vMemAlloc(64);
     ASSERT_NE(p, nullptr);
     strcpy(p, "still here");
-    EXPECT_EQ(vMemRealloc(p, 0x7FFFFFF0ul), nullptr);   // more than a 32-bit process can have
-    EXPECT_STREQ(p, "still here");
+    EXPECT_TRUE(vMemRealloc(p, 0x7FFFFFF0ul) == nullptr && std::string(p) == "still here");   // too much for 32 bits
     ASSERT_EQ(boxes.Calls().size(), 1u);
     EXPECT_TRUE(boxes.Calls()[0].text == " Application may be unstable !" && boxes.Calls()[0].caption == "<null>");
     EXPECT_EQ(boxes.Calls()[0].type, (unsigned)(MB_RETRYCANCEL | MB_ICONHAND | MB_SYSTEMMODAL));
-    EXPECT_EQ(vSYSTEM::GetExceptionFlag(), 1);
-    EXPECT_FALSE(vSYSTEM::GetDefaultException().HasReserve());   // gone for good
+    EXPECT_TRUE(vSYSTEM::GetExceptionFlag() == 1 && !vSYSTEM::GetDefaultException().HasReserve());   // gone for good
     vMemFree(p);
 }
 
@@ -88,9 +81,7 @@ TEST(Frame, PageOutLoopArithmetic)
     // Near the floor the limit steps down by one and 2 stops the loop; a pass that frees
     // nothing stops it; at most five passes; nothing freed at all is a failure.
     const struct { unsigned short limit; std::vector<unsigned short> counts; int result; unsigned short after; size_t calls; } cases[] = {
-        { 3, {1, 1, 1, 1, 1}, 1, 2, 1 }, { 20, {5, 5, 0, 7}, 1, 10, 3 },
-        { 1000, {1, 1, 1, 1, 1, 1, 1, 1}, 1, 995, 5 }, { 10, {}, 0, 10, 1 },
-    };
+        {3, {1, 1, 1, 1, 1}, 1, 2, 1}, {20, {5, 5, 0, 7}, 1, 10, 3}, {1000, {1, 1, 1, 1, 1, 1, 1, 1}, 1, 995, 5}, {10, {}, 0, 10, 1}};
     vPAGEOUT::SetProc(ScriptedPageOut);
     for (const auto& c : cases) {
         vPAGEOUT::SetResidentLimit(c.limit);
@@ -112,12 +103,9 @@ TEST(Frame, ReportShowsWarningOnceThenSevere)
     EXPECT_TRUE(vSYSTEM::GetExceptionFlag() == 0 && e.WarningText() == nullptr);
     vSYSTEM::SetExceptionFlag(1);
     boxes.Answer(IDCANCEL);   // not acknowledged with OK: the flag stays set
-    EXPECT_EQ(vAPPFRAME::Report(nullptr), 0);
-    EXPECT_EQ(vSYSTEM::GetExceptionFlag(), 1);
+    EXPECT_TRUE(vAPPFRAME::Report(nullptr) == 0 && vSYSTEM::GetExceptionFlag() == 1);
     ASSERT_EQ(boxes.Calls().size(), 2u);
-    if (warningLeft) {
-        EXPECT_EQ(boxes.Calls()[0].text, "Error: Free Memory is getting low.\nTry closing some of your other applications.");
-    }
+    EXPECT_TRUE(!warningLeft || boxes.Calls()[0].text == "Error: Free Memory is getting low.\nTry closing some of your other applications.");
     EXPECT_EQ(boxes.Calls()[1].text, "Error: Free Memory is extremely low.\nTry closing some of your other applications.");
     EXPECT_EQ(boxes.Calls()[0].caption, "");   // no window, no title
     EXPECT_EQ(boxes.Calls()[1].type, (unsigned)(MB_OK | MB_ICONHAND | MB_SYSTEMMODAL));
@@ -126,16 +114,12 @@ TEST(Frame, ReportShowsWarningOnceThenSevere)
 TEST(Frame, StringTableKeepsItsTextsAsTheyAre)
 {
     // The blocks' own misspellings stay; texts are in the ANSI code page.
-    const struct { unsigned short id; const char* text; } texts[] = {
-        { 31306, "Ouvrivr" }, { 31425, "Neues Ansicht" }, { 31625, "Nytt f\xF6nter" }, { 31017, "" },
-    };
+    const struct { unsigned short id; const char* text; } texts[] = {{31306, "Ouvrivr"}, {31425, "Neues Ansicht"}, {31625, "Nytt f\xF6nter"}, {31017, ""}};
     char text[256], small[6];
     for (const auto& t : texts) {
-        EXPECT_EQ(vRESID(t.id).Load(text, sizeof text), (int)strlen(t.text)) << t.id;
-        EXPECT_STREQ(text, t.text);
+        EXPECT_TRUE(vRESID(t.id).Load(text, sizeof text) == (int)strlen(t.text) && std::string(text) == t.text) << t.id;
     }
-    EXPECT_EQ(vRESID(31102).Load(small, sizeof small), 5);   // the caller's capacity holds
-    EXPECT_STREQ(small, " Appl");
+    EXPECT_TRUE(vRESID(31102).Load(small, sizeof small) == 5 && std::string(small) == " Appl");   // the capacity holds
 }
 
 #if GTEST_HAS_DEATH_TEST

@@ -23,11 +23,9 @@ TEST(Geometry, PointComparisonsDistancesAndExpansion)
         long ax = (long)(gen() % 5) - 2, ay = (long)(gen() % 5) - 2, bx = (long)(gen() % 5) - 2, by = (long)(gen() % 5) - 2;
         vPOINT a(ax, ay), b(bx, by);
         vRANGE ra{vINT(ax), vINT(ay)}, rb{vINT(bx), vINT(by)};
-        ASSERT_EQ(a != b, (int)(ax != bx || ay != by));
-        ASSERT_EQ(a < b, (int)(ax < bx && ay < by));
-        ASSERT_EQ(a >= b, (int)(ax >= bx && ay >= by));
-        ASSERT_EQ(ra < rb, (int)(ax < bx && ay < by));
-        ASSERT_EQ(ra >= rb, (int)(ax >= bx && ay >= by));
+        bool less = ax < bx && ay < by, atLeast = ax >= bx && ay >= by;
+        ASSERT_TRUE((a != b) == (ax != bx || ay != by) && (a < b) == less && (a >= b) == atLeast) << ax << ay << bx << by;
+        ASSERT_TRUE((ra < rb) == less && (ra >= rb) == atLeast) << ax << ay << bx << by;
         // The sum of squares wraps in 32 bits; a non-positive sum gives 0.
         int64_t x = (int32_t)gen() >> (gen() % 32), y = (int32_t)gen() >> (gen() % 32);
         int64_t sum = (int32_t)(uint32_t)(uint64_t)(x * x + y * y);
@@ -38,15 +36,12 @@ TEST(Geometry, PointComparisonsDistancesAndExpansion)
     // Scaling goes through vINT * vREAL, with its quirk on negative reals.
     EXPECT_TRUE((vPOINT(2L, 2L) * vREAL(-0.5)).x() == -3 && (vPOINT(7L, -7L) / vREAL(2)).y() == -3);
     // Odd growths lose a unit; shrinks use one more than the magnitude; past empty the rectangle turns over.
-    const struct { long d, lo, hi; } cases[] = {
-        { 1, 10, 20 }, { 2, 9, 21 }, { 3, 9, 21 }, { -1, 11, 19 }, { -2, 11, 19 }, { -3, 12, 18 }, { -20, 20, 10 },
-    };
+    const struct { long d, lo, hi; } cases[] = {{1, 10, 20}, {2, 9, 21}, {3, 9, 21}, {-1, 11, 19}, {-2, 11, 19}, {-3, 12, 18}, {-20, 20, 10}};
     for (const auto& c : cases) {
         vRECT w(10L, 10L, 20L, 20L), h(10L, 10L, 20L, 20L);
         w.Expand(vINT(c.d), vINT(0L));
         h.Expand(vINT(0L), vINT(c.d));
-        EXPECT_TRUE(RectIs(w, c.lo, 10, c.hi, 20)) << c.d;
-        EXPECT_TRUE(RectIs(h, 10, c.lo, 20, c.hi)) << c.d;
+        EXPECT_TRUE(RectIs(w, c.lo, 10, c.hi, 20) && RectIs(h, 10, c.lo, 20, c.hi)) << c.d;
     }
     vRECT d(0L, 0L, 10L, 10L);
     EXPECT_TRUE(d.DistFrom(vPOINT(10L, 10L))() == 0 && d.DistFrom(vPOINT(13L, 14L))() == 5 && d.DistFrom(vPOINT(5L, -7L))() == 7);
@@ -60,8 +55,7 @@ TEST(Geometry, OverlapUnionIntersectionAgainstAGrid)
         for (long& x : v) x = (long)(gen() % 13) - 6;
         vRECT r(v[0], v[1], v[2], v[3]), s(v[4], v[5], v[6], v[7]);
         vRECT u = r + s;
-        ASSERT_TRUE(RectIs(u, std::min(v[0], v[4]), std::min(v[1], v[5]),
-                           std::max(v[2], v[6]), std::max(v[3], v[7])));
+        ASSERT_TRUE(RectIs(u, std::min(v[0], v[4]), std::min(v[1], v[5]), std::max(v[2], v[6]), std::max(v[3], v[7])));
         ASSERT_EQ(r & s, s & r);
         if (v[0] > v[2] || v[1] > v[3] || v[4] > v[6] || v[5] > v[7])
             continue;
@@ -72,14 +66,9 @@ TEST(Geometry, OverlapUnionIntersectionAgainstAGrid)
                 shared |= (r ^ vPOINT(x, y)) && (s ^ vPOINT(x, y));
         ASSERT_EQ(r & s, shared);
         vRECT in = r ^ s;
-        if (!shared) {
-            ASSERT_TRUE(RectIs(in, 0, 0, 0, 0));
-            continue;
-        }
-        for (long x = -6; x <= 6; ++x)
-            for (long y = -6; y <= 6; ++y) {
-                vPOINT p(x, y);
-                ASSERT_EQ(in ^ p, (int)((r ^ p) && (s ^ p)));
-            }
+        ASSERT_TRUE(shared || RectIs(in, 0, 0, 0, 0));
+        for (long x = -6; x <= 6 && shared; ++x)
+            for (long y = -6; y <= 6; ++y)
+                ASSERT_EQ(in ^ vPOINT(x, y), (int)((r ^ vPOINT(x, y)) && (s ^ vPOINT(x, y))));
     }
 }

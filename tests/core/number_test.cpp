@@ -16,8 +16,8 @@ uint64_t Mag(int32_t v) { return v < 0 ? 0ull - (uint64_t)(int64_t)v : (uint64_t
 // Raw values biased toward where 16.16 arithmetic breaks: extremes, zero, whole numbers, halves.
 std::vector<int32_t> InterestingRaws(unsigned seed, int randomCount)
 {
-    std::vector<int32_t> v = { 0, 1, -1, 0x7FFF, 0x8000, 0xFFFF, 0x10000, -0x10000, 0x7FFFFFFF,
-                               INT32_MIN, INT32_MIN + 1, 0x7FFF0000, -0x7FFF0000, 0x18000, -0x18000 };
+    std::vector<int32_t> v = {0, 1, -1, 0x7FFF, 0x8000, 0xFFFF, 0x10000, -0x10000, 0x7FFFFFFF, INT32_MIN, INT32_MIN + 1,
+                              0x7FFF0000, -0x7FFF0000, 0x18000, -0x18000};
     std::mt19937 gen(seed);
     for (int i = 0; i < randomCount; ++i) {
         uint32_t bits = gen();
@@ -34,36 +34,30 @@ std::vector<int32_t> InterestingRaws(unsigned seed, int randomCount)
 long ExpectedQuotient(int32_t n, int32_t d)
 {
     bool negative = (n < 0) != (d <= 0);
-    uint64_t un = Mag(n), ud = Mag(d);
-    uint64_t q = un / ud;
+    uint64_t un = Mag(n), ud = Mag(d), q = un / ud, mag;
     if (q >= 65535)
         return negative ? (long)(int32_t)0x80000001u : 0x7FFFFFFFL;
-    uint64_t mag;
-    if (((un * 32768 / ud) & 32767) == 32767) {
-        // The first 15 fraction bits are ones: the division stops a step early, a whole unit short.
+    // The first 15 fraction bits all ones: the division stops a step early, a whole unit short.
+    if (((un * 32768 / ud) & 32767) == 32767)
         mag = (q - 1) * 65536 + 65535 + (2 * ((un * 32768) % ud) >= ud ? 1 : 0);
-    } else {
+    else
         mag = (un * 131072 + ud) / (2 * ud);   // rounded half up
-    }
     return (long)(int32_t)(negative ? 0u - (uint32_t)mag : (uint32_t)mag);
 }
 } // namespace
 
 TEST(Number, RoundingAroundEveryIntegerAndHalf)
 {
-    for (int64_t k = -2000; k <= 2000; ++k) {
+    for (int64_t k = -2000; k <= 2000; ++k)
         for (int off = -1; off <= 1; ++off) {
             int64_t raw = k * 32768 + off;
             double x = (double)raw / 65536.0;
-            vREAL r = R(raw);
             long floorX = (long)floor(x);
-            ASSERT_EQ(r.Floor()(), floorX) << raw;
+            ASSERT_EQ(R(raw).Floor()(), floorX) << raw;
             // Zero and whole negatives round down a further unit; so does Ceil.
-            ASSERT_EQ(r.Round()(), raw > 0 ? (long)floor(x + 0.5) : (long)floor(x - 0.5)) << raw;
-            long ceil = (raw % 65536 == 0) ? floorX : (raw > 0 ? (long)::ceil(x) : floorX - 1);
-            ASSERT_EQ(r.Ceil()(), ceil) << raw;
+            ASSERT_EQ(R(raw).Round()(), raw > 0 ? (long)floor(x + 0.5) : (long)floor(x - 0.5)) << raw;
+            ASSERT_EQ(R(raw).Ceil()(), (raw % 65536 == 0) ? floorX : (raw > 0 ? (long)::ceil(x) : floorX - 1)) << raw;
         }
-    }
     // At the ends of the range the adjustments wrap before the shift.
     EXPECT_TRUE(R(0x7FFFFFFF).Round()() == -32768 && R(0x7FFFFFFF).Ceil()() == -32768);
     EXPECT_TRUE(R(INT32_MIN).Round()() == 32767 && R(INT32_MIN + 1).Ceil()() == 32767);
@@ -104,11 +98,9 @@ TEST(Number, SaturatingDivision)
     for (size_t k = 0; k < v.size(); ++k) {
         int32_t n = v[k];
         int32_t d = v[(k * 17 + 7) % v.size()];
-        if (k % 4 == 1) {
-            // Divisors near the dividend keep the quotient in range.
+        if (k % 4 == 1) {   // divisors near the dividend keep the quotient in range
             d = (int32_t)((int64_t)n / (int64_t)(gen() % 20000 + 1)) + (int32_t)(gen() % 5) - 2;
-        } else if (k % 4 == 2) {
-            // Dividends just under a multiple of a large divisor hit the early stop.
+        } else if (k % 4 == 2) {   // dividends just under a multiple of a large divisor hit the early stop
             d = (int32_t)(gen() % 0x7FFF0000u) + 0x8000;
             int64_t nn = (int64_t)(gen() % 100) * d + d - 1 - (int64_t)(gen() % (((uint32_t)d >> 16) + 1));
             n = (int32_t)(nn > 0x7FFFFFFF ? d - 1 : nn);
@@ -123,17 +115,14 @@ TEST(Number, SaturatingDivision)
         int32_t i = (int32_t)(n >> (gen() % 32));
         ASSERT_EQ(Raw(vINT((long)i) / R(d)), ExpectedQuotient((int32_t)((uint32_t)i << 16), d)) << i << " / raw " << d;
         int64_t m = (gen() & 1) ? (int32_t)gen() >> (gen() % 31) : (int32_t)(gen() % 41) - 20;
-        if (m != 0 && !(n == INT32_MIN && m == -1)) {
-            ASSERT_EQ(Raw(R(n) / vINT((long)m)), Wrap((int64_t)n / m)) << n << " / " << m;
-        }
+        ASSERT_TRUE(m == 0 || (n == INT32_MIN && m == -1) || Raw(R(n) / vINT((long)m)) == Wrap((int64_t)n / m)) << n << " / " << m;
     }
     EXPECT_GT(earlyStops, 500);
 }
 
 TEST(Number, NewtonRootsAreNotTheNearestNorTheFloor)
 {
-    // Worked through the steps by hand: neither the floor of the root (3 gives
-    // 2, 23 gives 5) nor the nearer root (7 gives 2, 22 gives 4) describes them.
+    // Worked by hand: neither the floor (3 gives 2, 23 gives 5) nor the nearer root (7 gives 2) describes them.
     const long roots[25] = { 0, 0, 1, 2, 2, 2, 2, 2, 3, 3, 3, 3, 3, 3, 4, 4, 4, 4, 4, 4, 4, 4, 4, 5, 5 };
     for (long n = 2; n < 25; ++n)
         EXPECT_EQ(vINT(n).Sqrt()(), roots[n]) << n;
@@ -149,8 +138,7 @@ TEST(Number, NewtonRootsAreNotTheNearestNorTheFloor)
 
 TEST(Number, AngleResultsFollowTheirDegreeFactor)
 {
-    // 57.29577951 degrees per radian is a little short: angles come out slightly
-    // large and truncation makes that one raw unit. aSin is the arc tangent.
+    // 57.29577951 degrees per radian is a little short: truncation loses one raw unit. aSin is the arc tangent.
     const long got[] = {Raw(vANGLE(30).Sin()), Raw(vANGLE(150).Sin()), Raw(vANGLE(60).Cos()), Raw(vANGLE(135).Tan()),
                         Raw(vANGLE(90).Tan()), vREAL(1).aTan()(), vREAL(0.5).aSin()(), vREAL(0.5).aCos()(),
                         vREAL(-1).aCos()(), vREAL(2).aCos()()};

@@ -1,6 +1,5 @@
 // OUTLIB: outside libraries loaded on first need, use counts, entries by name,
-// quiet failure and a file map. The stand-in colour libraries of tests/dlls
-// play the outside library.
+// quiet failure and a file map, played by the stand-in colour libraries of tests/dlls.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <cstdlib>
@@ -18,8 +17,7 @@ long Counter(const char* name)
 }
 void ResetStandIn(const char* mode = nullptr)
 {
-    for (const char* name : {"POCE_STANDIN", "POCE_STANDIN_LOADS", "POCE_STANDIN_UNLOADS", "POCE_STANDIN_CALLS",
-                             "POCE_STANDIN_ERRORMODE"})
+    for (const char* name : {"POCE_STANDIN", "POCE_STANDIN_LOADS", "POCE_STANDIN_UNLOADS", "POCE_STANDIN_CALLS", "POCE_STANDIN_ERRORMODE"})
         SetEnvironmentVariableA(name, nullptr);
     SetEnvironmentVariableA("POCE_STANDIN", mode);
 }
@@ -27,9 +25,7 @@ void ResetStandIn(const char* mode = nullptr)
 std::string gStandInPath;
 const char* StandIns(const char* name)
 {
-    if (lstrcmpiA(name, "RLPHTEST.DLL") == 0)
-        return "POCEHALF.DLL";
-    return lstrcmpiA(name, "PCDTEST.DLL") == 0 ? gStandInPath.c_str() : nullptr;
+    return lstrcmpiA(name, "RLPHTEST.DLL") == 0 ? "POCEHALF.DLL" : lstrcmpiA(name, "PCDTEST.DLL") == 0 ? gStandInPath.c_str() : nullptr;
 }
 } // namespace
 
@@ -48,15 +44,13 @@ TEST(OutLib, QuietFailuresUseCountsEntriesAndTheFileMap)
     }
     SetErrorMode(savedMode);
     EXPECT_EQ(Counter("POCE_STANDIN_LOADS"), -1);   // refused before it counted
-    EXPECT_EQ(Counter("POCE_STANDIN_ERRORMODE"), (long)(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX));
-    EXPECT_TRUE(boxes.Calls().empty());
+    EXPECT_TRUE(Counter("POCE_STANDIN_ERRORMODE") == (long)(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX) && boxes.Calls().empty());
 
     // A missing entry leaves its slot null; before loading every slot is null.
     const char* const names[] = {"POCE_EncodeColor", "POCE_GetColorRGB", "POCE_EncodeColor@16"};
     void* slots[3] = {&slots, &slots, &slots};
     OUTLIB half("POCEHALF.DLL");
-    EXPECT_EQ(half.ResolveAll(names, slots, 3), 0);
-    EXPECT_TRUE(!slots[0] && !slots[1] && !slots[2]);
+    EXPECT_TRUE(half.ResolveAll(names, slots, 3) == 0 && !slots[0] && !slots[1] && !slots[2]);
     ASSERT_EQ(half.Acquire(), 1);
     EXPECT_EQ(half.ResolveAll(names, slots, 3), 1);
     EXPECT_EQ(slots[0], (void*)GetProcAddress(GetModuleHandleA("POCEHALF.DLL"), "POCE_EncodeColor"));
@@ -70,23 +64,20 @@ TEST(OutLib, QuietFailuresUseCountsEntriesAndTheFileMap)
     ASSERT_TRUE(poce.Acquire() == 1 && poce.Acquire() == 1 && poce.Uses() == 2);
     poce.Release();
     EXPECT_NE(GetModuleHandleA("POCE.DLL"), nullptr);
-    poce.Release();
-    poce.Release();
+    poce.Release(), poce.Release();
     EXPECT_TRUE(GetModuleHandleA("POCE.DLL") == nullptr && poce.Uses() == 0 && !poce.Resolve("POCE_EncodeColor"));
     ASSERT_EQ(poce.Acquire(), 1);
     typedef short(WINAPI * ENCODE)(int, int, int, unsigned char*);
     ENCODE encode = (ENCODE)poce.Resolve("POCE_EncodeColor");
     ASSERT_NE(encode, nullptr);
     unsigned char code[8] = {};
-    EXPECT_EQ(encode(0x41, 1, 2, code), 1);
-    EXPECT_TRUE(code[0] == 'P' && code[1] == 0x41);
+    EXPECT_TRUE(encode(0x41, 1, 2, code) == 1 && code[0] == 'P' && code[1] == 0x41);
     {
         OUTLIB again("POCE.DLL");   // still held when it goes: freed with it
         ASSERT_EQ(again.Acquire(), 1);
     }
     poce.Release();
-    EXPECT_EQ(GetModuleHandleA("POCE.DLL"), nullptr);
-    EXPECT_EQ(Counter("POCE_STANDIN_LOADS") * 10 + Counter("POCE_STANDIN_UNLOADS"), 22);
+    EXPECT_TRUE(GetModuleHandleA("POCE.DLL") == nullptr && Counter("POCE_STANDIN_LOADS") * 10 + Counter("POCE_STANDIN_UNLOADS") == 22);
 
     // The file map: one module, whichever name reached it; a name the map leaves alone loads itself.
     ResetStandIn();
@@ -99,11 +90,8 @@ TEST(OutLib, QuietFailuresUseCountsEntriesAndTheFileMap)
     OUTLIB plugin("RLPHTEST.DLL"), photo("PCDTEST.DLL"), plain("POCE.DLL");
     ASSERT_EQ(plugin.Acquire() + photo.Acquire() + plain.Acquire(), 3);
     EXPECT_TRUE(plugin.Resolve("POCE_EncodeColor") && !plugin.Resolve("POCE_GetColorRGB"));   // the incomplete one
-    EXPECT_NE(photo.Resolve("POCE_GetColorRGB"), nullptr);
-    EXPECT_EQ(Counter("POCE_STANDIN_LOADS"), 1);
-    plugin.Release();
-    photo.Release();
-    plain.Release();
+    EXPECT_TRUE(photo.Resolve("POCE_GetColorRGB") && Counter("POCE_STANDIN_LOADS") == 1);
+    plugin.Release(), photo.Release(), plain.Release();
     EXPECT_EQ(OUTLIB::SetFileMap(nullptr), StandIns);
     OUTLIB unmapped("RLPHTEST.DLL");
     EXPECT_TRUE(unmapped.Acquire() == 0 && GetModuleHandleA("POCEHALF.DLL") == nullptr);

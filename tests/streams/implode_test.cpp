@@ -1,5 +1,5 @@
 // implode / explode: streams made elsewhere, hand-built streams, round trips,
-// damaged input, and the work-area contract.
+// damaged input and the work area.
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <cstring>
@@ -26,7 +26,7 @@ unsigned PipeRead(char* buf, unsigned* size, void* param)
     p.pos += n;
     return unsigned(n);
 }
-void PipeWrite(char* buf, unsigned* size, void* param) { static_cast<Pipe*>(param)->out.insert(static_cast<Pipe*>(param)->out.end(), buf, buf + *size); }
+void PipeWrite(char* buf, unsigned* size, void* param) { Bytes& o = static_cast<Pipe*>(param)->out; o.insert(o.end(), buf, buf + *size); }
 
 // A work area at a small skew inside a larger block whose margins are checked.
 struct Guarded {
@@ -86,24 +86,17 @@ struct Bits {
 
 TEST(Explode, StreamsFromOtherImplementations)
 {
-    const char* pairs[][2] = {
-        {"zlib-blast/test.pk", "zlib-blast/test.txt"}, {"pwexplode/hello.imploded", "pwexplode/hello.txt"},
-        {"implode-decoder/small.imploded", "implode-decoder/small.decomp"},
-        {"implode-decoder/medium.imploded", "implode-decoder/medium.decomp"},
-        {"implode-decoder/large.imploded", "implode-decoder/large.decomp"},
-        {"implode-decoder/large.imploded.ascii", "implode-decoder/large.decomp"},
-        {"implode-decoder/binary.imploded", "implode-decoder/binary.decomp"},
-        {"pwexplode/consistent_ui.imploded", "pwexplode/consistent_ui.txt"},
-        {"pwexplode/Ben_Rudiak-Gould_errored.imploded", "pwexplode/Ben_Rudiak-Gould_errored.txt"},
-        {"unshield.rs/undhr.md.imploded", "unshield.rs/undhr.md"}};
+    const char* pairs[][2] = {{"zlib-blast/test.pk", "zlib-blast/test.txt"}, {"pwexplode/hello.imploded", "pwexplode/hello.txt"},
+        {"implode-decoder/small.imploded", "implode-decoder/small.decomp"}, {"implode-decoder/medium.imploded", "implode-decoder/medium.decomp"},
+        {"implode-decoder/large.imploded", "implode-decoder/large.decomp"}, {"implode-decoder/large.imploded.ascii", "implode-decoder/large.decomp"},
+        {"implode-decoder/binary.imploded", "implode-decoder/binary.decomp"}, {"pwexplode/consistent_ui.imploded", "pwexplode/consistent_ui.txt"},
+        {"pwexplode/Ben_Rudiak-Gould_errored.imploded", "pwexplode/Ben_Rudiak-Gould_errored.txt"}, {"unshield.rs/undhr.md.imploded", "unshield.rs/undhr.md"}};
     for (auto& c : pairs) {
         std::string dir = c[0][0] == 'z' ? "" : "implode_test_files/";
         Bytes out;
         ASSERT_FALSE(Shared(dir + c[1]).empty()) << c[1];
-        for (unsigned piece : {~0u, 1u}) {
-            EXPECT_EQ(Explode(Shared(dir + c[0]), out, piece), CMP_NO_ERROR) << c[0];
-            EXPECT_TRUE(out == Shared(dir + c[1])) << c[0];
-        }
+        for (unsigned piece : {~0u, 1u})
+            EXPECT_TRUE(Explode(Shared(dir + c[0]), out, piece) == CMP_NO_ERROR && out == Shared(dir + c[1])) << c[0];
     }
     // Another compressor's output for every input, mode and dictionary.
     for (const char* name : {"text_short.txt", "text_medium.txt", "binary_small.bin", "edge_one_byte.bin",
@@ -113,15 +106,12 @@ TEST(Explode, StreamsFromOtherImplementations)
         for (const char* mode : {"bin", "ascii"})
             for (int dict : {1024, 2048, 4096}) {
                 std::string packed = std::string("generated/") + name + "." + mode + "." + std::to_string(dict) + ".imp";
-                EXPECT_EQ(Explode(Shared(packed), out), CMP_NO_ERROR) << packed;
-                EXPECT_TRUE(out == plain) << packed;
+                EXPECT_TRUE(Explode(Shared(packed), out) == CMP_NO_ERROR && out == plain) << packed;
             }
     }
-    // The empty input's four bytes are too short for the expander; then no
-    // end code, and a copy from before the start of the output.
+    // The empty input's four bytes are too short for the expander; then no end code.
     Bytes out;
-    EXPECT_EQ(Explode(Shared("generated/edge_empty.bin.bin.4096.imp"), out), CMP_BAD_DATA);
-    EXPECT_TRUE(out.empty());
+    EXPECT_TRUE(Explode(Shared("generated/edge_empty.bin.bin.4096.imp"), out) == CMP_BAD_DATA && out.empty());
     Bytes plain = Shared("implode_test_files/implode-decoder/no-explicit-end.decomp");
     EXPECT_EQ(Explode(Shared("implode_test_files/implode-decoder/no-explicit-end.imploded"), out), CMP_ABORT);
     ASSERT_LE(out.size(), plain.size());
@@ -147,8 +137,7 @@ TEST(Explode, HandBuiltStreamsHeadersAndWhatFollows)
     Pipe p{&known, 1};
     std::vector<char> work(EXP_BUFFER_SIZE);
     EXPECT_EQ(explode(PipeRead, PipeWrite, work.data(), &p), CMP_NO_ERROR);
-    EXPECT_EQ(std::string(p.out.begin(), p.out.end()), "AIAIAIAIAIAIA");
-    EXPECT_EQ(p.asked.at(0), 2048u);
+    EXPECT_TRUE(std::string(p.out.begin(), p.out.end()) == "AIAIAIAIAIAIA" && p.asked.at(0) == 2048u);
 
     Bytes good, second;
     ASSERT_EQ(Implode(Compressible(9000, 2), CMP_BINARY, 4096, good), CMP_NO_ERROR);
@@ -158,20 +147,16 @@ TEST(Explode, HandBuiltStreamsHeadersAndWhatFollows)
     for (const Case& c : cases) {
         Bytes bad = good;
         bad[c.at] = c.value;
-        EXPECT_EQ(Explode(bad, out), c.rc) << c.at << " " << int(c.value);
-        EXPECT_TRUE(out.empty());
+        EXPECT_TRUE(Explode(bad, out) == c.rc && out.empty()) << c.at << " " << int(c.value);
     }
-    for (size_t n = 0; n < 5; ++n) {
-        EXPECT_EQ(Explode(Bytes(good.begin(), good.begin() + n), out), CMP_BAD_DATA) << n;
-        EXPECT_TRUE(out.empty());
-    }
+    for (size_t n = 0; n < 5; ++n)
+        EXPECT_TRUE(Explode(Bytes(good.begin(), good.begin() + n), out) == CMP_BAD_DATA && out.empty()) << n;
     // Another stream behind the first: explode_used says where the first ends.
     ASSERT_EQ(Implode(Compressible(100, 5), CMP_ASCII, 1024, second), CMP_NO_ERROR);
     for (unsigned piece : {1u, 100u, ~0u}) {
         size_t used = 0;
         ASSERT_EQ(Explode(Cat(good, second), out, piece, &used), CMP_NO_ERROR);
-        EXPECT_TRUE(out == Compressible(9000, 2));
-        EXPECT_EQ(used, good.size()) << piece;
+        EXPECT_TRUE(out == Compressible(9000, 2) && used == good.size()) << piece;
     }
 }
 
@@ -203,15 +188,12 @@ TEST(Implode, RoundTripsInEveryModeDictionaryAndLevel)
                     SCOPED_TRACE(testing::Message() << "input " << k << " type " << type << " dict " << dict << " level " << level);
                     Bytes packed, back;
                     ASSERT_EQ(Implode(in, type, dict, packed, level, k % 2 ? 777u : ~0u), CMP_NO_ERROR);
-                    EXPECT_EQ(packed.at(0), type);
-                    EXPECT_EQ(packed.at(1), dict == 1024 ? 4 : dict == 2048 ? 5 : 6);
+                    EXPECT_TRUE(packed.at(0) == type && packed.at(1) == (dict == 1024 ? 4 : dict == 2048 ? 5 : 6));
                     // Growth bound: 9 bits a byte in binary mode, at most 14 in ASCII.
                     EXPECT_LE(packed.size(), 3 + (in.size() * (type == CMP_ASCII ? 14 : 9) + 23) / 8);
-                    if (&in == &all.back() && type == CMP_BINARY) {  // the repeat: a few copies at the window edge
-                        EXPECT_LT(packed.size(), dict * 9 / 8 + dict / 32);
-                    }
-                    ASSERT_EQ(Explode(packed, back, k % 3 ? ~0u : 3u), CMP_NO_ERROR);
-                    ASSERT_TRUE(back == in);
+                    // The repeat one window later: a few copies at the window edge.
+                    EXPECT_TRUE(&in != &all.back() || type != CMP_BINARY || packed.size() < dict * 9 / 8 + dict / 32);
+                    ASSERT_TRUE(Explode(packed, back, k % 3 ? ~0u : 3u) == CMP_NO_ERROR && back == in);
                 }
         }
 }
@@ -220,10 +202,9 @@ TEST(Implode, ArgumentsAndWorkArea)
 {
     Bytes in = Compressible(5000, 1), viaLevel, back;
     unsigned type = CMP_BINARY, dict = 4096;
-    struct Bad { unsigned type, dict, rc; } bad[] = {
-        {CMP_BINARY, 0, CMP_INVALID_DICTSIZE}, {CMP_BINARY, 1023, CMP_INVALID_DICTSIZE},
-        {CMP_BINARY, 3000, CMP_INVALID_DICTSIZE}, {CMP_BINARY, 8192, CMP_INVALID_DICTSIZE},
-        {2, 2048, CMP_INVALID_MODE}, {255, 2048, CMP_INVALID_MODE}, {type, dict, CMP_NO_ERROR}};
+    struct Bad { unsigned type, dict, rc; } bad[] = {{CMP_BINARY, 0, CMP_INVALID_DICTSIZE}, {CMP_BINARY, 1023, CMP_INVALID_DICTSIZE},
+        {CMP_BINARY, 3000, CMP_INVALID_DICTSIZE}, {CMP_BINARY, 8192, CMP_INVALID_DICTSIZE}, {2, 2048, CMP_INVALID_MODE},
+        {255, 2048, CMP_INVALID_MODE}, {type, dict, CMP_NO_ERROR}};
     Guarded work(CMP_BUFFER_SIZE, 3);
     ASSERT_EQ(Implode(in, type, dict, viaLevel, CMP_LEVEL_DEFAULT), CMP_NO_ERROR);
     for (Bad b : bad) {
@@ -238,9 +219,7 @@ TEST(Implode, ArgumentsAndWorkArea)
     Pipe q{&in, ~0u};
     Guarded small(CMP_BUFFER_SIZE, 1);
     ASSERT_EQ(implode_level(PipeRead, PipeWrite, small.Work(), CMP_BUFFER_SIZE, &q, &type, &dict, CMP_LEVEL_BEST), CMP_NO_ERROR);
-    EXPECT_TRUE(small.Intact());
-    ASSERT_EQ(Explode(q.out, back), CMP_NO_ERROR);
-    EXPECT_TRUE(back == in);
+    EXPECT_TRUE(small.Intact() && Explode(q.out, back) == CMP_NO_ERROR && back == in);
 }
 
 TEST(Explode, DamagedStreamsEndCleanly)

@@ -3,6 +3,7 @@
 #define STREAM_UTIL_H
 #include <windows.h>
 #include <objbase.h>
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -11,7 +12,6 @@
 #include "rltest.h"
 
 namespace streamtest {
-
 typedef std::vector<unsigned char> Bytes;
 
 inline Bytes FileBytes(const std::string& path)
@@ -19,13 +19,12 @@ inline Bytes FileBytes(const std::string& path)
     std::ifstream f(path, std::ios::binary);
     return Bytes(std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>());
 }
-
 inline void PutFile(const std::string& path, const Bytes& data)
 {
     std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(data.data()), data.size());
 }
-
-inline bool Exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+inline Bytes Cat(Bytes a, const Bytes& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
+inline unsigned long LE32(const unsigned char* b) { return b[0] | (b[1] << 8) | (b[2] << 16) | ((unsigned long)b[3] << 24); }
 
 // A temporary path that is removed again when the helper goes away.
 struct TempFile {
@@ -35,7 +34,7 @@ struct TempFile {
     vSTRING Name() const { return vSTRING((char*)"%s", path.c_str()); }
 };
 
-// A small deterministic generator (xorshift), so failures reproduce.
+// xorshift, so failures reproduce.
 struct Rng {
     unsigned int s;
     explicit Rng(unsigned int seed) : s(seed ? seed : 1) {}
@@ -54,7 +53,6 @@ inline Bytes Compressible(size_t n, unsigned int seed = 7)
     return out;
 }
 
-// Random bytes, which do not shrink.
 inline Bytes Incompressible(size_t n, unsigned int seed = 11)
 {
     Rng r(seed);
@@ -64,10 +62,7 @@ inline Bytes Incompressible(size_t n, unsigned int seed = 11)
     return out;
 }
 
-inline Bytes Cat(Bytes a, const Bytes& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
-
-// A stream on global memory; looked up at run time, as the test programs do
-// not link the OLE library.
+// Looked up at run time: the test programs do not link the OLE library.
 inline IStream* NewOleStream()
 {
     typedef HRESULT(WINAPI * Create)(HGLOBAL, BOOL, IStream**);
@@ -75,25 +70,6 @@ inline IStream* NewOleStream()
     IStream* s = nullptr;
     return create && create(nullptr, TRUE, &s) == S_OK ? s : nullptr;
 }
-
-inline Bytes OleBytes(IStream* s)
-{
-    STATSTG st;
-    s->Stat(&st, STATFLAG_NONAME);
-    Bytes out(st.cbSize.LowPart);
-    LARGE_INTEGER zero;
-    zero.QuadPart = 0;
-    s->Seek(zero, STREAM_SEEK_SET, nullptr);
-    ULONG got = 0;
-    s->Read(out.data(), (ULONG)out.size(), &got);
-    return out;
-}
-
-inline unsigned long LE32(const unsigned char* b)
-{
-    return b[0] | (b[1] << 8) | (b[2] << 16) | ((unsigned long)b[3] << 24);
-}
-
 } // namespace streamtest
 
 #endif

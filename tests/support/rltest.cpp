@@ -5,10 +5,8 @@
 
 namespace rltest {
 
-namespace {
-MessageBoxes* gBoxes = nullptr;
-DebugOutput* gOutput = nullptr;
-} // namespace
+static MessageBoxes* gBoxes = nullptr;
+static DebugOutput* gOutput = nullptr;
 
 int AnswerBox(HWND, const char* text, const char* caption, unsigned int type)
 {
@@ -22,11 +20,7 @@ int AnswerBox(HWND, const char* text, const char* caption, unsigned int type)
 MessageBoxes::MessageBoxes() { gBoxes = this; }
 MessageBoxes::~MessageBoxes() { gBoxes = nullptr; }
 
-DebugOutput::DebugOutput()
-{
-    gOutput = this;
-    handle_ = AddVectoredExceptionHandler(1, Handler);
-}
+DebugOutput::DebugOutput() : handle_((gOutput = this, AddVectoredExceptionHandler(1, Handler))) {}
 
 DebugOutput::~DebugOutput()
 {
@@ -37,20 +31,16 @@ DebugOutput::~DebugOutput()
 LONG CALLBACK DebugOutput::Handler(EXCEPTION_POINTERS* info)
 {
     // OutputDebugStringA raises DBG_PRINTEXCEPTION_C with (length, text).
-    if (info->ExceptionRecord->ExceptionCode == 0x40010006L && gOutput &&
-        info->ExceptionRecord->NumberParameters >= 2) {
-        const char* s = (const char*)info->ExceptionRecord->ExceptionInformation[1];
-        size_t n = (size_t)info->ExceptionRecord->ExceptionInformation[0];
-        if (s) {
-            std::string piece(s, n);
-            // The reported length includes the terminator.
-            while (!piece.empty() && piece.back() == 0)
-                piece.pop_back();
-            gOutput->writes_.push_back(piece);
-        }
-        return EXCEPTION_CONTINUE_EXECUTION;
+    const EXCEPTION_RECORD* r = info->ExceptionRecord;
+    if (r->ExceptionCode != 0x40010006L || !gOutput || r->NumberParameters < 2)
+        return EXCEPTION_CONTINUE_SEARCH;
+    if (const char* s = (const char*)r->ExceptionInformation[1]) {
+        std::string piece(s, (size_t)r->ExceptionInformation[0]);
+        while (!piece.empty() && piece.back() == 0)   // the reported length includes the terminator
+            piece.pop_back();
+        gOutput->writes_.push_back(piece);
     }
-    return EXCEPTION_CONTINUE_SEARCH;
+    return EXCEPTION_CONTINUE_EXECUTION;
 }
 
 std::string DebugOutput::Text() const

@@ -1,5 +1,4 @@
-// Shared test helpers: answering the library's message boxes, reading its trace
-// lines from the debugger-output channel, and finding data beside the tests.
+// Shared test helpers: the library's message boxes answered, its trace lines read, test data found.
 #ifndef RLTEST_H
 #define RLTEST_H
 #include <windows.h>
@@ -14,8 +13,7 @@ struct MessageBoxCall {
     unsigned int type;
 };
 
-// Records the library's boxes while it lives. No box ever waits for a person:
-// the answer defaults to IDOK for MB_OK boxes and IDRETRY otherwise.
+// Records the library's boxes while it lives; the answer defaults to IDOK for MB_OK, else IDRETRY.
 class MessageBoxes {
 public:
     MessageBoxes();
@@ -29,8 +27,7 @@ private:
     std::vector<MessageBoxCall> calls_;
 };
 
-// Collects what the library writes with OutputDebugStringA while it lives:
-// one piece per call, or all of it concatenated.
+// Collects what the library writes with OutputDebugStringA while it lives, piece by piece.
 class DebugOutput {
 public:
     DebugOutput();
