@@ -1,23 +1,102 @@
-// Text on a memory device, byte for byte against ExtTextOutA with the same
-// LOGFONT on the oracle bitmap at the place worked out here; ink is counted
-// inside and outside the box the text should occupy.
+// Font descriptions (sizes, comparison, stream form, the device's cache) and
+// text on a memory device, byte for byte against ExtTextOutA with the same
+// LOGFONT on the oracle bitmap at the place worked out here.
 #include <gtest/gtest.h>
 #include <algorithm>
-#include <cstring>
 #include <vector>
 #include "devcore_support.h"
+#include "rltest.h"
 
 using namespace devtest;
 
 namespace {
+vFONTSPEC Face(long size, vFONT_HEIGHT kind = vFH_PIXELS, vANGLE angle = vANGLE(0), int style = vFS_NORMAL,
+               const char* name = "DejaVu Sans")
+{
+    return vFONTSPEC(vSTRING(name), (vFONTSTYLE)style, vINT(size), vREAL(0), 0, kind, angle);
+}
+} // namespace
 
+// Points and pixels convert at the screen's 96 dpi, MulDiv rounding half away
+// from zero; setting one size field leaves the other.
+TEST(FontSpec, SizesInPointsOrPixels)
+{
+    HDC screen = GetDC(nullptr);
+    ASSERT_EQ(GetDeviceCaps(screen, LOGPIXELSY), 96);
+    ReleaseDC(nullptr, screen);
+    for (long px = -40; px <= 40; ++px) {
+        vFONTSPEC f = Face(px), g = Face(px, vFH_POINTS);
+        EXPECT_TRUE(!px || (f.Pixels() && !g.Pixels())) << px;
+        EXPECT_EQ(f.PointSize()(), (long)MulDiv((int)px, 72, 96)) << px;
+        EXPECT_EQ(f.PointSizeField(), vINT(0L));
+        EXPECT_EQ(g.Height()(), px ? (long)MulDiv((int)px, 96, 72) : 0L) << px;
+    }
+    vFONTSPEC points = Face(12, vFH_POINTS);
+    points.Height(vINT(20L));
+    EXPECT_FALSE(points.Pixels());
+    EXPECT_EQ(points.Height(), vINT(20L));
+    EXPECT_EQ(points.PointSize(), vINT(12L));
+}
+
+TEST(FontSpec, ComparesEveryFieldAndStreamsThemInOrder)
+{
+    const vFONTSPEC base(vSTRING("Times"), vFS_ITALIC, vINT(10L), vREAL::FromRaw(0x18000), 5, vFH_POINTS,
+                         vANGLE::FromRaw(-0x5A0000));
+    vFONTSPEC other[6] = {base, base, base, base, base, base};
+    other[0].Name(vSTRING("times"));
+    other[1].Style(vFS_BOLD);
+    other[2].PointSize(vINT(11L));
+    other[3].Height(vINT(1L));
+    other[4].Expansion(vREAL::FromRaw(0x18001));
+    other[5].Angle(vANGLE(45));
+    for (const vFONTSPEC& o : other)
+        EXPECT_TRUE(o != base && !(o == base));
+    vMEMSTREAM m;
+    base >> m;
+    const unsigned char expect[] = {5, 0, 'T', 'i', 'm', 'e', 's', 4, 0, 10, 0, 0, 0, 0,    0,    0, 0,
+                                    0, 0x80, 1, 0, 0, 0, 0xA6, 0xFF};
+    ASSERT_EQ(m.Size(), sizeof expect);
+    EXPECT_EQ(memcmp(m.Buffer(), expect, sizeof expect), 0);
+    m.MoveFromStart(0);
+    vFONTSPEC back;
+    back << m;
+    EXPECT_TRUE(back == base);
+}
+
+// A new description is made and traced once; returning to one already made
+// finds the same entry and says so.
+TEST(FontSpec, DeviceCacheFindsEntriesAgain)
+{
+    unsigned short level = vSYSTEM::GetTraceLevel();
+    vSYSTEM::SetTraceLevel(1);
+    {
+        rltest::DebugOutput out;
+        vMEMDEVICE d(vINT(10L), vINT(10L));
+        vFONTSPEC start = d.FontSpec(), a = Face(10, vFH_POINTS), b = Face(10, vFH_POINTS, vANGLE(90));
+        const vFONTSPEC* steps[] = {&a, &a, &b, &a, &start, &b};
+        const char* traces[] = {"vDEVICE - New Font", "", "vDEVICE - New Font", "vDEVICE::Found Font",
+                                "vDEVICE::Found Font", "vDEVICE::Found Font"};
+        vFONTDETAIL* seen[6];
+        for (int i = 0; i < 6; ++i) {
+            out.Clear();
+            d.FontSpec(*steps[i]);
+            std::string text = out.Text();
+            EXPECT_EQ(text.find(*traces[i] ? traces[i] : "Font") != std::string::npos, *traces[i] != 0) << i << text;
+            seen[i] = d.GetCurFontDetail();
+            EXPECT_TRUE(*seen[i] == *steps[i]);
+        }
+        EXPECT_TRUE(seen[0] == seen[1] && seen[0] == seen[3] && seen[2] == seen[5] && seen[0] != seen[2]);
+    }
+    vSYSTEM::SetTraceLevel(level);
+}
+
+namespace {
 const COLORREF kInk = RGB(200, 30, 40);
-const unsigned long kWhite = 0xFFFFFF;
 
 // The device with a font and the line colour set, and the oracle beside it
-// with the same font selected and the same text colour.
+// with the same font and text colour.
 struct SCENE {
-    SCENE(long w, long h, const vFONTSPEC& desc) : device(vINT(w), vINT(h)), oracle(nullptr), font(nullptr)
+    SCENE(long w, long h, const vFONTSPEC& desc) : device(vINT(w), vINT(h))
     {
         device.FontSpec(desc);
         device.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(200, 30, 40), vINT(1L)));
@@ -29,12 +108,7 @@ struct SCENE {
         SetTextColor(oracle->dc, kInk);
         GetTextMetricsA(oracle->dc, &tm);
     }
-    ~SCENE()
-    {
-        SelectObject(oracle->dc, oldFont);
-        DeleteObject(font);
-        delete oracle;
-    }
+    ~SCENE() { SelectObject(oracle->dc, oldFont), DeleteObject(font), delete oracle; }
     long Width(const char* s)
     {
         SIZE size = {0, 0};
@@ -50,11 +124,10 @@ struct SCENE {
     void ExpectInkOnlyIn(long x0, long y0, long x1, long y1)
     {
         int w = (int)device.Width()(), h = (int)device.Height()();
-        int all = Ink(device, 0, 0, w, h, kWhite);
         int inside = Ink(device, (int)std::max(0L, x0), (int)std::max(0L, y0), (int)std::min((long)w, x1),
-                         (int)std::min((long)h, y1), kWhite);
+                         (int)std::min((long)h, y1), 0xFFFFFF);
         EXPECT_GT(inside, 0) << "no text to be seen";
-        EXPECT_EQ(all, inside) << "ink outside (" << x0 << ", " << y0 << ") - (" << x1 << ", " << y1 << ")";
+        EXPECT_EQ(Ink(device, 0, 0, w, h, 0xFFFFFF), inside) << "ink outside (" << x0 << ", " << y0 << ")";
     }
     vMEMDEVICE device;
     ORACLE* oracle;
@@ -62,29 +135,15 @@ struct SCENE {
     HGDIOBJ oldFont;
     TEXTMETRICA tm;
 };
-
-vFONTSPEC Face(long pixels, vANGLE angle = vANGLE(0), int style = vFS_NORMAL)
-{
-    return vFONTSPEC(vSTRING("DejaVu Sans"), (vFONTSTYLE)style, vINT(pixels), vREAL(0), 0, vFH_PIXELS, angle);
-}
-
 } // namespace
 
 // Runs on a baseline, plain and with the distance to each next character
-// given, at 1:1 and at 192 logical units per inch (the advances summed
-// before they are scaled).
+// given, at 1:1 and at 192 units per inch (the advances summed, then scaled).
 TEST(Text, RunsOnABaselineMatchGdi)
 {
-    struct Case {
-        long units;
-        long x, y;
-        std::vector<short> advances;
-        const char* text;
-    } const cases[] = {
-        {96, 5, 25, {}, "Hello, world"},
-        {96, 0, 14, {10, 12, 8, 9, 11}, "Ab%yq"},
-        {96, -7, 30, {20, -5, 20}, "WiW"},
-        {192, 20, 60, {}, "Scaled text"},
+    struct Case { long units, x, y; std::vector<short> advances; const char* text; } const cases[] = {
+        {96, 5, 25, {}, "Hello, world"},  {96, 0, 14, {10, 12, 8, 9, 11}, "Ab%yq"},
+        {96, -7, 30, {20, -5, 20}, "WiW"}, {192, 20, 60, {}, "Scaled text"},
         {192, 30, 50, {21, 21, 21, 21, 21, 21}, "spaced"},
     };
     for (const Case& c : cases) {
@@ -92,10 +151,10 @@ TEST(Text, RunsOnABaselineMatchGdi)
         SCENE s(160, 40, Face(18));
         s.device.LogUnitsPerHorzInch(vINT(c.units));
         s.device.LogUnitsPerVertInch(vINT(c.units));
-        EXPECT_EQ(s.device.DrawTextOnLine(vSTRING("%s", c.text), P(c.x, c.y), c.advances.empty() ? nullptr : c.advances.data()), 1);
-        long x = Map(c.x, 0, 96, c.units), y = Map(c.y, 0, 96, c.units);
+        EXPECT_EQ(s.device.DrawTextOnLine(vSTRING("%s", c.text), P(c.x, c.y),
+                                          c.advances.empty() ? nullptr : c.advances.data()), 1);
+        long x = Map(c.x, 0, 96, c.units), y = Map(c.y, 0, 96, c.units), sum = 0, prev = 0;
         std::vector<INT> dx;
-        long sum = 0, prev = 0;
         for (short a : c.advances) {
             sum += a;
             dx.push_back((INT)(Map(sum, 0, 96, c.units) - prev));
@@ -106,17 +165,17 @@ TEST(Text, RunsOnABaselineMatchGdi)
         long width = c.advances.empty() ? s.Width(c.text) : prev + s.tm.tmMaxCharWidth;
         s.ExpectInkOnlyIn(x, y - s.tm.tmAscent, x + width + 1, y + s.tm.tmDescent);
     }
-    // One character, and a background left alone when transparency is on.
-    SCENE s(40, 40, Face(30, vANGLE(0), vFS_BOLD));
-    s.device.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(0, 0, 255), vCOLOUR(0, 0, 255)));
+    // One character over a background left alone when transparency is on.
+    SCENE s(40, 40, Face(30, vFH_PIXELS, vANGLE(0), vFS_BOLD));
+    PlainFill(s.device, vCOLOUR(0, 0, 255));
     s.device.LineSpec(vLINESPEC(vLT_NONE, vCOLOUR(200, 30, 40)));
     s.device.DrawRect(R(0, 0, 39, 39));
     s.device.Transparency(1);
     EXPECT_EQ(s.device.DrawChar(vCHAR('g'), P(8, 28)), 1);
-    HBRUSH blue = CreateSolidBrush(RGB(0, 0, 255));
-    RECT all = {0, 0, 39, 39};
-    FillRect(s.oracle->dc, &all, blue);
-    DeleteObject(blue);
+    {
+        WITHBRUSH blue(s.oracle->dc, RGB(0, 0, 255));
+        Rectangle(s.oracle->dc, 0, 0, 40, 40);
+    }
     SetBkMode(s.oracle->dc, TRANSPARENT);
     s.Run(8, 28, TA_BASELINE | TA_LEFT, "g");
     EXPECT_TRUE(SameBytes(s.device, *s.oracle));
@@ -126,21 +185,20 @@ TEST(Text, RunsOnABaselineMatchGdi)
 TEST(Text, PlacedInARectangle)
 {
     const char* text = "Ag Placed";
-    const int hs[] = {vTA_LEFT, vTA_CENTRE, vTA_RIGHT};
-    const int vs[] = {vTA_TOP, vTA_MIDDLE, vTA_BOTTOM, vTA_BASELINE};
-    for (int h : hs) {
-        for (int v : vs) {
+    for (int h : {vTA_LEFT, vTA_CENTRE, vTA_RIGHT})
+        for (int v : {vTA_TOP, vTA_MIDDLE, vTA_BOTTOM, vTA_BASELINE}) {
             SCOPED_TRACE(testing::Message() << "align " << (h | v));
             SCENE s(140, 60, Face(15));
             EXPECT_EQ(s.device.DrawTextA(vSTRING(text), R(10, 5, 129, 54), (vTEXTALIGN)(h | v)), 1);
             long w = s.Width(text), lh = s.tm.tmHeight + s.tm.tmExternalLeading;
             long x = h == vTA_LEFT ? 10 : h == vTA_CENTRE ? 10 + (120 - w) / 2 : 130 - w;
-            long y = v == vTA_TOP ? 5 : v == vTA_MIDDLE ? 5 + (50 - lh) / 2 : v == vTA_BOTTOM ? 55 - lh
-                                                                                         : 55 - s.tm.tmAscent;
+            long y = v == vTA_TOP      ? 5
+                     : v == vTA_MIDDLE ? 5 + (50 - lh) / 2
+                     : v == vTA_BOTTOM ? 55 - lh
+                                       : 55 - s.tm.tmAscent;
             IntersectClipRect(s.oracle->dc, 10, 5, 130, 55);
             s.Run(x, y, TA_TOP | TA_LEFT, text);
             EXPECT_TRUE(SameBytes(s.device, *s.oracle));
             s.ExpectInkOnlyIn(x, std::max(5L, y), x + w, std::min(55L, y + s.tm.tmHeight));
         }
-    }
 }
