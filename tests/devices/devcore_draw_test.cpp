@@ -1,5 +1,6 @@
-// The device's drawing members and clip rectangles by their pixels against the
-// plain GDI calls that draw the same thing on a second surface.
+// The device's mapping over generated values, its adoption of a caller's
+// mapping, the state stacks, and its drawing members and clip rectangles by
+// their pixels against the plain GDI calls on a second surface.
 #include <gtest/gtest.h>
 #include "devcore_support.h"
 
@@ -15,15 +16,91 @@ void Units(vDEVICE& d, long h, long v, long ox, long oy)
 }
 } // namespace
 
+TEST(DeviceMapping, ResolutionsOriginsAndRounding)
+{
+    SURFACE s(8, 8);
+    DEVICE d(s.dc);
+    EXPECT_EQ(d.LogUnitsPerHorzInch(), vINT(96L));
+    EXPECT_TRUE(d.LPtoDP(P(-1, -2)) == P(0, -1));  // negative values pulled one step toward zero
+    EXPECT_TRUE(d.DPtoLP(P(-1, -50)) == P(0, -49));
+    d.LogUnitsPerHorzInch(vINT(600L));
+    d.LogUnitsPerHorzInch(vINT(0L));  // refused
+    EXPECT_EQ(d.LogUnitsPerHorzInch(), vINT(600L));
+    for (long u : {1L, 72L, 96L, 254L, 300L, 1200L, -254L})
+        for (long o : {0L, 13L, -40L}) {
+            Units(d, u, 2 * u, o, -o);
+            for (long v = -300; v <= 300; v += 37) {
+                vPOINT p = d.LPtoDP(P(v, v)), q = d.DPtoLP(P(v, v));
+                ASSERT_TRUE(p.x() == Map(v, o, 96, u) && p.y() == Map(v, -o, 96, 2 * u)) << u << " " << o << " " << v;
+                ASSERT_TRUE(q.x() == Map(v, 0, u, 96) - o && q.y() == Map(v, 0, 2 * u, 96) + o) << u << " " << v;
+                ASSERT_TRUE(d.LHtoDH(vINT(v))() == Map(v, 0, 96, u) && d.LVtoDV(vINT(v))() == Map(v, 0, 96, 2 * u));
+                ASSERT_TRUE(d.DHtoLH(vINT(v))() == Map(v, 0, u, 96) && d.DVtoLV(vINT(v))() == Map(v, 0, 2 * u, 96));
+            }
+        }
+}
+
+// The caller's mapping becomes the logical system, drawing is in pixels, and
+// the caller gets its mapping back; an upward y axis gives a negative resolution.
+TEST(DeviceMapping, DeviceOverAContextAdoptsItsMapping)
+{
+    SURFACE got(64, 64), want(64, 64), up(64, 64);
+    SetMapMode(got.dc, MM_ANISOTROPIC);
+    SetWindowExtEx(got.dc, 300, 300, nullptr);
+    SetViewportExtEx(got.dc, 96, 96, nullptr);
+    SetWindowOrgEx(got.dc, 50, 20, nullptr);
+    SetViewportOrgEx(got.dc, 10, 5, nullptr);
+    POINT zero = {0, 0}, org;
+    DPtoLP(got.dc, &zero, 1);
+    {
+        DEVICE d(got.dc);
+        EXPECT_TRUE(d.LogUnitsPerVertInch() == vINT(300L) && d.Origin() == P(-zero.x, -zero.y));
+        EXPECT_EQ(GetMapMode(got.dc), MM_TEXT);
+        PlainFill(d, vCOLOUR(0, 0, 0));
+        d.DrawRect(R(100, 60, 240, 200));
+    }
+    GetWindowOrgEx(got.dc, &org);
+    EXPECT_TRUE(GetMapMode(got.dc) == MM_ANISOTROPIC && org.x == 50);
+    {
+        WITHBRUSH brush(want.dc, RGB(0, 0, 0));
+        long ox = -zero.x, oy = -zero.y;
+        Rectangle(want.dc, Map(100, ox, 96, 300), Map(60, oy, 96, 300), Map(240, ox, 96, 300) + 1,
+                  Map(200, oy, 96, 300) + 1);
+    }
+    EXPECT_TRUE(Same(got, want));
+    SetMapMode(up.dc, MM_LOMETRIC);
+    SetViewportOrgEx(up.dc, 0, 60, nullptr);
+    DEVICE d(up.dc);
+    vPOINT p = d.LPtoDP(P(0, 100));
+    EXPECT_TRUE(d.LogUnitsPerVertInch()() < 0 && p.y() < 60 && p.y() > 0) << p.y();
+}
+
+// A pop of the state brings back clip area, fill, line and font; each stack pops once per push.
+TEST(DeviceState, PushAndPopStateRestoreAllFour)
+{
+    SURFACE s(32, 32);
+    DEVICE d(s.dc);
+    const vLINESPEC line(vLT_DASH2, vCOLOUR(1, 2, 3), vINT(4L));
+    const vFILLSPEC fill(vFT_SOLID, vCOLOUR(200, 0, 0), vCOLOUR(0, 0, 9));
+    const vFONTSPEC font(vSTRING("Arial"), vFS_BOLD, vINT(12L), vREAL(0), 0, vFH_POINTS, vANGLE(0));
+    d.ClipArea(R(4, 4, 20, 20)), d.LineSpec(line), d.FillSpec(fill), d.FontSpec(font);
+    EXPECT_EQ(d.PushState(), 1);
+    d.ClipArea(R(10, 10, 32, 32)), d.LineSpec(vLINESPEC(vLT_NONE)), PlainFill(d, vCOLOUR(0, 0, 0));
+    d.FontSpec(vFONTSPEC(vSTRING("Times"), vFS_NORMAL, vINT(20L), vREAL(0), 0, vFH_PIXELS, vANGLE(0)));
+    EXPECT_EQ(d.PopState(), 1);
+    EXPECT_TRUE(d.LineSpec() == line && d.FillSpec() == fill && d.FontSpec() == font);
+    EXPECT_TRUE(d.ClipArea() == R(4, 4, 21, 21));
+    EXPECT_EQ(d.PushFontSpec() + d.PopFontSpec() + d.PopFontSpec(), 2);
+    EXPECT_EQ(d.PopLineSpec() + d.PopFillSpec() + d.PopClipArea() + d.PopState(), 0);
+}
+
 // Rectangles (right and bottom edge covered) and ellipses (not), also reaching
 // into negative coordinates, under several resolutions and origins.
 TEST(DeviceDraw, PlainFillsMatchGdiUnderEveryMapping)
 {
     struct MAPCASE { long h, v, ox, oy; } const maps[] = {
         {96, 96, 0, 0}, {300, 300, 0, 0}, {72, 72, 5, -3}, {600, 150, -40, 25}, {254, 100, 17, 9}};
-    const vRECT rects[] = {R(3, 4, 40, 30), R(-12, -7, 25, 18), R(10, 10, 10, 10), R(0, 0, 63, 47)};
     for (const MAPCASE& m : maps)
-        for (const vRECT& r : rects)
+        for (const vRECT& r : {R(3, 4, 40, 30), R(-12, -7, 25, 18), R(10, 10, 10, 10), R(0, 0, 63, 47)})
             for (int ellipse = 0; ellipse < 2; ++ellipse) {
                 SURFACE got(64, 48), want(64, 48);
                 {
@@ -64,8 +141,7 @@ TEST(DeviceDraw, OnePixelLinesIncludeTheirLastPixel)
             c.AddPoint(P(p.x, p.y));
         c.AddPoint(P(0, 0));  // beyond the count: not drawn
         EXPECT_EQ(d.DrawLine(vINT(6L), c), 1);
-        EXPECT_TRUE(Same(args, want)) << u;
-        EXPECT_TRUE(Same(coll, want)) << u;
+        EXPECT_TRUE(Same(args, want) && Same(coll, want)) << u;
     }
     SURFACE got(32, 32), want(32, 32);
     DEVICE d(got.dc);
@@ -85,8 +161,7 @@ TEST(DeviceClip, RectanglesNarrowTheAreaAndReadBack)
         SURFACE got(64, 64), want(64, 64);
         DEVICE d(got.dc);
         Units(d, c.units, c.units, c.ox, c.oy);
-        EXPECT_EQ(d.ClipArea(R(5, 5, 90, 90)), 1);
-        EXPECT_EQ(d.ClipArea(R(30, 10, 120, 110)), 1);
+        EXPECT_TRUE(d.ClipArea(R(5, 5, 90, 90)) == 1 && d.ClipArea(R(30, 10, 120, 110)) == 1);
         PlainFill(d, vCOLOUR(20, 180, 60));
         d.DrawRect(d.DPtoLP(R(0, 0, 64, 64)));
         auto mx = [&](long v) { return (int)Map(v, c.ox, 96, c.units); };

@@ -39,7 +39,7 @@ int PlateOf(const vCOLOUR& c, int current)
 {
     int ink[4] = {c.Cyan(), c.Magenta(), c.Yellow(), c.Black()}, hundreds = 0, zeros = 0, which = -1;
     for (int i = 0; i < 4; ++i)
-        ink[i] == 100 ? (++hundreds, which = i) : ink[i] == 0 ? ++zeros : 0;
+        hundreds += ink[i] == 100, zeros += ink[i] == 0, which = ink[i] == 100 ? i : which;
     return hundreds == 1 && zeros == 3 ? which : current;
 }
 
@@ -53,25 +53,17 @@ struct EXPECTED { vCOLOUR colour; int visible; };
 // The rules, step by step; `sep` is the plate colour.
 EXPECTED Rules(int mode, const vCOLOUR& sep, int knockOut, int overprint, int plate, vCOLOUR c, int visibleBefore)
 {
-    int process = mode == 2 || (mode == 4 && !sep.Spot() && !c.Spot());
-    int spot = mode == 3 || (mode == 4 && !process);
-    if (mode == 0)
-        return {c, 1};
-    if (mode == 1)
-        return {AtLevel(sep, c.GreyScale()), 1};
-    if (process) {
-        unsigned long level[5] = {c.Cyan(), c.Magenta(), c.Yellow(), c.Black(), 0};
-        return {AtLevel(sep, level[plate >= 0 && plate < 4 ? plate : 4]), 1};
-    }
-    if (spot) {
-        bool same = c.Value() == sep.Value() && c.GetNativeFormat() == sep.GetNativeFormat() &&
-                    c.GetTint() == sep.GetTint();
-        if (same || (sep.GetNativeFormat() != vRGB && c.IsTintOfBlack()))
-            return {AtLevel(sep, c.GetTint()), 1};
-        int hidden = !knockOut || (overprint && c.GreyScale() >= 98);
-        return {AtLevel(sep, 0), hidden ? 0 : 1};
-    }
-    return {vCOLOUR(vRGB, 0, 0, 0), visibleBefore};
+    int process = mode == 2 || (mode == 4 && !sep.Spot() && !c.Spot()), spot = mode == 3 || (mode == 4 && !process);
+    unsigned long level[5] = {c.Cyan(), c.Magenta(), c.Yellow(), c.Black(), 0};
+    if (mode == 0 || mode == 1 || process)
+        return {mode == 0 ? c : AtLevel(sep, mode == 1 ? c.GreyScale() : level[plate >= 0 && plate < 4 ? plate : 4]),
+                1};
+    if (!spot)
+        return {vCOLOUR(vRGB, 0, 0, 0), visibleBefore};
+    if ((c.Value() == sep.Value() && c.GetNativeFormat() == sep.GetNativeFormat() && c.GetTint() == sep.GetTint()) ||
+        (sep.GetNativeFormat() != vRGB && c.IsTintOfBlack()))
+        return {AtLevel(sep, c.GetTint()), 1};
+    return {AtLevel(sep, 0), !knockOut || (overprint && c.GreyScale() >= 98) ? 0 : 1};
 }
 } // namespace
 

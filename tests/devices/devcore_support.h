@@ -31,10 +31,9 @@ public:
     std::uint32_t Pixel(int x, int y) const
     {
         GdiFlush();
-        const unsigned char* row =
-            static_cast<const unsigned char*>(bits) + (size_t)(bottomUp ? height - 1 - y : y) * stride;
         std::uint32_t v = 0;
-        memcpy(&v, row + (depth == 8 ? x : 4 * x), depth == 8 ? 1 : 4);
+        memcpy(&v, static_cast<const unsigned char*>(bits) + (size_t)(bottomUp ? height - 1 - y : y) * stride +
+                       (depth == 8 ? x : 4 * x), depth == 8 ? 1 : 4);
         return v & 0xFFFFFFu;
     }
     // Pixels in [x0, x1) x [y0, y1) that are not `background`.
@@ -65,10 +64,8 @@ private:
     }
     void Make(const DIBINFO& info, unsigned char fill)
     {
-        width = info.h.biWidth;
-        bottomUp = info.h.biHeight > 0;
+        width = info.h.biWidth, bottomUp = info.h.biHeight > 0, depth = info.h.biBitCount;
         height = bottomUp ? info.h.biHeight : -info.h.biHeight;
-        depth = info.h.biBitCount;
         stride = ((width * depth + 31) / 32) * 4;
         dc = CreateCompatibleDC(nullptr);
         bitmap = CreateDIBSection(dc, (const BITMAPINFO*)&info, DIB_RGB_COLORS, &bits, nullptr, 0);
@@ -158,12 +155,9 @@ inline ::testing::AssertionResult SameBytes(vMEMDEVICE& device, const SURFACE& w
 // the index at 8; and its pixels in [x0, x1) x [y0, y1) other than `background`.
 inline unsigned long Pixel(vMEMDEVICE& d, int x, int y)
 {
-    int h = (int)d.Height()(), w = (int)d.Width()();
-    unsigned long stride = ((unsigned long)w * d.BitsPerPixel() + 31) / 32 * 4;
-    const unsigned char* row = d.GetDIB() + (unsigned long)(h - 1 - y) * stride;
-    if (d.BitsPerPixel() == 8)
-        return row[x];
-    return (row[4 * x] | row[4 * x + 1] << 8 | (unsigned long)row[4 * x + 2] << 16);
+    unsigned long bpp = d.BitsPerPixel(), stride = ((unsigned long)d.Width()() * bpp + 31) / 32 * 4;
+    const unsigned char* p = d.GetDIB() + (unsigned long)(d.Height()() - 1 - y) * stride + x * bpp / 8;
+    return bpp == 8 ? p[0] : (p[0] | p[1] << 8 | (unsigned long)p[2] << 16);
 }
 
 inline int Ink(vMEMDEVICE& d, int x0, int y0, int x1, int y1, unsigned long background)
@@ -178,8 +172,7 @@ inline int Ink(vMEMDEVICE& d, int x0, int y0, int x1, int y1, unsigned long back
 // Logical to device as the mapping defines it, in 64-bit arithmetic.
 inline long Map(long l, long origin, long device, long logical)
 {
-    long long n = (long long)(l + origin) * device + (logical + 1) / 2;
-    return (long)(n / logical);
+    return (long)(((long long)(l + origin) * device + (logical + 1) / 2) / logical);
 }
 
 inline vRECT R(long l, long t, long r, long b) { return vRECT(vINT(l), vINT(t), vINT(r), vINT(b)); }
@@ -205,8 +198,7 @@ inline void PlainFill(vDEVICE& d, const vCOLOUR& c)
     d.LineSpec(vLINESPEC(vLT_NONE));
 }
 
-// One-pixel pen path through the points as GDI is asked for it, with the last
-// pixel set on its own.
+// The one-pixel pen path through the points, with the last pixel set on its own.
 inline void OraclePolyline(HDC dc, const POINT* p, int n, COLORREF c)
 {
     WITHPEN pen(dc, 1, c);

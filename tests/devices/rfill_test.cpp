@@ -37,16 +37,8 @@ void Fill(DEVICE& d, int type, COLORREF c1, COLORREF c2, int angle = 0)
     d.LineSpec(vLINESPEC(vLT_NONE));
 }
 
-// Draws the oracle under the clip region, then lifts it.
-template <class F> void Under(HDC dc, HRGN rgn, F draw)
-{
-    SelectClipRgn(dc, rgn);
-    draw();
-    SelectClipRgn(dc, nullptr);
-    DeleteObject(rgn);
-}
-
-// ---- the banding rules, worked out here --------------------------------
+// Selects the region as the oracle's clip area, for the oracle drawn after it.
+void Under(HDC dc, HRGN rgn) { SelectClipRgn(dc, rgn), DeleteObject(rgn); }
 
 long Dist(POINT a, POINT b)
 {
@@ -93,12 +85,10 @@ int LinearOracle(HDC dc, RECT box, int type, int angle, COLORREF c1, COLORREF c2
         p0 = turn(-hx, -hy), p2 = turn(hx, hy), p3 = turn(-hx, hy);
     }
     long ex = p2.x - p3.x, ey = p2.y - p3.y;
-    long bands = std::min(n, Dist(p2, p3) / (quality == 0 ? 3 : 7));
-    if (bands < 3)
-        bands = 2;
+    long bands = std::max(2L, std::min(n, Dist(p2, p3) / (quality == 0 ? 3 : 7)));
     for (long i = 0; i <= bands; ++i) {
-        long ox = MulDiv(ex, i, bands + 1), oy = MulDiv(ey, i, bands + 1);
-        long qx = MulDiv(ex, i + 1, bands + 1), qy = MulDiv(ey, i + 1, bands + 1);
+        long ox = MulDiv(ex, i, bands + 1), oy = MulDiv(ey, i, bands + 1), qx = MulDiv(ex, i + 1, bands + 1),
+             qy = MulDiv(ey, i + 1, bands + 1);
         int t = (int)i, m = (int)bands;
         if (type == 4)
             t = (int)(bands - std::labs(2 * i - bands));
@@ -144,8 +134,7 @@ HBRUSH EntryBrush(const unsigned char rows[8])
         words[i] = rows[i];  // the row byte, then a zero byte
     HBITMAP bm = CreateBitmap(8, 8, 1, 1, words);
     HBRUSH b = CreatePatternBrush(bm);
-    DeleteObject(bm);
-    return b;
+    return DeleteObject(bm), b;
 }
 } // namespace
 
@@ -156,9 +145,9 @@ TEST(FillRender, BrushFillsPaintThePolygonsWithTheirBrush)
     struct CASE { int type, hatch; unsigned char rows[8]; } const cases[] = {
         {1, -1, {}}, {8, HS_HORIZONTAL, {}}, {9, HS_VERTICAL, {}}, {10, HS_FDIAGONAL, {}}, {11, HS_BDIAGONAL, {}},
         {12, HS_CROSS, {}}, {13, HS_DIAGCROSS, {}},
-        {15, -1, {0xff, 0xff, 0xef, 0xff, 0xff, 0xff, 0xfe, 0xff}}, {20, -1, {0x00, 0x55, 0x00, 0x55, 0x00, 0x55, 0x00, 0x55}},
-        {30, -1, {0x83, 0x27, 0x72, 0x38, 0x1c, 0x4e, 0xe4, 0xc1}}, {38, -1, {0x00, 0xdd, 0xbb, 0x77, 0x00, 0x77, 0xbb, 0xdd}},
-        {39, -1, {0xee, 0xdd, 0xbb, 0x77, 0xee, 0xdd, 0xbb, 0x77}}, {50, -1, {0xef, 0xef, 0xef, 0x00, 0xef, 0xef, 0xef, 0xef}},
+        {15, -1, {0xff, 0xff, 0xef, 0xff, 0xff, 0xff, 0xfe, 0xff}}, {20, -1, {0, 0x55, 0, 0x55, 0, 0x55, 0, 0x55}},
+        {30, -1, {0x83, 0x27, 0x72, 0x38, 0x1c, 0x4e, 0xe4, 0xc1}}, {38, -1, {0, 0xdd, 0xbb, 0x77, 0, 0x77, 0xbb, 0xdd}},
+        {39, -1, {0xee, 0xdd, 0xbb, 0x77, 0xee, 0xdd, 0xbb, 0x77}}, {50, -1, {0xef, 0xef, 0xef, 0, 0xef, 0xef, 0xef, 0xef}},
     };
     for (const CASE& k : cases) {
         SURFACE got(120, 100), want(120, 100);
@@ -185,10 +174,9 @@ TEST(FillRender, GradedFillsAreTheirBands)
                     d.SetGradQuality((vGRAD_QUALITY)quality);
                     Fill(d, type, pair[0], pair[1], angle);
                     EXPECT_EQ(d.DrawShape(Holed()), 1);
-                    Under(want.dc, CreatePolyPolygonRgn(kPts, kCounts, 2, ALTERNATE), [&] {
-                        int bands = LinearOracle(want.dc, {4, 8, 110, 90}, type, angle, pair[0], pair[1], quality);
-                        EXPECT_TRUE(pair[0] != pair[1] || bands == 2);
-                    });
+                    Under(want.dc, CreatePolyPolygonRgn(kPts, kCounts, 2, ALTERNATE));
+                    int bands = LinearOracle(want.dc, {4, 8, 110, 90}, type, angle, pair[0], pair[1], quality);
+                    EXPECT_TRUE(pair[0] != pair[1] || bands == 2);
                     EXPECT_TRUE(Same(got, want)) << "type " << type << " angle " << angle << " quality " << quality;
                 }
     // Radial: the shape is the box itself; the point count follows the radius.
@@ -206,9 +194,8 @@ TEST(FillRender, GradedFillsAreTheirBands)
                 vSHAPE s;
                 AddContour(s, {{q[0].x, q[0].y}, {q[1].x, q[1].y}, {q[2].x, q[2].y}, {q[3].x, q[3].y}});
                 EXPECT_EQ(d.DrawShape(s), 1);
-                Under(want.dc, CreatePolygonRgn(q, 4, ALTERNATE), [&] {
-                    EXPECT_EQ(RadialOracle(want.dc, b, type, RGB(250, 240, 20), RGB(20, 0, 120), quality), k.points);
-                });
+                Under(want.dc, CreatePolygonRgn(q, 4, ALTERNATE));
+                EXPECT_EQ(RadialOracle(want.dc, b, type, RGB(250, 240, 20), RGB(20, 0, 120), quality), k.points);
                 EXPECT_TRUE(Same(got, want)) << "radial " << type << " quality " << quality << " w " << b.right;
             }
 }

@@ -23,20 +23,13 @@ void Outline(DEVICE& d, const vSHAPE& s, vLINETYPE type, COLORREF c, long width,
 void Quad(HDC dc, PT a, PT b, long w)
 {
     long dx = b.x - a.x, dy = b.y - a.y, px = 0, py = 0;
-    if (dx == 0)
-        px = w;
-    else if (dy == 0)
-        py = w;
-    else {
-        long len = std::lround(std::sqrt((double)(dx * dx + dy * dy)));
-        px = (w * std::labs(dy) + len / 2) / len;
-        py = (std::labs(dx) * w + len / 2) / len;
-    }
-    long x1 = px >> 1, y1 = py >> 1, x2 = px - x1, y2 = py - y1;
-    if (dy < 0)
-        x1 = -x1, x2 = -x2;
-    if (dx > 0)
-        y1 = -y1, y2 = -y2;
+    long len = std::lround(std::sqrt((double)(dx * dx + dy * dy)));
+    if (dx == 0 || dy == 0)
+        px = dx == 0 ? w : 0, py = dy == 0 ? w : 0;
+    else
+        px = (w * std::labs(dy) + len / 2) / len, py = (std::labs(dx) * w + len / 2) / len;
+    long sx = dy < 0 ? -1 : 1, sy = dx > 0 ? -1 : 1;
+    long x1 = sx * (px >> 1), y1 = sy * (py >> 1), x2 = sx * (px - (px >> 1)), y2 = sy * (py - (py >> 1));
     POINT q[4] = {{a.x + x1, a.y + y1}, {a.x - x2, a.y - y2}, {b.x - x2, b.y - y2}, {b.x + x1, b.y + y1}};
     Polygon(dc, q, 4);
 }
@@ -64,8 +57,7 @@ TEST(LineRender, WidePiecesAreTheQuadrilateralsOfTheWidthRule)
             Outline(d, Path({e[0], e[1]}), vLT_SOLID, RGB(200, 30, 40), w);
             WITHBRUSH b(want.dc, RGB(200, 30, 40));
             Quad(want.dc, e[0], e[1], w);
-            EXPECT_TRUE(Same(got, want)) << "width " << w << " from " << e[0].x << "," << e[0].y << " to " << e[1].x
-                                         << "," << e[1].y;
+            EXPECT_TRUE(Same(got, want)) << "width " << w << " from " << e[0].x << "," << e[0].y << " to " << e[1].x;
         }
 }
 
@@ -85,12 +77,9 @@ TEST(LineRender, DashLengthsFollowThePattern)
                 long len[6];
                 for (int i = 0; i < 6; ++i)
                     len[i] = d.LineSpec().Pattern((unsigned short)i) * ((w + 1) >> 1);
-                for (int i = 0; dashType == 2 && i < 6; i += 2) {
-                    if (len[i] > 0)
-                        len[i] += w;
-                    if (len[i] - w > 0)
+                for (int i = 0; dashType == 2 && i < 6; i += 2)
+                    if ((len[i] += len[i] > 0 ? w : 0) - w > 0)
                         len[i + 1] = len[i] - w;
-                }
                 WITHBRUSH br(want.dc, RGB(0, 128, 0));
                 for (long i = 0, at = 0, to; at < 240; i = (i + 1) % 6, at = to) {
                     to = std::min(240L, at + len[i]);
@@ -117,8 +106,8 @@ void CALLBACK BlockDot(int x, int y, LPARAM)
 // walk otherwise.
 TEST(LineRender, ThinOutlinesArePenRunsOrBlocks)
 {
-    const std::vector<PT> open = {{10, 10}, {60, 15}, {30, 70}, {80, 90}}, closed = {{70, 10}, {110, 30}, {90, 60}};
-    const std::vector<PT> path = {{10, 10}, {70, 10}, {70, 60}, {20, 85}, {20, 30}, {5, 30}};
+    const std::vector<PT> open = {{10, 10}, {60, 15}, {30, 70}, {80, 90}}, closed = {{70, 10}, {110, 30}, {90, 60}},
+                          path = {{10, 10}, {70, 10}, {70, 60}, {20, 85}, {20, 30}, {5, 30}};
     for (long w : {1L, 2L, 3L}) {
         SURFACE got(120, 100), want(120, 100), gotBlocks(100, 100), wantBlocks(100, 100);
         DEVICE d(got.dc), b(gotBlocks.dc);
@@ -129,9 +118,7 @@ TEST(LineRender, ThinOutlinesArePenRunsOrBlocks)
                 MoveToEx(want.dc, (*c)[0].x, (*c)[0].y, nullptr);
                 for (size_t i = 1; i < c->size(); ++i)
                     LineTo(want.dc, (*c)[i].x, (*c)[i].y);
-                PT last = c == &closed ? (*c)[0] : c->back();
-                if (c == &closed)
-                    LineTo(want.dc, last.x, last.y);
+                PT last = c == &closed ? (LineTo(want.dc, (*c)[0].x, (*c)[0].y), (*c)[0]) : c->back();
                 SetPixel(want.dc, last.x, last.y, RGB(0, 0, 0));
             }
         }
@@ -185,33 +172,25 @@ TEST(LineRender, ClipAreaByShapeMatchesGdiRegions)
     }
 }
 
-namespace {
-// The points of a shape as (x, y, flags) triples, then its bounding box.
-std::vector<long> Table(const vSHAPE& s)
-{
-    std::vector<long> v;
-    for (unsigned short i = 0; i < s.NoPoint(); ++i)
-        v.insert(v.end(), {s[i].point.x(), s[i].point.y(), (long)s[i].flags});
-    const vRECT& b = s.BoundBox();
-    v.insert(v.end(), {b.left(), b.top(), b.right(), b.bottom(), (long)s.Closed()});
-    return v;
-}
-} // namespace
-
+// The rectangle's corners; the ellipse's Bezier points from the top centre,
+// control offsets 0.27614 of the size, truncated toward zero (100 x 50: 27 and 13).
 TEST(Shape, RectangleAndEllipseTables)
 {
-    EXPECT_EQ((std::vector<long>{10, 20, 9, 110, 20, 8, 110, 70, 8, 10, 70, 10, 10, 20, 110, 70, 1}),
-              Table(vRECTSHAPE(R(10, 20, 110, 70))));
-    // 100 x 50: control offsets 100 * 0.27614 = 27 and 50 * 0.27614 = 13 (truncated).
-    vELPSSHAPE e(R(0, 0, 100, 50));
+    auto table = [](const vSHAPE& s) {
+        std::vector<long> v;
+        for (unsigned short i = 0; i < s.NoPoint(); ++i)
+            v.insert(v.end(), {s[i].point.x(), s[i].point.y(), (long)s[i].flags});
+        const vRECT& b = s.BoundBox();
+        v.insert(v.end(), {b.left(), b.top(), b.right(), b.bottom(), (long)s.Closed(), (long)s.NoOfContours()});
+        return v;
+    };
+    EXPECT_EQ((std::vector<long>{10, 20, 9, 110, 20, 8, 110, 70, 8, 10, 70, 10, 10, 20, 110, 70, 1, 1}),
+              table(vRECTSHAPE(R(10, 20, 110, 70))));
     EXPECT_EQ((std::vector<long>{50, 0, 0x11, 77, 0, 0x20, 100, 12, 0x20, 100, 25, 0x10, 100, 38, 0x20, 77, 50, 0x20,
                                  50, 50, 0x10, 23, 50, 0x20, 0, 38, 0x20, 0, 25, 0x12, 0, 12, 0x20, 23, 0, 0x20,
-                                 0, 0, 100, 50, 1}),
-              Table(e));
-    EXPECT_EQ(1, e.NoOfContours());
-    // Odd sizes round the centre up; right to left keeps the signs (offsets truncate toward zero).
+                                 0, 0, 100, 50, 1, 1}),
+              table(vELPSSHAPE(R(0, 0, 100, 50))));
+    // Odd sizes round the centre up; right to left keeps the signs.
     vELPSSHAPE odd(R(-7, -3, 0, 0)), back(R(100, 0, 0, 50));
-    EXPECT_EQ(-3, odd[0].point.x());
-    EXPECT_EQ(-1, odd[3].point.y());
-    EXPECT_EQ(50 - 27, back[1].point.x());
+    EXPECT_TRUE(odd[0].point.x() == -3 && odd[3].point.y() == -1 && back[1].point.x() == 50 - 27);
 }
