@@ -1,7 +1,10 @@
-// The memory device: its bitmap (size, depth, white start, refusals) and
-// drawing on it byte for byte against plain GDI on a second bitmap.
+// The memory device (its bitmap: size, depth, white start, refusals), font
+// descriptions (sizes, comparison, stream form, the device's cache), and
+// drawing and text on it byte for byte against plain GDI calls (ExtTextOutA
+// with the same LOGFONT) on a second bitmap.
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <vector>
 #include "devcore_support.h"
 
 using namespace devtest;
@@ -77,4 +80,163 @@ TEST(MemDevice, PrimitivesMatchGdi)
     Pie(want.dc, 32, 29, 52, 54, 52, 42, 42, 29);
     Chord(want.dc, 52, 29, 77, 54, 77, 42, 52, 42);
     EXPECT_TRUE(SameBytes(d, want));
+}
+
+namespace {
+vFONTSPEC Face(long size, vFONT_HEIGHT kind = vFH_PIXELS, vANGLE angle = vANGLE(0), int style = vFS_NORMAL,
+               const char* name = "DejaVu Sans")
+{
+    return vFONTSPEC(vSTRING(name), (vFONTSTYLE)style, vINT(size), vREAL(0), 0, kind, angle);
+}
+} // namespace
+
+// Points and pixels convert at the screen's 96 dpi, MulDiv rounding half away
+// from zero; setting one size field leaves the other.
+TEST(FontSpec, SizesInPointsOrPixels)
+{
+    HDC screen = GetDC(nullptr);
+    ASSERT_EQ(GetDeviceCaps(screen, LOGPIXELSY), 96);
+    ReleaseDC(nullptr, screen);
+    for (long px = -40; px <= 40; ++px) {
+        vFONTSPEC f = Face(px), g = Face(px, vFH_POINTS);
+        EXPECT_TRUE(!px || (f.Pixels() && !g.Pixels())) << px;
+        EXPECT_TRUE(f.PointSize()() == MulDiv((int)px, 72, 96) && f.PointSizeField() == vINT(0L)) << px;
+        EXPECT_EQ(g.Height()(), px ? (long)MulDiv((int)px, 96, 72) : 0L) << px;
+    }
+    vFONTSPEC points = Face(12, vFH_POINTS);
+    points.Height(vINT(20L));
+    EXPECT_FALSE(points.Pixels());
+    EXPECT_EQ(points.Height(), vINT(20L));
+    EXPECT_EQ(points.PointSize(), vINT(12L));
+}
+
+TEST(FontSpec, ComparesEveryFieldAndStreamsThemInOrder)
+{
+    const vFONTSPEC base(vSTRING("Times"), vFS_ITALIC, vINT(10L), vREAL::FromRaw(0x18000), 5, vFH_POINTS,
+                         vANGLE::FromRaw(-0x5A0000));
+    vFONTSPEC other[6] = {base, base, base, base, base, base};
+    other[0].Name(vSTRING("times"));
+    other[1].Style(vFS_BOLD);
+    other[2].PointSize(vINT(11L));
+    other[3].Height(vINT(1L));
+    other[4].Expansion(vREAL::FromRaw(0x18001));
+    other[5].Angle(vANGLE(45));
+    for (const vFONTSPEC& o : other)
+        EXPECT_TRUE(o != base && !(o == base));
+    vMEMSTREAM m;
+    base >> m;
+    const unsigned char expect[] = {5, 0, 'T', 'i', 'm', 'e', 's', 4, 0, 10, 0, 0, 0, 0, 0,
+                                    0, 0, 0, 0x80, 1, 0, 0, 0, 0xA6, 0xFF};
+    ASSERT_EQ(m.Size(), sizeof expect);
+    EXPECT_EQ(memcmp(m.Buffer(), expect, sizeof expect), 0);
+    m.MoveFromStart(0);
+    vFONTSPEC back;
+    back << m;
+    EXPECT_TRUE(back == base);
+}
+
+// A description made once is found again: the same entry, whatever came between.
+TEST(FontSpec, DeviceCacheFindsEntriesAgain)
+{
+    vMEMDEVICE d(vINT(10L), vINT(10L));
+    vFONTSPEC start = d.FontSpec(), a = Face(10, vFH_POINTS), b = Face(10, vFH_POINTS, vANGLE(90));
+    const vFONTSPEC* steps[] = {&start, &a, &a, &b, &a, &start, &b};
+    vFONTDETAIL* seen[7];
+    for (int i = 0; i < 7; ++i) {
+        d.FontSpec(*steps[i]);
+        EXPECT_TRUE(*(seen[i] = d.GetCurFontDetail()) == *steps[i]) << i;
+    }
+    EXPECT_TRUE(seen[1] == seen[2] && seen[1] == seen[4] && seen[3] == seen[6] && seen[0] == seen[5] && seen[1] != seen[3]);
+}
+
+namespace {
+// The device with a font and the line colour set, and the oracle beside it
+// with the same font and text colour.
+struct SCENE {
+    SCENE(long w, long h, const vFONTSPEC& desc) : device(vINT(w), vINT(h)), oracle(device, 0xFF)
+    {
+        device.FontSpec(desc);
+        device.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(200, 30, 40), vINT(1L)));
+        LOGFONTA lf;
+        EXPECT_EQ(device.GetCurFontDetail()->LogFont(lf), 1);
+        oldFont = SelectObject(oracle.dc, font = CreateFontIndirectA(&lf));
+        SetTextColor(oracle.dc, RGB(200, 30, 40));
+        GetTextMetricsA(oracle.dc, &tm);
+    }
+    ~SCENE() { SelectObject(oracle.dc, oldFont), DeleteObject(font); }
+    void Run(int x, int y, UINT align, const char* s, const INT* dx = nullptr)
+    {
+        SetTextAlign(oracle.dc, align);
+        ExtTextOutA(oracle.dc, x, y, 0, nullptr, s, (UINT)lstrlenA(s), dx);
+    }
+    vMEMDEVICE device;
+    ORACLE oracle;
+    HFONT font;
+    HGDIOBJ oldFont;
+    TEXTMETRICA tm;
+};
+} // namespace
+
+// Runs on a baseline, plain and with the distance to each next character
+// given, at 1:1 and at 192 units per inch (the advances summed, then scaled).
+TEST(Text, RunsOnABaselineMatchGdi)
+{
+    struct Case { long units, x, y; std::vector<short> advances; const char* text; } const cases[] = {
+        {96, 5, 25, {}, "Hello, world"},  {96, 0, 14, {10, 12, 8, 9, 11}, "Ab%yq"},
+        {96, -7, 30, {20, -5, 20}, "WiW"}, {192, 20, 60, {}, "Scaled text"},
+        {192, 30, 50, {21, 21, 21, 21, 21, 21}, "spaced"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        SCENE s(160, 40, Face(18));
+        s.device.LogUnitsPerHorzInch(vINT(c.units));
+        s.device.LogUnitsPerVertInch(vINT(c.units));
+        EXPECT_EQ(s.device.DrawTextOnLine(vSTRING("%s", c.text), P(c.x, c.y),
+                                          c.advances.empty() ? nullptr : c.advances.data()), 1);
+        long x = Map(c.x, 0, 96, c.units), y = Map(c.y, 0, 96, c.units), sum = 0, prev = 0;
+        std::vector<INT> dx;
+        for (short a : c.advances) {
+            sum += a;
+            dx.push_back((INT)(Map(sum, 0, 96, c.units) - prev));
+            prev = Map(sum, 0, 96, c.units);
+        }
+        s.Run(x, y, TA_BASELINE | TA_LEFT, c.text, dx.empty() ? nullptr : dx.data());
+        EXPECT_TRUE(SameBytes(s.device, s.oracle));
+        EXPECT_GT(Ink(s.device, 0, 0, 160, 40, 0xFFFFFF), 20);
+    }
+    // One character over a background left alone when transparency is on.
+    SCENE s(40, 40, Face(30, vFH_PIXELS, vANGLE(0), vFS_BOLD));
+    PlainFill(s.device, vCOLOUR(0, 0, 255));
+    s.device.LineSpec(vLINESPEC(vLT_NONE, vCOLOUR(200, 30, 40)));
+    s.device.DrawRect(R(0, 0, 39, 39));
+    s.device.Transparency(1);
+    EXPECT_EQ(s.device.DrawChar(vCHAR('g'), P(8, 28)), 1);
+    {
+        WITHBRUSH blue(s.oracle.dc, RGB(0, 0, 255));
+        Rectangle(s.oracle.dc, 0, 0, 40, 40);
+    }
+    SetBkMode(s.oracle.dc, TRANSPARENT);
+    s.Run(8, 28, TA_BASELINE | TA_LEFT, "g");
+    EXPECT_TRUE(SameBytes(s.device, s.oracle));
+}
+
+// Every horizontal and vertical placement in a rectangle, edges included.
+TEST(Text, PlacedInARectangle)
+{
+    const char* text = "Ag Placed";
+    for (int h : {vTA_LEFT, vTA_CENTRE, vTA_RIGHT})
+        for (int v : {vTA_TOP, vTA_MIDDLE, vTA_BOTTOM, vTA_BASELINE}) {
+            SCOPED_TRACE(testing::Message() << "align " << (h | v));
+            SCENE s(140, 60, Face(15));
+            EXPECT_EQ(s.device.DrawTextA(vSTRING(text), R(10, 5, 129, 54), (vTEXTALIGN)(h | v)), 1);
+            SIZE size = {0, 0};
+            GetTextExtentPoint32A(s.oracle.dc, text, lstrlenA(text), &size);
+            long w = size.cx, lh = s.tm.tmHeight + s.tm.tmExternalLeading;
+            long x = h == vTA_LEFT ? 10 : h == vTA_CENTRE ? 10 + (120 - w) / 2 : 130 - w;
+            long y = v == vTA_TOP ? 5 : v == vTA_MIDDLE ? 5 + (50 - lh) / 2 : 55 - (v == vTA_BOTTOM ? lh : s.tm.tmAscent);
+            IntersectClipRect(s.oracle.dc, 10, 5, 130, 55);
+            s.Run(x, y, TA_TOP | TA_LEFT, text);
+            EXPECT_TRUE(SameBytes(s.device, s.oracle));
+            EXPECT_GT(Ink(s.device, 0, 0, 140, 60, 0xFFFFFF), 20);
+        }
 }

@@ -138,29 +138,6 @@ HBRUSH EntryBrush(const unsigned char rows[8])
 }
 } // namespace
 
-// Solid, hatched and pattern-entry fills (entries by their row bytes, top row first).
-TEST(FillRender, BrushFillsPaintThePolygonsWithTheirBrush)
-{
-    const COLORREF colour = RGB(200, 40, 90);
-    struct CASE { int type, hatch; unsigned char rows[8]; } const cases[] = {
-        {1, -1, {}}, {8, HS_HORIZONTAL, {}}, {9, HS_VERTICAL, {}}, {10, HS_FDIAGONAL, {}}, {11, HS_BDIAGONAL, {}},
-        {12, HS_CROSS, {}}, {13, HS_DIAGCROSS, {}},
-        {15, -1, {0xff, 0xff, 0xef, 0xff, 0xff, 0xff, 0xfe, 0xff}}, {20, -1, {0, 0x55, 0, 0x55, 0, 0x55, 0, 0x55}},
-        {30, -1, {0x83, 0x27, 0x72, 0x38, 0x1c, 0x4e, 0xe4, 0xc1}}, {38, -1, {0, 0xdd, 0xbb, 0x77, 0, 0x77, 0xbb, 0xdd}},
-        {39, -1, {0xee, 0xdd, 0xbb, 0x77, 0xee, 0xdd, 0xbb, 0x77}}, {50, -1, {0xef, 0xef, 0xef, 0, 0xef, 0xef, 0xef, 0xef}},
-    };
-    for (const CASE& k : cases) {
-        SURFACE got(120, 100), want(120, 100);
-        DEVICE d(got.dc);
-        Fill(d, k.type, colour, RGB(0, 0, 0));
-        EXPECT_EQ(d.DrawShape(Holed()), 1);
-        PaintHoled(want.dc, k.hatch >= 0 ? CreateHatchBrush(k.hatch, colour)
-                            : k.rows[0] | k.rows[1] ? EntryBrush(k.rows) : CreateSolidBrush(colour));
-        EXPECT_TRUE(Same(got, want)) << k.type;
-        EXPECT_GT(got.Count(0xFFFFFF), 150);
-    }
-}
-
 TEST(FillRender, GradedFillsAreTheirBands)
 {
     const COLORREF pairs[][2] = {{RGB(255, 0, 0), RGB(0, 0, 255)}, {RGB(30, 30, 30), RGB(220, 220, 220)},
@@ -200,9 +177,32 @@ TEST(FillRender, GradedFillsAreTheirBands)
             }
 }
 
-// A bitmap fill tiles the fill's own image, as a packed DIB pattern brush does.
-TEST(FillRender, BitmapFillsTileTheFillsImage)
+// Solid, hatched and pattern-entry fills (entries by their row bytes, top row
+// first), and a bitmap fill tiling its image as a packed DIB pattern brush does.
+TEST(FillRender, BrushFillsPaintThePolygonsWithTheirBrush)
 {
+    auto check = [](const vFILLSPEC& spec, HBRUSH brush, int minInk) {
+        SURFACE got(120, 100), want(120, 100);
+        DEVICE d(got.dc);
+        d.FillSpec(spec);
+        d.LineSpec(vLINESPEC(vLT_NONE));
+        EXPECT_EQ(d.DrawShape(Holed()), 1);
+        PaintHoled(want.dc, brush);
+        EXPECT_TRUE(Same(got, want)) << spec.Type();
+        EXPECT_GT(got.Count(0xFFFFFF), minInk);
+    };
+    const vCOLOUR colour(200, 40, 90);
+    struct CASE { int type, hatch; unsigned char rows[8]; } const cases[] = {
+        {1, -1, {}}, {8, HS_HORIZONTAL, {}}, {9, HS_VERTICAL, {}}, {10, HS_FDIAGONAL, {}}, {11, HS_BDIAGONAL, {}},
+        {12, HS_CROSS, {}}, {13, HS_DIAGCROSS, {}},
+        {15, -1, {0xff, 0xff, 0xef, 0xff, 0xff, 0xff, 0xfe, 0xff}}, {20, -1, {0, 0x55, 0, 0x55, 0, 0x55, 0, 0x55}},
+        {30, -1, {0x83, 0x27, 0x72, 0x38, 0x1c, 0x4e, 0xe4, 0xc1}}, {38, -1, {0, 0xdd, 0xbb, 0x77, 0, 0x77, 0xbb, 0xdd}},
+        {39, -1, {0xee, 0xdd, 0xbb, 0x77, 0xee, 0xdd, 0xbb, 0x77}}, {50, -1, {0xef, 0xef, 0xef, 0, 0xef, 0xef, 0xef, 0xef}},
+    };
+    for (const CASE& k : cases)
+        check(vFILLSPEC((vFILLTYPE)k.type, colour, vCOLOUR(0, 0, 0)),
+              k.hatch >= 0 ? CreateHatchBrush(k.hatch, RGB(200, 40, 90))
+              : k.rows[0] | k.rows[1] ? EntryBrush(k.rows) : CreateSolidBrush(RGB(200, 40, 90)), 150);
     std::vector<unsigned char> packed(sizeof(BITMAPINFOHEADER) + 24 * 8);
     BITMAPINFOHEADER h = {sizeof h, 8, 8, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
     memcpy(packed.data(), &h, sizeof h);
@@ -214,13 +214,6 @@ TEST(FillRender, BitmapFillsTileTheFillsImage)
         }
     oMEMDIB dib(8, 8, 24, oCM_RGB24, 0);
     ASSERT_NE(dib.SetImageLines(rows, oCM_RGB24, 0, 7), 0);
-    SURFACE got(120, 100), want(120, 100);
-    DEVICE d(got.dc);
-    d.FillSpec(vFILLSPEC(dib));
-    d.LineSpec(vLINESPEC(vLT_NONE));
-    ASSERT_EQ(d.FillSpec().Type(), vFT_BITMAP);
-    EXPECT_EQ(d.DrawShape(Holed()), 1);
-    PaintHoled(want.dc, CreateDIBPatternBrushPt(packed.data(), DIB_RGB_COLORS));
-    EXPECT_TRUE(Same(got, want));
-    EXPECT_GT(got.Count(0xFFFFFF), 4000);
+    ASSERT_EQ(vFILLSPEC(dib).Type(), vFT_BITMAP);
+    check(vFILLSPEC(dib), CreateDIBPatternBrushPt(packed.data(), DIB_RGB_COLORS), 4000);
 }
