@@ -11,8 +11,8 @@ using namespace devtest;
 
 TEST(MemDevice, BitmapOfTheScreensDepthStartsWhite)
 {
-    struct Case { long w, h; int ok; } const cases[] = {
-        {1, 1, 1}, {3, 2, 1}, {17, 5, 1}, {32767, 1, 1}, {0, 5, 0}, {5, 0, 0}, {-3, 4, 0}, {32768, 2, 0}, {2, 32768, 0}};
+    struct Case { long w, h; int ok; } const cases[] = {{1, 1, 1}, {3, 2, 1}, {17, 5, 1}, {32767, 1, 1}, {0, 5, 0},
+                                                        {5, 0, 0}, {-3, 4, 0}, {32768, 2, 0}, {2, 32768, 0}};
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.w << " x " << c.h);
         vMEMDEVICE d(vINT(c.w), vINT(c.h));
@@ -20,9 +20,7 @@ TEST(MemDevice, BitmapOfTheScreensDepthStartsWhite)
             EXPECT_TRUE(d.GetDIB() == nullptr && d.Bitmap() == nullptr && d.BufferSize() == 0);
             continue;
         }
-        ASSERT_NE(d.GetDIB(), nullptr);
-        EXPECT_EQ(d.BitsPerPixel(), 32);  // the headless screen's depth
-        ASSERT_EQ(d.BufferSize(), (unsigned long)(c.w * 4 * c.h));
+        ASSERT_TRUE(d.GetDIB() && d.BitsPerPixel() == 32 && d.BufferSize() == (unsigned long)(c.w * 4 * c.h));
         EXPECT_EQ(std::count(d.GetDIB(), d.GetDIB() + d.BufferSize(), 0xFF), (long)d.BufferSize());
         DIBSECTION ds;
         ASSERT_EQ(GetObjectA(d.Bitmap(), sizeof ds, &ds), (int)sizeof ds);
@@ -33,12 +31,10 @@ TEST(MemDevice, BitmapOfTheScreensDepthStartsWhite)
     PlainFill(d, vCOLOUR(0, 0, 0));
     d.DrawRect(R(0, 0, 7, 7));
     EXPECT_EQ(Ink(d, 0, 0, 8, 8, 0xFFFFFF), 49);
-    EXPECT_EQ(d.Prepare(vINT(20L), vINT(3L)), 1);
-    EXPECT_EQ(Ink(d, 0, 0, 20, 3, 0xFFFFFF), 0);
+    EXPECT_TRUE(d.Prepare(vINT(20L), vINT(3L)) == 1 && Ink(d, 0, 0, 20, 3, 0xFFFFFF) == 0);
     d.DrawRect(R(2, 0, 4, 2));
     EXPECT_EQ(Ink(d, 0, 0, 20, 3, 0xFFFFFF), 4);
-    EXPECT_EQ(d.Prepare(vINT(0L), vINT(3L)), 0);
-    EXPECT_EQ(d.GetDIB(), nullptr);
+    EXPECT_TRUE(d.Prepare(vINT(0L), vINT(3L)) == 0 && d.GetDIB() == nullptr);
     EXPECT_EQ(d.DrawRect(R(2, 0, 4, 2)), 1);  // drawn into nothing, harmlessly
     // The true-colour screen has no palette, and enabling one changes nothing.
     vSCREEN& screen = vDEVICE::GetScreen();
@@ -58,15 +54,12 @@ TEST(MemDevice, PrimitivesMatchGdi)
     d.Origin(P(4, -2));  // device = (logical + origin) / 2
     vCOLOUR c(200, 30, 40);
     COLORREF rgb = RGB(200, 30, 40);
-    d.FillSpec(vFILLSPEC(vFT_SOLID, c, c));
-    d.LineSpec(vLINESPEC(vLT_NONE, c));
-    EXPECT_EQ(d.DrawRect(R(2, 6, 60, 40)), 1);
-    EXPECT_EQ(d.DrawEllipse(R(70, 2, 150, 50)), 1);
+    PlainFill(d, c);
+    EXPECT_TRUE(d.DrawRect(R(2, 6, 60, 40)) == 1 && d.DrawEllipse(R(70, 2, 150, 50)) == 1);
     d.LineSpec(vLINESPEC(vLT_SOLID, c, vINT(1L)));
-    EXPECT_EQ(d.DrawLine(P(0, 110), P(150, 60)), 1);
-    EXPECT_EQ(d.DrawArc(R(0, 60, 60, 100), P(60, 80), P(0, 80)), 1);
-    EXPECT_EQ(d.DrawPie(R(60, 60, 100, 110), P(100, 85), P(80, 60)), 1);
-    EXPECT_EQ(d.DrawChord(R(100, 60, 150, 110), P(150, 85), P(100, 85)), 1);
+    EXPECT_TRUE(d.DrawLine(P(0, 110), P(150, 60)) == 1 && d.DrawArc(R(0, 60, 60, 100), P(60, 80), P(0, 80)) == 1);
+    EXPECT_TRUE(d.DrawPie(R(60, 60, 100, 110), P(100, 85), P(80, 60)) == 1 &&
+                d.DrawChord(R(100, 60, 150, 110), P(150, 85), P(100, 85)) == 1);
     {
         WITHBRUSH fill(want.dc, rgb);
         Rectangle(want.dc, 3, 2, 33, 20);
@@ -105,9 +98,7 @@ TEST(FontSpec, SizesInPointsOrPixels)
     }
     vFONTSPEC points = Face(12, vFH_POINTS);
     points.Height(vINT(20L));
-    EXPECT_FALSE(points.Pixels());
-    EXPECT_EQ(points.Height(), vINT(20L));
-    EXPECT_EQ(points.PointSize(), vINT(12L));
+    EXPECT_TRUE(!points.Pixels() && points.Height() == vINT(20L) && points.PointSize() == vINT(12L));
 }
 
 TEST(FontSpec, ComparesEveryFieldAndStreamsThemInOrder)
@@ -146,7 +137,8 @@ TEST(FontSpec, DeviceCacheFindsEntriesAgain)
         d.FontSpec(*steps[i]);
         EXPECT_TRUE(*(seen[i] = d.GetCurFontDetail()) == *steps[i]) << i;
     }
-    EXPECT_TRUE(seen[1] == seen[2] && seen[1] == seen[4] && seen[3] == seen[6] && seen[0] == seen[5] && seen[1] != seen[3]);
+    EXPECT_TRUE(seen[1] == seen[2] && seen[1] == seen[4] && seen[3] == seen[6] && seen[0] == seen[5]);
+    EXPECT_TRUE(seen[1] != seen[3] && seen[0] != seen[1]);
 }
 
 namespace {
@@ -233,7 +225,8 @@ TEST(Text, PlacedInARectangle)
             GetTextExtentPoint32A(s.oracle.dc, text, lstrlenA(text), &size);
             long w = size.cx, lh = s.tm.tmHeight + s.tm.tmExternalLeading;
             long x = h == vTA_LEFT ? 10 : h == vTA_CENTRE ? 10 + (120 - w) / 2 : 130 - w;
-            long y = v == vTA_TOP ? 5 : v == vTA_MIDDLE ? 5 + (50 - lh) / 2 : 55 - (v == vTA_BOTTOM ? lh : s.tm.tmAscent);
+            long y = v == vTA_TOP ? 5 : v == vTA_MIDDLE ? 5 + (50 - lh) / 2 : v == vTA_BOTTOM ? 55 - lh
+                                                                                         : 55 - s.tm.tmAscent;
             IntersectClipRect(s.oracle.dc, 10, 5, 130, 55);
             s.Run(x, y, TA_TOP | TA_LEFT, text);
             EXPECT_TRUE(SameBytes(s.device, s.oracle));

@@ -16,10 +16,8 @@ PALETTEENTRY Expected(int i, const PALETTEENTRY* high)
     int r = 0, g = 0, b = 0;
     if (i >= 20 && i <= 235)
         r = kCube[(i - 20) / 36], g = kCube[(i - 20) / 6 % 6], b = kCube[(i - 20) % 6];
-    else if (i >= 12 && i <= 19)
-        r = g = b = kGrey[i - 12];
-    else if (i >= 236 && i <= 243)
-        r = g = b = kGrey[i - 228];
+    else if ((i >= 12 && i <= 19) || (i >= 236 && i <= 243))
+        r = g = b = kGrey[i < 20 ? i - 12 : i - 228];
     else if (i == 245)
         r = 157, g = 233, b = 199;
     for (int s = 0; s < 10; ++s)
@@ -34,13 +32,9 @@ PALETTEENTRY Expected(int i, const PALETTEENTRY* high)
 TEST(Screen8, PaletteFromTheSystemsReservedColours)
 {
     vSCREEN& screen = vDEVICE::GetScreen();
-    EXPECT_EQ(screen.NoColours(), 256u);
-    EXPECT_EQ(screen.GetNoColours()(), 8);
-    EXPECT_EQ(screen.PaletteEnabled(), 1);
-    ASSERT_NE(vSCREEN::Palette(), nullptr);
+    EXPECT_TRUE(screen.NoColours() == 256u && screen.GetNoColours()() == 8 && screen.PaletteEnabled() == 1);
     const LOGPALETTE* log = vSCREEN::LogPalette();
-    ASSERT_NE(log, nullptr);
-    ASSERT_TRUE(log->palVersion == 0x300 && log->palNumEntries == 256);
+    ASSERT_TRUE(vSCREEN::Palette() && log && log->palVersion == 0x300 && log->palNumEntries == 256);
     HDC dc = GetDC(nullptr);
     ASSERT_EQ(GetDeviceCaps(dc, SIZEPALETTE), 256);
     PALETTEENTRY sys[256], made[256];
@@ -60,9 +54,7 @@ TEST(Screen8, PaletteFromTheSystemsReservedColours)
 TEST(MemDevice8, PaletteIndexWhiteAndTheScreensColours)
 {
     vMEMDEVICE d(vINT(13L), vINT(7L));
-    ASSERT_NE(d.GetDIB(), nullptr);
-    EXPECT_EQ(d.BitsPerPixel(), 8);
-    ASSERT_EQ(d.BufferSize(), 16u * 7u);
+    ASSERT_TRUE(d.GetDIB() && d.BitsPerPixel() == 8 && d.BufferSize() == 16u * 7u);
     for (unsigned long i = 0; i < d.BufferSize(); ++i)
         ASSERT_EQ(d.GetDIB()[i], 235) << i;
     RGBQUAD table[256];
@@ -83,11 +75,10 @@ TEST(MemDevice8, PrimitivesMatchGdi)
         vMEMDEVICE d(vINT(64L), vINT(48L));
         ORACLE want(d, 235);
         PlainFill(d, c);
-        EXPECT_EQ(d.DrawRect(R(3, 4, 30, 20)), 1);
-        EXPECT_EQ(d.DrawEllipse(R(33, 2, 60, 25)), 1);
+        EXPECT_TRUE(d.DrawRect(R(3, 4, 30, 20)) == 1 && d.DrawEllipse(R(33, 2, 60, 25)) == 1);
         d.LineSpec(vLINESPEC(vLT_SOLID, c, vINT(1L)));
-        EXPECT_EQ(d.DrawArc(R(2, 26, 30, 46), P(30, 36), P(2, 36)), 1);
-        EXPECT_EQ(d.DrawPie(R(34, 26, 62, 46), P(62, 36), P(48, 26)), 1);
+        EXPECT_TRUE(d.DrawArc(R(2, 26, 30, 46), P(30, 36), P(2, 36)) == 1 &&
+                    d.DrawPie(R(34, 26, 62, 46), P(62, 36), P(48, 26)) == 1);
         {
             WITHBRUSH b(want.dc, rgb);
             Rectangle(want.dc, 3, 4, 31, 21);
@@ -102,8 +93,7 @@ TEST(MemDevice8, PrimitivesMatchGdi)
     ORACLE want(d, 235);
     const PALETTEENTRY& e = vSCREEN::LogPalette()->palPalEntry[57];
     d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(e.peRed, e.peGreen, e.peBlue), vINT(1L)));
-    EXPECT_EQ(d.DrawLine(P(1, 1), P(38, 20)), 1);
-    EXPECT_EQ(d.DrawLine(3, P(5, 28), P(20, 3), P(35, 28)), 1);
+    EXPECT_TRUE(d.DrawLine(P(1, 1), P(38, 20)) == 1 && d.DrawLine(3, P(5, 28), P(20, 3), P(35, 28)) == 1);
     const POINT a[] = {{1, 1}, {38, 20}}, b[] = {{5, 28}, {20, 3}, {35, 28}};
     OraclePolyline(want.dc, a, 2, RGB(e.peRed, e.peGreen, e.peBlue));
     OraclePolyline(want.dc, b, 3, RGB(e.peRed, e.peGreen, e.peBlue));
