@@ -44,51 +44,44 @@ vSHAPE Path(const std::vector<PT>& a, bool closed = false, const std::vector<PT>
 }
 } // namespace
 
-// Pieces along both axes both ways and on 3-4-5 slants, at widths drawn as
-// polygons (5 gets square ends forced, 12 asks for them).
-TEST(LineRender, WidePiecesAreTheQuadrilateralsOfTheWidthRule)
+// Solid pieces along both axes both ways and on 3-4-5 slants, at widths drawn
+// as polygons (5 gets square ends forced, 12 asks for them); dashes at width
+// 12, each on entry scaled by half the width, dash type 2 growing the on
+// entries by the width and making the off entries the unwidened on lengths.
+TEST(LineRender, WidePiecesAndDashesAreTheQuadrilateralsOfTheWidthRule)
 {
+    struct CASE { vLINETYPE type; int dash; long w; PT a, b; };
+    std::vector<CASE> cases;
     const PT ends[][2] = {{{20, 40}, {90, 40}}, {{90, 50}, {20, 50}}, {{40, 10}, {40, 70}}, {{50, 70}, {50, 10}},
                           {{20, 10}, {50, 50}}, {{80, 70}, {50, 30}}, {{10, 60}, {90, 0}},  {{70, 10}, {10, 90}}};
     for (long w : {4L, 5L, 12L, 13L})
-        for (const auto& e : ends) {
-            SURFACE got(100, 100), want(100, 100);
-            DEVICE d(got.dc);
-            Outline(d, Path({e[0], e[1]}), vLT_SOLID, RGB(200, 30, 40), w);
-            WITHBRUSH b(want.dc, RGB(200, 30, 40));
-            Quad(want.dc, e[0], e[1], w);
-            EXPECT_TRUE(Same(got, want)) << "width " << w << " from " << e[0].x << "," << e[0].y << " to " << e[1].x;
+        for (const auto& e : ends)
+            cases.push_back({vLT_SOLID, 1, w, e[0], e[1]});
+    for (int dash : {1, 2})
+        for (vLINETYPE type : {vLT_DASH1, vLT_DASH2, vLT_DASH4}) {
+            cases.push_back({type, dash, 12, {10, 40}, {250, 40}});
+            cases.push_back({type, dash, 12, {40, 250}, {40, 10}});
         }
-}
-
-// Dashes at width 12: each on entry, scaled by half the width, is one
-// quadrilateral; dash type 2 grows the on entries by the width and makes the
-// off entries the unwidened on lengths.
-TEST(LineRender, DashLengthsFollowThePattern)
-{
-    const long w = 12;
-    for (int dashType : {1, 2})
-        for (vLINETYPE type : {vLT_DASH1, vLT_DASH2, vLT_DASH4})
-            for (int vertical = 0; vertical < 2; ++vertical) {
-                SURFACE got(260, 260), want(260, 260);
-                DEVICE d(got.dc);
-                PT a = vertical ? PT{40, 250} : PT{10, 40}, b = vertical ? PT{40, 10} : PT{250, 40};
-                Outline(d, Path({a, b}), type, RGB(0, 128, 0), w, dashType);
-                long len[6];
-                for (int i = 0; i < 6; ++i)
-                    len[i] = d.LineSpec().Pattern((unsigned short)i) * ((w + 1) >> 1);
-                for (int i = 0; dashType == 2 && i < 6; i += 2)
-                    if ((len[i] += len[i] > 0 ? w : 0) - w > 0)
-                        len[i + 1] = len[i] - w;
-                WITHBRUSH br(want.dc, RGB(0, 128, 0));
-                for (long i = 0, at = 0, to; at < 240; i = (i + 1) % 6, at = to) {
-                    to = std::min(240L, at + len[i]);
-                    if (i % 2 == 0 && to > at)
-                        Quad(want.dc, vertical ? PT{a.x, a.y - at} : PT{a.x + at, a.y},
-                             vertical ? PT{a.x, a.y - to} : PT{a.x + to, a.y}, w);
-                }
-                EXPECT_TRUE(Same(got, want)) << "type " << type << " dash " << dashType << " vertical " << vertical;
-            }
+    for (const CASE& k : cases) {
+        SURFACE got(260, 260), want(260, 260);
+        DEVICE d(got.dc);
+        Outline(d, Path({k.a, k.b}), k.type, RGB(200, 30, 40), k.w, k.dash);
+        WITHBRUSH br(want.dc, RGB(200, 30, 40));
+        if (k.type == vLT_SOLID)
+            Quad(want.dc, k.a, k.b, k.w);
+        long len[6], total = std::labs(k.b.x - k.a.x) + std::labs(k.b.y - k.a.y);
+        long ux = (k.b.x - k.a.x) / total, uy = (k.b.y - k.a.y) / total;  // dashes run along an axis
+        for (int i = 0; i < 6; ++i)
+            len[i] = d.LineSpec().Pattern((unsigned short)i) * ((k.w + 1) >> 1);
+        for (int i = 0; k.dash == 2 && i < 6; i += 2)
+            if ((len[i] += len[i] > 0 ? k.w : 0) - k.w > 0)
+                len[i + 1] = len[i] - k.w;
+        for (long i = 0, at = 0, to; k.type != vLT_SOLID && at < total; i = (i + 1) % 6, at = to)
+            if ((to = std::min(total, at + len[i])) > at && i % 2 == 0)
+                Quad(want.dc, {k.a.x + ux * at, k.a.y + uy * at}, {k.a.x + ux * to, k.a.y + uy * to}, k.w);
+        EXPECT_TRUE(Same(got, want)) << "type " << k.type << " dash " << k.dash << " width " << k.w << " from "
+                                     << k.a.x << "," << k.a.y << " to " << k.b.x << "," << k.b.y;
+    }
 }
 
 namespace {
