@@ -1,7 +1,6 @@
 // Drawing surfaces for the device tests: a DIB section selected into a memory
-// context, whose pixels are read back after GdiFlush. The same surface type
-// serves the device under test and the oracle (plain GDI calls); ORACLE is
-// the one beside a vMEMDEVICE, with its bitmap's header and colour table.
+// context, read back after GdiFlush. The device under test and the oracle
+// (plain GDI calls) use the same type; ORACLE copies a vMEMDEVICE's header and colours.
 #ifndef DEVCORE_SUPPORT_H
 #define DEVCORE_SUPPORT_H
 #include <windows.h>
@@ -13,27 +12,15 @@
 
 namespace devtest {
 
-struct DIBINFO {
-    BITMAPINFOHEADER h;
-    RGBQUAD colours[256];
-};
+struct DIBINFO { BITMAPINFOHEADER h; RGBQUAD colours[256]; };
 
 class SURFACE {
 public:
     // 32 bits per pixel, or 8 with the palette given (256 entries); top-down.
     SURFACE(int w, int h, int bpp = 32, const RGBQUAD* palette = nullptr) { Make(Info(w, h, bpp, palette), 0xFF); }
     SURFACE(const DIBINFO& info, unsigned char fill) { Make(info, fill); }
-    ~SURFACE()
-    {
-        SelectObject(dc, old);
-        DeleteObject(bitmap);
-        DeleteDC(dc);
-    }
-    void Clear(unsigned char byte)
-    {
-        GdiFlush();
-        memset(bits, byte, (size_t)stride * height);
-    }
+    ~SURFACE() { SelectObject(dc, old), DeleteObject(bitmap), DeleteDC(dc); }
+    void Clear(unsigned char byte) { GdiFlush(), memset(bits, byte, (size_t)stride * height); }
     std::vector<unsigned char> Bytes() const
     {
         GdiFlush();
@@ -44,12 +31,9 @@ public:
     std::uint32_t Pixel(int x, int y) const
     {
         GdiFlush();
-        const unsigned char* row =
-            static_cast<const unsigned char*>(bits) + (size_t)(bottomUp ? height - 1 - y : y) * stride;
-        if (depth == 8)
-            return row[x];
-        std::uint32_t v;
-        memcpy(&v, row + 4 * x, 4);
+        std::uint32_t v = 0;
+        memcpy(&v, static_cast<const unsigned char*>(bits) + (size_t)(bottomUp ? height - 1 - y : y) * stride +
+                       (depth == 8 ? x : 4 * x), depth == 8 ? 1 : 4);
         return v & 0xFFFFFFu;
     }
     // Pixels in [x0, x1) x [y0, y1) that are not `background`.
@@ -72,25 +56,16 @@ public:
 private:
     static DIBINFO Info(int w, int h, int bpp, const RGBQUAD* palette)
     {
-        DIBINFO info;
-        memset(&info, 0, sizeof info);
-        info.h.biSize = sizeof(BITMAPINFOHEADER);
-        info.h.biWidth = w;
-        info.h.biHeight = -h;
-        info.h.biPlanes = 1;
-        info.h.biBitCount = (WORD)bpp;
-        if (bpp == 8) {
-            info.h.biClrUsed = 256;
+        DIBINFO info = {};
+        info.h = {sizeof(BITMAPINFOHEADER), w, -h, 1, (WORD)bpp, BI_RGB, 0, 0, 0, bpp == 8 ? 256u : 0u, 0};
+        if (bpp == 8)
             memcpy(info.colours, palette, sizeof info.colours);
-        }
         return info;
     }
     void Make(const DIBINFO& info, unsigned char fill)
     {
-        width = info.h.biWidth;
-        bottomUp = info.h.biHeight > 0;
+        width = info.h.biWidth, bottomUp = info.h.biHeight > 0, depth = info.h.biBitCount;
         height = bottomUp ? info.h.biHeight : -info.h.biHeight;
-        depth = info.h.biBitCount;
         stride = ((width * depth + 31) / 32) * 4;
         dc = CreateCompatibleDC(nullptr);
         bitmap = CreateDIBSection(dc, (const BITMAPINFO*)&info, DIB_RGB_COLORS, &bits, nullptr, 0);
@@ -99,15 +74,13 @@ private:
     }
 };
 
-// The memory device's header and colours (read in the device's own context,
-// since a bitmap can be in one context only).
+// The memory device's header and colours (read in its own context: a bitmap
+// can be in one context only).
 inline DIBINFO InfoOf(vMEMDEVICE& device)
 {
-    DIBSECTION ds;
-    memset(&ds, 0, sizeof ds);
+    DIBSECTION ds = {};
     GetObjectA(device.Bitmap(), sizeof ds, &ds);
-    DIBINFO info;
-    memset(&info, 0, sizeof info);
+    DIBINFO info = {};
     info.h = ds.dsBmih;
     if (info.h.biBitCount <= 8) {
         EXPECT_EQ(GetDIBColorTable(device.GetWinDC(), 0, 256, info.colours), 1u << info.h.biBitCount);
@@ -119,22 +92,6 @@ struct ORACLE : SURFACE {
     ORACLE(vMEMDEVICE& device, unsigned char fill) : SURFACE(InfoOf(device), fill) {}
 };
 
-// The palette of the 8-bit surfaces: a 6 x 6 x 6 cube at multiples of 51
-// from index 0, then greys.
-inline std::vector<RGBQUAD> CubePalette()
-{
-    std::vector<RGBQUAD> p(256);
-    for (int i = 0; i < 256; ++i) {
-        BYTE r, g, b;
-        if (i < 216)
-            r = (BYTE)(51 * (i / 36)), g = (BYTE)(51 * (i / 6 % 6)), b = (BYTE)(51 * (i % 6));
-        else
-            r = g = b = (BYTE)((i - 216) * 6 + 3);
-        p[i] = {b, g, r, 0};
-    }
-    return p;
-}
-
 // The device over a surface, with the members the tests reach into.
 class DEVICE : public vDEVICEID {
 public:
@@ -145,32 +102,21 @@ public:
     using vDEVICE::PaletteFlag;
 };
 
-// Plain GDI on the oracle surface: a solid null-pen brush or a pen, selected
-// for one scope.
+// Plain GDI on the oracle: a solid null-pen brush or a pen, selected for one scope.
 struct WITHBRUSH {
-    WITHBRUSH(HDC d, COLORREF c) : dc(d), brush(CreateSolidBrush(c))
-    {
-        oldPen = SelectObject(dc, GetStockObject(NULL_PEN));
-        oldBrush = SelectObject(dc, brush);
-    }
-    ~WITHBRUSH()
-    {
-        SelectObject(dc, oldBrush);
-        SelectObject(dc, oldPen);
-        DeleteObject(brush);
-    }
+    WITHBRUSH(HDC d, COLORREF c)
+        : dc(d), brush(CreateSolidBrush(c)), oldPen(SelectObject(dc, GetStockObject(NULL_PEN))),
+          oldBrush(SelectObject(dc, brush)) {}
+    ~WITHBRUSH() { SelectObject(dc, oldBrush), SelectObject(dc, oldPen), DeleteObject(brush); }
     HDC dc;
     HBRUSH brush;
     HGDIOBJ oldPen, oldBrush;
 };
 
 struct WITHPEN {
-    WITHPEN(HDC d, int width, COLORREF c) : dc(d), pen(CreatePen(PS_SOLID, width, c)) { old = SelectObject(dc, pen); }
-    ~WITHPEN()
-    {
-        SelectObject(dc, old);
-        DeleteObject(pen);
-    }
+    WITHPEN(HDC d, int width, COLORREF c, int style = PS_SOLID)
+        : dc(d), pen(CreatePen(style, width, c)), old(SelectObject(dc, pen)) {}
+    ~WITHPEN() { SelectObject(dc, old), DeleteObject(pen); }
     HDC dc;
     HPEN pen;
     HGDIOBJ old;
@@ -209,12 +155,9 @@ inline ::testing::AssertionResult SameBytes(vMEMDEVICE& device, const SURFACE& w
 // the index at 8; and its pixels in [x0, x1) x [y0, y1) other than `background`.
 inline unsigned long Pixel(vMEMDEVICE& d, int x, int y)
 {
-    int h = (int)d.Height()(), w = (int)d.Width()();
-    unsigned long stride = ((unsigned long)w * d.BitsPerPixel() + 31) / 32 * 4;
-    const unsigned char* row = d.GetDIB() + (unsigned long)(h - 1 - y) * stride;
-    if (d.BitsPerPixel() == 8)
-        return row[x];
-    return (row[4 * x] | row[4 * x + 1] << 8 | (unsigned long)row[4 * x + 2] << 16);
+    unsigned long bpp = d.BitsPerPixel(), stride = ((unsigned long)d.Width()() * bpp + 31) / 32 * 4;
+    const unsigned char* p = d.GetDIB() + (unsigned long)(d.Height()() - 1 - y) * stride + x * bpp / 8;
+    return bpp == 8 ? p[0] : (p[0] | p[1] << 8 | (unsigned long)p[2] << 16);
 }
 
 inline int Ink(vMEMDEVICE& d, int x0, int y0, int x1, int y1, unsigned long background)
@@ -229,16 +172,13 @@ inline int Ink(vMEMDEVICE& d, int x0, int y0, int x1, int y1, unsigned long back
 // Logical to device as the mapping defines it, in 64-bit arithmetic.
 inline long Map(long l, long origin, long device, long logical)
 {
-    long long n = (long long)(l + origin) * device + (logical + 1) / 2;
-    return (long)(n / logical);
+    return (long)(((long long)(l + origin) * device + (logical + 1) / 2) / logical);
 }
 
 inline vRECT R(long l, long t, long r, long b) { return vRECT(vINT(l), vINT(t), vINT(r), vINT(b)); }
 inline vPOINT P(long x, long y) { return vPOINT(vINT(x), vINT(y)); }
 
-struct PT {
-    long x, y;
-};
+struct PT { long x, y; };
 
 // A contour through the points, open or closed.
 inline void AddContour(vSHAPE& s, const std::vector<PT>& pts, bool closed = true)
@@ -256,6 +196,16 @@ inline void PlainFill(vDEVICE& d, const vCOLOUR& c)
 {
     d.FillSpec(vFILLSPEC(vFT_SOLID, c, c));
     d.LineSpec(vLINESPEC(vLT_NONE));
+}
+
+// The one-pixel pen path through the points, with the last pixel set on its own.
+inline void OraclePolyline(HDC dc, const POINT* p, int n, COLORREF c)
+{
+    WITHPEN pen(dc, 1, c);
+    MoveToEx(dc, p[0].x, p[0].y, nullptr);
+    for (int i = 1; i < n; ++i)
+        LineTo(dc, p[i].x, p[i].y);
+    SetPixel(dc, p[n - 1].x, p[n - 1].y, c);
 }
 
 } // namespace devtest

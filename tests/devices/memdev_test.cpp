@@ -1,56 +1,49 @@
-// The memory device: its bitmap (size, depth, white start, refusals, copies)
-// and drawing on it byte for byte against plain GDI on a second bitmap.
+// The memory device (its bitmap: size, depth, white start, refusals), font
+// descriptions (sizes, comparison, stream form, the device's cache), and
+// drawing and text on it byte for byte against plain GDI calls (ExtTextOutA
+// with the same LOGFONT) on a second bitmap.
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <vector>
 #include "devcore_support.h"
 
 using namespace devtest;
 
 TEST(MemDevice, BitmapOfTheScreensDepthStartsWhite)
 {
-    struct Case { long w, h; int ok; } const cases[] = {
-        {1, 1, 1}, {3, 2, 1}, {17, 5, 1}, {32767, 1, 1}, {0, 5, 0}, {5, 0, 0}, {-3, 4, 0}, {32768, 2, 0}, {2, 32768, 0}};
+    struct Case { long w, h; int ok; } const cases[] = {{1, 1, 1}, {3, 2, 1}, {17, 5, 1}, {32767, 1, 1}, {0, 5, 0},
+                                                        {5, 0, 0}, {-3, 4, 0}, {32768, 2, 0}, {2, 32768, 0}};
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.w << " x " << c.h);
         vMEMDEVICE d(vINT(c.w), vINT(c.h));
         if (!c.ok) {
-            EXPECT_EQ(d.GetDIB(), nullptr);
-            EXPECT_EQ(d.Bitmap(), nullptr);
-            EXPECT_EQ(d.BufferSize(), 0u);
+            EXPECT_TRUE(d.GetDIB() == nullptr && d.Bitmap() == nullptr && d.BufferSize() == 0);
             continue;
         }
-        ASSERT_NE(d.GetDIB(), nullptr);
-        EXPECT_EQ(d.BitsPerPixel(), 32);   // the headless screen's depth
-        EXPECT_EQ(d.BufferSize(), (unsigned long)(c.w * 4 * c.h));
-        const unsigned char* p = d.GetDIB();
-        unsigned long notWhite = 0;
-        for (unsigned long i = 0; i < d.BufferSize(); ++i)
-            notWhite += p[i] != 0xFF;
-        EXPECT_EQ(notWhite, 0u);
+        ASSERT_TRUE(d.GetDIB() && d.BitsPerPixel() == 32 && d.BufferSize() == (unsigned long)(c.w * 4 * c.h));
+        EXPECT_EQ(std::count(d.GetDIB(), d.GetDIB() + d.BufferSize(), 0xFF), (long)d.BufferSize());
         DIBSECTION ds;
         ASSERT_EQ(GetObjectA(d.Bitmap(), sizeof ds, &ds), (int)sizeof ds);
-        EXPECT_EQ(ds.dsBmih.biWidth, c.w);
-        EXPECT_EQ(ds.dsBmih.biHeight, c.h);   // bottom-up
-        EXPECT_EQ(ds.dsBm.bmBits, d.GetDIB());
+        EXPECT_TRUE(ds.dsBmih.biWidth == c.w && ds.dsBmih.biHeight == c.h && ds.dsBm.bmBits == d.GetDIB());
     }
-    // Preparing again gives a fresh white bitmap of the new size; a refused
-    // size leaves none.
+    // Preparing again gives a fresh white bitmap of the new size; a refused size leaves none.
     vMEMDEVICE d(vINT(8L), vINT(8L));
-    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(0, 0, 0), vCOLOUR(0, 0, 0)));
-    d.LineSpec(vLINESPEC(vLT_NONE));
+    PlainFill(d, vCOLOUR(0, 0, 0));
     d.DrawRect(R(0, 0, 7, 7));
     EXPECT_EQ(Ink(d, 0, 0, 8, 8, 0xFFFFFF), 49);
-    EXPECT_EQ(d.Prepare(vINT(20L), vINT(3L)), 1);
-    EXPECT_EQ(Ink(d, 0, 0, 20, 3, 0xFFFFFF), 0);
-    EXPECT_EQ(d.Width()(), 20);
+    EXPECT_TRUE(d.Prepare(vINT(20L), vINT(3L)) == 1 && Ink(d, 0, 0, 20, 3, 0xFFFFFF) == 0);
     d.DrawRect(R(2, 0, 4, 2));
     EXPECT_EQ(Ink(d, 0, 0, 20, 3, 0xFFFFFF), 4);
-    EXPECT_EQ(d.Prepare(vINT(0L), vINT(3L)), 0);
-    EXPECT_EQ(d.GetDIB(), nullptr);
-    EXPECT_EQ(d.DrawRect(R(2, 0, 4, 2)), 1);   // drawn into nothing, harmlessly
+    EXPECT_TRUE(d.Prepare(vINT(0L), vINT(3L)) == 0 && d.GetDIB() == nullptr);
+    EXPECT_EQ(d.DrawRect(R(2, 0, 4, 2)), 1);  // drawn into nothing, harmlessly
+    // The true-colour screen has no palette, and enabling one changes nothing.
+    vSCREEN& screen = vDEVICE::GetScreen();
+    screen.EnablePalette(1);
+    EXPECT_EQ(screen.NoColours(), 0xFFFFFFFFul);  // 2^32 saturated
+    EXPECT_TRUE(screen.PaletteEnabled() == 0 && vSCREEN::Palette() == nullptr && vSCREEN::LogPalette() == nullptr);
 }
 
-// Plain fills, one-pixel lines, arcs, pies and chords on the memory device,
-// against the same GDI calls on a second DIB section, under a logical
+// Plain fills, one-pixel lines, arcs, pies and chords under a logical
 // resolution of half the device's and an origin.
 TEST(MemDevice, PrimitivesMatchGdi)
 {
@@ -58,51 +51,185 @@ TEST(MemDevice, PrimitivesMatchGdi)
     ORACLE want(d, 0xFF);
     d.LogUnitsPerHorzInch(vINT(192L));
     d.LogUnitsPerVertInch(vINT(192L));
-    d.Origin(P(4, -2));   // device = (logical + origin) / 2
+    d.Origin(P(4, -2));  // device = (logical + origin) / 2
     vCOLOUR c(200, 30, 40);
     COLORREF rgb = RGB(200, 30, 40);
-    d.FillSpec(vFILLSPEC(vFT_SOLID, c, c));
-    d.LineSpec(vLINESPEC(vLT_NONE, c));
-    EXPECT_EQ(d.DrawRect(R(2, 6, 60, 40)), 1);        // (3, 2) - (32, 19)
-    EXPECT_EQ(d.DrawEllipse(R(70, 2, 150, 50)), 1);   // (37, 0) - (77, 24)
+    PlainFill(d, c);
+    EXPECT_TRUE(d.DrawRect(R(2, 6, 60, 40)) == 1 && d.DrawEllipse(R(70, 2, 150, 50)) == 1);
     d.LineSpec(vLINESPEC(vLT_SOLID, c, vINT(1L)));
-    EXPECT_EQ(d.DrawLine(P(0, 110), P(150, 60)), 1);  // (2, 54) - (77, 29)
-    EXPECT_EQ(d.DrawArc(R(0, 60, 60, 100), P(60, 80), P(0, 80)), 1);
-    EXPECT_EQ(d.DrawPie(R(60, 60, 100, 110), P(100, 85), P(80, 60)), 1);
-    EXPECT_EQ(d.DrawChord(R(100, 60, 150, 110), P(150, 85), P(100, 85)), 1);
+    EXPECT_TRUE(d.DrawLine(P(0, 110), P(150, 60)) == 1 && d.DrawArc(R(0, 60, 60, 100), P(60, 80), P(0, 80)) == 1);
+    EXPECT_TRUE(d.DrawPie(R(60, 60, 100, 110), P(100, 85), P(80, 60)) == 1 &&
+                d.DrawChord(R(100, 60, 150, 110), P(150, 85), P(100, 85)) == 1);
     {
         WITHBRUSH fill(want.dc, rgb);
         Rectangle(want.dc, 3, 2, 33, 20);
         Ellipse(want.dc, 37, 0, 77, 24);
     }
-    {
-        WITHBRUSH brush(want.dc, rgb);
-        WITHPEN line(want.dc, 1, rgb);
-        MoveToEx(want.dc, 2, 54, nullptr);
-        LineTo(want.dc, 77, 29);
-        SetPixel(want.dc, 77, 29, rgb);
-        Arc(want.dc, 2, 29, 32, 49, 32, 39, 2, 39);
-        Pie(want.dc, 32, 29, 52, 54, 52, 42, 42, 29);
-        Chord(want.dc, 52, 29, 77, 54, 77, 42, 52, 42);
-    }
+    const POINT line[] = {{2, 54}, {77, 29}};
+    OraclePolyline(want.dc, line, 2, rgb);
+    WITHBRUSH brush(want.dc, rgb);
+    WITHPEN pen(want.dc, 1, rgb);
+    Arc(want.dc, 2, 29, 32, 49, 32, 39, 2, 39);
+    Pie(want.dc, 32, 29, 52, 54, 52, 42, 42, 29);
+    Chord(want.dc, 52, 29, 77, 54, 77, 42, 52, 42);
     EXPECT_TRUE(SameBytes(d, want));
 }
 
-TEST(Screen, TrueColourDisplayHasNoPalette)
+namespace {
+vFONTSPEC Face(long size, vFONT_HEIGHT kind = vFH_PIXELS, vANGLE angle = vANGLE(0), int style = vFS_NORMAL,
+               const char* name = "DejaVu Sans")
 {
-    vSCREEN& screen = vDEVICE::GetScreen();
-    ASSERT_NE(&screen, nullptr);
-    HDC dc = GetDC(nullptr);
-    int bits = GetDeviceCaps(dc, BITSPIXEL) * GetDeviceCaps(dc, PLANES);
-    ReleaseDC(nullptr, dc);
-    ASSERT_EQ(bits, 32);
-    EXPECT_EQ(screen.GetNoColours()(), 32);
-    EXPECT_EQ(screen.NoColours(), 0xFFFFFFFFul);   // 2^32 does not fit: saturated
-    EXPECT_EQ(screen.PaletteEnabled(), 0);
-    EXPECT_EQ(vSCREEN::Palette(), nullptr);
-    EXPECT_EQ(vSCREEN::LogPalette(), nullptr);
-    EXPECT_EQ(screen.PatternBlock(), nullptr);
-    screen.EnablePalette(1);
-    EXPECT_EQ(screen.PaletteEnabled(), 0);
-    EXPECT_EQ(vSCREEN::Palette(), nullptr);
+    return vFONTSPEC(vSTRING(name), (vFONTSTYLE)style, vINT(size), vREAL(0), 0, kind, angle);
+}
+} // namespace
+
+// Points and pixels convert at the screen's 96 dpi, MulDiv rounding half away
+// from zero; setting one size field leaves the other.
+TEST(FontSpec, SizesInPointsOrPixels)
+{
+    HDC screen = GetDC(nullptr);
+    ASSERT_EQ(GetDeviceCaps(screen, LOGPIXELSY), 96);
+    ReleaseDC(nullptr, screen);
+    for (long px = -40; px <= 40; ++px) {
+        vFONTSPEC f = Face(px), g = Face(px, vFH_POINTS);
+        EXPECT_TRUE(!px || (f.Pixels() && !g.Pixels())) << px;
+        EXPECT_TRUE(f.PointSize()() == MulDiv((int)px, 72, 96) && f.PointSizeField() == vINT(0L)) << px;
+        EXPECT_EQ(g.Height()(), px ? (long)MulDiv((int)px, 96, 72) : 0L) << px;
+    }
+    vFONTSPEC points = Face(12, vFH_POINTS);
+    points.Height(vINT(20L));
+    EXPECT_TRUE(!points.Pixels() && points.Height() == vINT(20L) && points.PointSize() == vINT(12L));
+}
+
+TEST(FontSpec, ComparesEveryFieldAndStreamsThemInOrder)
+{
+    const vFONTSPEC base(vSTRING("Times"), vFS_ITALIC, vINT(10L), vREAL::FromRaw(0x18000), 5, vFH_POINTS,
+                         vANGLE::FromRaw(-0x5A0000));
+    vFONTSPEC other[6] = {base, base, base, base, base, base};
+    other[0].Name(vSTRING("times"));
+    other[1].Style(vFS_BOLD);
+    other[2].PointSize(vINT(11L));
+    other[3].Height(vINT(1L));
+    other[4].Expansion(vREAL::FromRaw(0x18001));
+    other[5].Angle(vANGLE(45));
+    for (const vFONTSPEC& o : other)
+        EXPECT_TRUE(o != base && !(o == base));
+    vMEMSTREAM m;
+    base >> m;
+    const unsigned char expect[] = {5, 0, 'T', 'i', 'm', 'e', 's', 4, 0, 10, 0, 0, 0, 0, 0,
+                                    0, 0, 0, 0x80, 1, 0, 0, 0, 0xA6, 0xFF};
+    ASSERT_EQ(m.Size(), sizeof expect);
+    EXPECT_EQ(memcmp(m.Buffer(), expect, sizeof expect), 0);
+    m.MoveFromStart(0);
+    vFONTSPEC back;
+    back << m;
+    EXPECT_TRUE(back == base);
+}
+
+// A description made once is found again: the same entry, whatever came between.
+TEST(FontSpec, DeviceCacheFindsEntriesAgain)
+{
+    vMEMDEVICE d(vINT(10L), vINT(10L));
+    vFONTSPEC start = d.FontSpec(), a = Face(10, vFH_POINTS), b = Face(10, vFH_POINTS, vANGLE(90));
+    const vFONTSPEC* steps[] = {&start, &a, &a, &b, &a, &start, &b};
+    vFONTDETAIL* seen[7];
+    for (int i = 0; i < 7; ++i) {
+        d.FontSpec(*steps[i]);
+        EXPECT_TRUE(*(seen[i] = d.GetCurFontDetail()) == *steps[i]) << i;
+    }
+    EXPECT_TRUE(seen[1] == seen[2] && seen[1] == seen[4] && seen[3] == seen[6] && seen[0] == seen[5]);
+    EXPECT_TRUE(seen[1] != seen[3] && seen[0] != seen[1]);
+}
+
+namespace {
+// The device with a font and the line colour set, and the oracle beside it
+// with the same font and text colour.
+struct SCENE {
+    SCENE(long w, long h, const vFONTSPEC& desc) : device(vINT(w), vINT(h)), oracle(device, 0xFF)
+    {
+        device.FontSpec(desc);
+        device.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(200, 30, 40), vINT(1L)));
+        LOGFONTA lf;
+        EXPECT_EQ(device.GetCurFontDetail()->LogFont(lf), 1);
+        oldFont = SelectObject(oracle.dc, font = CreateFontIndirectA(&lf));
+        SetTextColor(oracle.dc, RGB(200, 30, 40));
+        GetTextMetricsA(oracle.dc, &tm);
+    }
+    ~SCENE() { SelectObject(oracle.dc, oldFont), DeleteObject(font); }
+    void Run(int x, int y, UINT align, const char* s, const INT* dx = nullptr)
+    {
+        SetTextAlign(oracle.dc, align);
+        ExtTextOutA(oracle.dc, x, y, 0, nullptr, s, (UINT)lstrlenA(s), dx);
+    }
+    vMEMDEVICE device;
+    ORACLE oracle;
+    HFONT font;
+    HGDIOBJ oldFont;
+    TEXTMETRICA tm;
+};
+} // namespace
+
+// Runs on a baseline, plain and with the distance to each next character
+// given, at 1:1 and at 192 units per inch (the advances summed, then scaled).
+TEST(Text, RunsOnABaselineMatchGdi)
+{
+    struct Case { long units, x, y; std::vector<short> advances; const char* text; } const cases[] = {
+        {96, 5, 25, {}, "Hello, world"},  {96, 0, 14, {10, 12, 8, 9, 11}, "Ab%yq"},
+        {96, -7, 30, {20, -5, 20}, "WiW"}, {192, 20, 60, {}, "Scaled text"},
+        {192, 30, 50, {21, 21, 21, 21, 21, 21}, "spaced"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        SCENE s(160, 40, Face(18));
+        s.device.LogUnitsPerHorzInch(vINT(c.units));
+        s.device.LogUnitsPerVertInch(vINT(c.units));
+        EXPECT_EQ(s.device.DrawTextOnLine(vSTRING("%s", c.text), P(c.x, c.y),
+                                          c.advances.empty() ? nullptr : c.advances.data()), 1);
+        long x = Map(c.x, 0, 96, c.units), y = Map(c.y, 0, 96, c.units), sum = 0, prev = 0;
+        std::vector<INT> dx;
+        for (short a : c.advances) {
+            sum += a;
+            dx.push_back((INT)(Map(sum, 0, 96, c.units) - prev));
+            prev = Map(sum, 0, 96, c.units);
+        }
+        s.Run(x, y, TA_BASELINE | TA_LEFT, c.text, dx.empty() ? nullptr : dx.data());
+        EXPECT_TRUE(SameBytes(s.device, s.oracle));
+        EXPECT_GT(Ink(s.device, 0, 0, 160, 40, 0xFFFFFF), 20);
+    }
+    // One character over a background left alone when transparency is on.
+    SCENE s(40, 40, Face(30, vFH_PIXELS, vANGLE(0), vFS_BOLD));
+    PlainFill(s.device, vCOLOUR(0, 0, 255));
+    s.device.LineSpec(vLINESPEC(vLT_NONE, vCOLOUR(200, 30, 40)));
+    s.device.DrawRect(R(0, 0, 39, 39));
+    s.device.Transparency(1);
+    EXPECT_EQ(s.device.DrawChar(vCHAR('g'), P(8, 28)), 1);
+    {
+        WITHBRUSH blue(s.oracle.dc, RGB(0, 0, 255));
+        Rectangle(s.oracle.dc, 0, 0, 40, 40);
+    }
+    SetBkMode(s.oracle.dc, TRANSPARENT);
+    s.Run(8, 28, TA_BASELINE | TA_LEFT, "g");
+    EXPECT_TRUE(SameBytes(s.device, s.oracle));
+}
+
+// Every horizontal and vertical placement in a rectangle, edges included.
+TEST(Text, PlacedInARectangle)
+{
+    const char* text = "Ag Placed";
+    for (int h : {vTA_LEFT, vTA_CENTRE, vTA_RIGHT})
+        for (int v : {vTA_TOP, vTA_MIDDLE, vTA_BOTTOM, vTA_BASELINE}) {
+            SCOPED_TRACE(testing::Message() << "align " << (h | v));
+            SCENE s(140, 60, Face(15));
+            EXPECT_EQ(s.device.DrawTextA(vSTRING(text), R(10, 5, 129, 54), (vTEXTALIGN)(h | v)), 1);
+            SIZE size = {0, 0};
+            GetTextExtentPoint32A(s.oracle.dc, text, lstrlenA(text), &size);
+            long w = size.cx, lh = s.tm.tmHeight + s.tm.tmExternalLeading;
+            long x = h == vTA_LEFT ? 10 : h == vTA_CENTRE ? 10 + (120 - w) / 2 : 130 - w;
+            long y = v == vTA_TOP ? 5 : v == vTA_MIDDLE ? 5 + (50 - lh) / 2 : v == vTA_BOTTOM ? 55 - lh
+                                                                                         : 55 - s.tm.tmAscent;
+            IntersectClipRect(s.oracle.dc, 10, 5, 130, 55);
+            s.Run(x, y, TA_TOP | TA_LEFT, text);
+            EXPECT_TRUE(SameBytes(s.device, s.oracle));
+            EXPECT_GT(Ink(s.device, 0, 0, 140, 60, 0xFFFFFF), 20);
+        }
 }

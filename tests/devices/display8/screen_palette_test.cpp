@@ -1,5 +1,6 @@
-// The screen on a real 256-colour display (Xvfb at depth 8): the palette
-// worked out here from the system's reserved entries.
+// The screen and the memory device on a real 256-colour display (Xvfb at
+// depth 8): the palette worked out here from the system's reserved entries,
+// and 8-bit bitmaps in the screen's colours drawn as plain GDI draws them.
 #include <gtest/gtest.h>
 #include <cstring>
 #include "../devcore_support.h"
@@ -7,9 +8,7 @@
 using namespace devtest;
 
 namespace {
-
-// The palette entry the library should make at `i`, given the system's
-// upper ten colours, worked from the entry's place.
+// The entry the library should make at `i`, given the system's upper ten colours.
 PALETTEENTRY Expected(int i, const PALETTEENTRY* high)
 {
     static const int kCube[6] = {0, 81, 133, 177, 217, 255};
@@ -17,64 +16,87 @@ PALETTEENTRY Expected(int i, const PALETTEENTRY* high)
     int r = 0, g = 0, b = 0;
     if (i >= 20 && i <= 235)
         r = kCube[(i - 20) / 36], g = kCube[(i - 20) / 6 % 6], b = kCube[(i - 20) % 6];
-    else if (i >= 12 && i <= 19)
-        r = g = b = kGrey[i - 12];
-    else if (i >= 236 && i <= 243)
-        r = g = b = kGrey[i - 228];
+    else if ((i >= 12 && i <= 19) || (i >= 236 && i <= 243))
+        r = g = b = kGrey[i < 20 ? i - 12 : i - 228];
     else if (i == 245)
         r = 157, g = 233, b = 199;
-    for (int s = 0; s < 10; ++s) {
+    for (int s = 0; s < 10; ++s)
         if (high[s].peRed == r && high[s].peGreen == g && high[s].peBlue == b) {
-            r -= r > 0, g -= g > 0, b -= b > 0;
+            r -= r > 0, g -= g > 0, b -= b > 0;  // the system keeps that colour itself
             break;
         }
-    }
-    PALETTEENTRY e = {(BYTE)r, (BYTE)g, (BYTE)b, PC_NOCOLLAPSE};
-    return e;
+    return {(BYTE)r, (BYTE)g, (BYTE)b, PC_NOCOLLAPSE};
 }
-
-bool Same(const PALETTEENTRY& a, const PALETTEENTRY& b)
-{
-    return a.peRed == b.peRed && a.peGreen == b.peGreen && a.peBlue == b.peBlue && a.peFlags == b.peFlags;
-}
-
 } // namespace
 
 TEST(Screen8, PaletteFromTheSystemsReservedColours)
 {
     vSCREEN& screen = vDEVICE::GetScreen();
-    EXPECT_EQ(screen.NoColours(), 256u);
-    EXPECT_EQ(screen.GetNoColours()(), 8);
-    EXPECT_EQ(screen.PaletteEnabled(), 1);
-    ASSERT_NE(vSCREEN::Palette(), nullptr);
+    EXPECT_TRUE(screen.NoColours() == 256u && screen.GetNoColours()() == 8 && screen.PaletteEnabled() == 1);
     const LOGPALETTE* log = vSCREEN::LogPalette();
-    ASSERT_NE(log, nullptr);
-    EXPECT_EQ(log->palVersion, 0x300);
-    ASSERT_EQ(log->palNumEntries, 256);
+    ASSERT_TRUE(vSCREEN::Palette() && log && log->palVersion == 0x300 && log->palNumEntries == 256);
     HDC dc = GetDC(nullptr);
-    int size = GetDeviceCaps(dc, SIZEPALETTE);
-    ASSERT_EQ(size, 256);
-    PALETTEENTRY low[10], high[10];
-    ASSERT_EQ(GetSystemPaletteEntries(dc, 0, 10, low), 10u);
-    ASSERT_EQ(GetSystemPaletteEntries(dc, 246, 10, high), 10u);
+    ASSERT_EQ(GetDeviceCaps(dc, SIZEPALETTE), 256);
+    PALETTEENTRY sys[256], made[256];
+    ASSERT_EQ(GetSystemPaletteEntries(dc, 0, 10, sys), 10u);
+    ASSERT_EQ(GetSystemPaletteEntries(dc, 246, 10, sys + 246), 10u);
     ReleaseDC(nullptr, dc);
-    PALETTEENTRY made[256];
     ASSERT_EQ(GetPaletteEntries(vSCREEN::Palette(), 0, 256, made), 256u);
-    bool systemWhite = false;
-    for (int s = 0; s < 10; ++s) {
-        systemWhite |= high[s].peRed == 255 && high[s].peGreen == 255 && high[s].peBlue == 255;
-        EXPECT_TRUE(Same(log->palPalEntry[s], low[s])) << s;
-        EXPECT_TRUE(Same(log->palPalEntry[246 + s], high[s])) << 246 + s;
-    }
-    for (int i = 10; i <= 245; ++i) {
-        EXPECT_TRUE(Same(log->palPalEntry[i], Expected(i, high))) << i;
-    }
     for (int i = 0; i < 256; ++i) {
+        PALETTEENTRY e = i < 10 || i >= 246 ? sys[i] : Expected(i, sys + 246);
+        EXPECT_EQ(memcmp(&log->palPalEntry[i], &e, 4), 0) << i;
         EXPECT_EQ(memcmp(&made[i], &log->palPalEntry[i], 3), 0) << i;
     }
-    // The cube's white corner is lowered when the system keeps white itself.
-    int white = systemWhite ? 254 : 255;
-    EXPECT_EQ(log->palPalEntry[235].peRed, white);
-    EXPECT_EQ(log->palPalEntry[235].peGreen, white);
-    EXPECT_EQ(log->palPalEntry[235].peBlue, white);
+}
+
+// A memory device is an 8-bit bitmap in the screen's colours, starting as
+// index 235 whatever that entry holds.
+TEST(MemDevice8, PaletteIndexWhiteAndTheScreensColours)
+{
+    vMEMDEVICE d(vINT(13L), vINT(7L));
+    ASSERT_TRUE(d.GetDIB() && d.BitsPerPixel() == 8 && d.BufferSize() == 16u * 7u);
+    for (unsigned long i = 0; i < d.BufferSize(); ++i)
+        ASSERT_EQ(d.GetDIB()[i], 235) << i;
+    RGBQUAD table[256];
+    ASSERT_EQ(GetDIBColorTable(d.GetWinDC(), 0, 256, table), 256u);
+    const PALETTEENTRY* log = vSCREEN::LogPalette()->palPalEntry;
+    for (int i = 0; i < 256; ++i)
+        EXPECT_TRUE(table[i].rgbRed == log[i].peRed && table[i].rgbGreen == log[i].peGreen &&
+                    table[i].rgbBlue == log[i].peBlue) << i;
+}
+
+// Fills, arcs and pies in colours of the palette and between them; one-pixel
+// lines take the pen path when the colour is one of the palette's.
+TEST(MemDevice8, PrimitivesMatchGdi)
+{
+    for (const vCOLOUR& c : {vCOLOUR(255, 0, 0), vCOLOUR(200, 30, 40), vCOLOUR(0, 81, 133), vCOLOUR(0, 0, 0)}) {
+        SCOPED_TRACE(c.PackedRGB());
+        COLORREF rgb = (COLORREF)c.PackedRGB();
+        vMEMDEVICE d(vINT(64L), vINT(48L));
+        ORACLE want(d, 235);
+        PlainFill(d, c);
+        EXPECT_TRUE(d.DrawRect(R(3, 4, 30, 20)) == 1 && d.DrawEllipse(R(33, 2, 60, 25)) == 1);
+        d.LineSpec(vLINESPEC(vLT_SOLID, c, vINT(1L)));
+        EXPECT_TRUE(d.DrawArc(R(2, 26, 30, 46), P(30, 36), P(2, 36)) == 1 &&
+                    d.DrawPie(R(34, 26, 62, 46), P(62, 36), P(48, 26)) == 1);
+        {
+            WITHBRUSH b(want.dc, rgb);
+            Rectangle(want.dc, 3, 4, 31, 21);
+            Ellipse(want.dc, 33, 2, 60, 25);
+            WITHPEN pen(want.dc, 1, rgb);
+            Arc(want.dc, 2, 26, 30, 46, 30, 36, 2, 36);
+            Pie(want.dc, 34, 26, 62, 46, 62, 36, 48, 26);
+        }
+        EXPECT_TRUE(SameBytes(d, want));
+    }
+    vMEMDEVICE d(vINT(40L), vINT(30L));
+    ORACLE want(d, 235);
+    const PALETTEENTRY& e = vSCREEN::LogPalette()->palPalEntry[57];
+    d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(e.peRed, e.peGreen, e.peBlue), vINT(1L)));
+    EXPECT_TRUE(d.DrawLine(P(1, 1), P(38, 20)) == 1 && d.DrawLine(3, P(5, 28), P(20, 3), P(35, 28)) == 1);
+    const POINT a[] = {{1, 1}, {38, 20}}, b[] = {{5, 28}, {20, 3}, {35, 28}};
+    OraclePolyline(want.dc, a, 2, RGB(e.peRed, e.peGreen, e.peBlue));
+    OraclePolyline(want.dc, b, 3, RGB(e.peRed, e.peGreen, e.peBlue));
+    EXPECT_TRUE(SameBytes(d, want));
+    EXPECT_EQ(Pixel(d, 20, 3), 57u);
 }
