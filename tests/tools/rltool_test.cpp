@@ -379,32 +379,24 @@ TEST(Rltool, ResizeAndBitmapRecords)
 TEST(Rltool, ShowcaseDrawnAndRecorded)
 {
     const long kW = 960, kH = 720;
-    std::string direct = rltest::TempPath("scd"), paletted = rltest::TempPath("scp"), rlm = rltest::TempPath("scm") + ".rlm",
-                rendered = rltest::TempPath("scr"), log;
+    std::string direct = rltest::TempPath("scd"), rlm = rltest::TempPath("scm") + ".rlm", rendered = rltest::TempPath("scr"), log;
     ASSERT_EQ(RunTool("showcase " + Quoted(direct), &log), 0) << log;
-    ASSERT_EQ(RunTool("showcase " + Quoted(paletted) + " --bits 8", &log), 0) << log;
     ASSERT_EQ(RunTool("showcase " + Quoted(rlm), &log), 0) << log;
     EXPECT_EQ(Slurp(rlm).substr(0, 9), "TAVRLMETA");
     ASSERT_EQ(RunTool("render " + Quoted(rlm) + " " + Quoted(rendered) + " --width 960 --height 720", &log), 0) << log;
     const std::string a = Slurp(direct), b = Slurp(rendered);
     ASSERT_EQ(a.size(), 54 + (size_t)kW * kH * 3);
     ASSERT_EQ(b.size(), a.size());
-    const std::string pal = Slurp(paletted);
-    for (const std::string* sheet : {&a, &pal}) {
-        const std::string& p = *sheet;
-        const unsigned long bits = sheet == &a ? 24 : 8;
-        ASSERT_GT(p.size(), 54u);
-        EXPECT_TRUE(Get(p, 2, 4) == p.size() && Get(p, 14, 4) == 40 && Get(p, 18, 4) == 960 && Get(p, 22, 4) == 720 &&
-                    Get(p, 28, 2) == bits && Get(p, 10, 4) + (960ul * bits + 31) / 32 * 4 * 720 == p.size()) << bits;
-        const struct { long l, t, r, b; } panels[] = {
-            {0, 20, 480, 240}, {480, 20, 960, 240}, {0, 260, 480, 480}, {480, 260, 960, 480}, {0, 500, 960, 720}};
-        for (const auto& q : panels) {
-            long ink = 0;
-            for (long y = q.t; y < q.b; ++y)
-                for (long x = q.l; x < q.r; ++x)
-                    ink += Pixel(p, x, y) != 0xFFFFFF;
-            EXPECT_GT(ink, (q.r - q.l) * (q.b - q.t) / 10) << bits << " panel at " << q.l << ", " << q.t;
-        }
+    EXPECT_TRUE(Get(a, 2, 4) == a.size() && Get(a, 14, 4) == 40 && Get(a, 18, 4) == 960 && Get(a, 22, 4) == 720 &&
+                Get(a, 28, 2) == 24 && Get(a, 10, 4) == 54);
+    const struct { long l, t, r, b; } panels[] = {
+        {0, 20, 480, 240}, {480, 20, 960, 240}, {0, 260, 480, 480}, {480, 260, 960, 480}, {0, 500, 960, 720}};
+    for (const auto& q : panels) {
+        long ink = 0;
+        for (long y = q.t; y < q.b; ++y)
+            for (long x = q.l; x < q.r; ++x)
+                ink += Pixel(a, x, y) != 0xFFFFFF;
+        EXPECT_GT(ink, (q.r - q.l) * (q.b - q.t) / 10) << "panel at " << q.l << ", " << q.t;
     }
     // The plates: pictures at x = 200 + 188 i, 170 x 120 at y 510, with their outlines.
     long differ = 0, plateDiffer = 0;
@@ -421,7 +413,7 @@ TEST(Rltool, ShowcaseDrawnAndRecorded)
     EXPECT_EQ(0, plateDiffer);
     for (const std::string& bad : {direct + " --bits 16", direct + " --bits 24x", rlm + " --bits 8", std::string()})
         EXPECT_EQ(RunTool("showcase " + bad), 2) << bad;
-    Remove({rlm, direct, paletted, rendered});
+    Remove({rlm, direct, rendered});
 }
 
 TEST(Rltool, TextRendersIntoABitmapFile)
