@@ -1,5 +1,6 @@
 // vCOLOUR: conversions worked by hand, properties over the RGB cube, tints,
-// the Pantone path through a stand-in colour library, and the stream form.
+// the Pantone path through a stand-in colour library (the stream form: in the line
+// and fill styles' forms, and tests/native).
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <cmath>
@@ -182,24 +183,4 @@ TEST(Colour, PantoneResolvesThroughTheLibraryOrFailsQuietly)
     EXPECT_NE(GetModuleHandleA("KERNEL32.DLL"), nullptr);  // released, not unloaded by force
     EXPECT_TRUE(boxes.Calls().empty());
     StandIn(nullptr, nullptr);
-}
-
-TEST(Colour, StreamFormIsEightBytesValueTypeTintFlags)
-{
-    const vCOLOUR colours[] = {vCOLOUR(0x12, 0x34, 0x56), vCOLOUR(vCMYK, 0x01020304, 37, 1),
-                               vCOLOUR(0x00ABCDEFL, 1), vCOLOUR(vPANTONE, 0xFEDCBA98, 0, 0)};
-    const unsigned char expected[] = {
-        0x12, 0x34, 0x56, 0x00, 0, 100, 0x00, 0x00,  0x04, 0x03, 0x02, 0x01, 2, 37, 0x10, 0x00,
-        0xEF, 0xCD, 0xAB, 0x00, 0, 100, 0x01, 0x00,  0x98, 0xBA, 0xDC, 0xFE, 3, 0, 0x00, 0x00,
-    };
-    vMEMSTREAM m;
-    for (const vCOLOUR& c : colours)
-        EXPECT_EQ(&(c >> m), &m);
-    EXPECT_EQ(std::vector<unsigned char>(m.Buffer(), m.Buffer() + m.Size()), std::vector<unsigned char>(expected, std::end(expected)));
-    m.MoveFromStart(0);
-    for (const vCOLOUR& c : colours) {
-        vCOLOUR back;
-        EXPECT_TRUE(&(back << m) == &m && back == c);
-    }
-    EXPECT_EQ(m.Status(), vSTREAM_OK);
 }

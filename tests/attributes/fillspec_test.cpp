@@ -79,12 +79,4 @@ TEST(FillStyle, StreamForm)
     m.MoveFromStart(0);
     vFILLSPEC r(m);
     EXPECT_TRUE(r == c && m.CurrentPos() == m.Size());
-    // Any word but 40 means no bitmap and is consumed.
-    bytes[24] = 7;
-    bytes.push_back(0xAB);
-    vMEMSTREAM odd;
-    odd.WriteBlock(bytes.data(), (unsigned long)bytes.size());
-    odd.MoveFromStart(0);
-    vFILLSPEC o(odd);
-    EXPECT_TRUE(o.Bitmap(nullptr) == 0 && odd.CurrentPos() == 26u);
 }

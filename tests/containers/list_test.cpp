@@ -1,4 +1,4 @@
-// fLIST, fQUEUE and fSTACK: the list against a vector model; containers held in lists.
+// fLIST against a vector model (queues, stacks and lists held in lists: tests/native).
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <random>
@@ -64,32 +64,4 @@ TEST(List, AgreesWithAVectorUnderRandomOperations)
     twin.id = model.front();
     fLIST copy(list);
     EXPECT_TRUE(list.Remove(twin) == 0 && copy.Remove(*list.First()) == 1 && list.NoItems() == model.size());
-}
-
-TEST(List, HoldsListsQueuesAndStacksInOrderWithoutOwning)
-{
-    // Regression: the containers did not derive from vOBJECT, so none could be put in a list.
-    Item a, b, c;
-    {
-        fLIST inner, outer;
-        fQUEUE queue;
-        fSTACK stack;
-        inner.Append(a);
-        for (Item* i : {&a, &b, &c}) {
-            queue.Push(*i);
-            stack.Push(*i);
-        }
-        for (vOBJECT* o : std::vector<vOBJECT*>{&inner, &queue, &stack, &outer})   // a list may hold itself
-            ASSERT_EQ(outer.Append(*o), 1);
-        fLINK* l = outer.Next(nullptr);
-        EXPECT_EQ(static_cast<fLIST*>(l->Object())->First(), &a);
-        fQUEUE* q = static_cast<fQUEUE*>(outer.Next(l)->Object());
-        fSTACK* s = static_cast<fSTACK*>(outer.Next(outer.Next(l))->Object());
-        EXPECT_TRUE(outer.NoItems() == 4 && outer.Last() == static_cast<vOBJECT*>(&outer));
-        EXPECT_TRUE(q->Bottom() == &c && q->Remove(b) == 1 && q->Pull() == &a && s->Top() == &c);   // bottom: the newest
-        EXPECT_TRUE(s->Pop() == &c && s->Pop() == &b && s->Pop() == &a && s->Pop() == nullptr);
-        EXPECT_TRUE(outer.Remove(queue) == 1 && outer.Search(stack) == 1);
-        EXPECT_EQ(queue.NoItems() + stack.IsEmpty(), 2);   // c left in the queue
-    }
-    EXPECT_FALSE(a.destroyed || b.destroyed || c.destroyed);
 }

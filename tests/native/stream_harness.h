@@ -144,6 +144,18 @@ inline bool ReadAttributes(const unsigned char* data, size_t size)
             sink = sink + c.RGBFormat().Value() + c.CMYKFormat().Value() + c.HLSFormat().Value() +
                     c.TintFormat(rng.Below(300)).Value();
             sink = sink + vCOLOUR(c, vCOLOUR(), (short)rng.Below(70), (short)(1 + rng.Below(64))).Value();
+            // Every setter, in whatever model and type code the bytes gave.
+            static void (vCOLOUR::*const kSetters[])(unsigned char) = {
+                &vCOLOUR::Red, &vCOLOUR::Green, &vCOLOUR::Blue, &vCOLOUR::Cyan, &vCOLOUR::Magenta,
+                &vCOLOUR::Yellow, &vCOLOUR::Black, &vCOLOUR::Hue, &vCOLOUR::Light, &vCOLOUR::Saturation};
+            static void (vCOLOUR::*const kWide[])(unsigned short) = {&vCOLOUR::Marker, &vCOLOUR::Simtype, &vCOLOUR::Index};
+            sink = sink + c.Marker() + c.Simtype() + c.Index() + c.GetTint() + c.PantoneFormat(rng.Byte()).PackedRGB();
+            vCOLOUR set = c;
+            if (rng.Chance(4))
+                (set.*kWide[rng.Below(3)])((unsigned short)rng.U32());
+            else
+                (set.*kSetters[rng.Below(10)])(rng.Byte());
+            sink = sink + set.PackedRGB();
             break;
         }
         case 1: {

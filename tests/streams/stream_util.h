@@ -24,7 +24,6 @@ inline void PutFile(const std::string& path, const Bytes& data)
     std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(data.data()), data.size());
 }
 inline Bytes Cat(Bytes a, const Bytes& b) { return a.insert(a.end(), b.begin(), b.end()), a; }
-inline unsigned long LE32(const unsigned char* b) { return b[0] | (b[1] << 8) | (b[2] << 16) | ((unsigned long)b[3] << 24); }
 
 // A temporary path that is removed again when the helper goes away.
 struct TempFile {
