@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 #include "metafiles/metarec.h"
+#include "metarec_touch.h"
 #include "native_support.h"
 #include "rl132/bitmaps/odib.h"
 #include "rl132/streams/vmemstream.h"
@@ -23,21 +24,6 @@ Bytes Mix(Bytes head, std::initializer_list<long> values, const Bytes& tail = {}
             head.push_back((unsigned char)((unsigned long)v >> (8 * i)));
     head.insert(head.end(), tail.begin(), tail.end());
     return head;
-}
-
-// Everything a record points at, summed so that a pointer past the buffer shows.
-unsigned long Touch(const Record& r)
-{
-    unsigned long sum = 0;
-    for (unsigned long i = 0; r.text && i <= r.textLength; ++i)
-        sum += (unsigned char)r.text[i];
-    for (unsigned long i = 0; i < r.pointCount; ++i)
-        sum += (unsigned)r.PointX(i) + r.PointY(i) + r.PointFlags(i);
-    for (unsigned long i = 0; i < r.advanceCount; ++i)
-        sum += (unsigned)r.Advance(i);
-    for (unsigned long i = 0; i < r.blobSize; ++i)
-        sum += r.blob[i];
-    return sum;
 }
 
 // The first record of an exactly sized heap copy; *usedUp when it took all bytes;
