@@ -107,67 +107,6 @@ TEST(Dib, DifferenceCodedThroughCompressingFiles)
     }
 }
 
-TEST(Dib, BadStreamsFailCleanly)
-{
-    std::vector<unsigned char> good = MakeStored(5, 3, 8, 0, 256, std::vector<unsigned char>(12, 0x5A), true);
-    std::vector<std::vector<unsigned char>> bad;
-    for (size_t n = 0; n < good.size(); ++n)   // every truncation
-        bad.emplace_back(good.begin(), good.begin() + n);
-    const struct { long w, h; unsigned bits; unsigned long clr; } headers[] = {
-        {-127, 64, 1, 2}, {127, -2147483647L - 1, 8, 0},
-        {127, 64, 30000, 2}, {127, 64, 2, 4},   // 2 bits is not a format of the library
-        {127, 64, 8, 305402420}, {127, 64, 8, 257}, {127, 64, 8, 0x10002}};
-    for (const auto& b : headers)
-        bad.push_back(MakeStored(b.w, b.h, b.bits, b.clr, 0, std::vector<unsigned char>(12, 0x5A), true));
-    bad.push_back(good);
-    bad.back()[14 + 16] = 1;   // run-length rows are refused, not read as noise
-    for (size_t i = 0; i < bad.size(); ++i) {
-        vMEMSTREAM m;
-        Fill(m, bad[i]);
-        oMEMDIB d(m, 0);
-        m.MoveFromStart(0);
-        ASSERT_TRUE(d.Height() == 0 && d.Bits() == nullptr && oSTREAMDIB(m, 0).Height() == 0) << i;
-    }
-    // A header size other than 40 is not a DIB, and a failed read keeps the image.
-    good[14] = 108;
-    vMEMSTREAM m;
-    Fill(m, good);
-    oMEMDIB keep(2, 2, 8, oCM_PAL256, 0);
-    keep << m;
-    EXPECT_TRUE(keep.Width() == 2 && keep.Bits() != nullptr);
-    // A zero-height header: no rows, and the header is not asked for its stride.
-    vMEMSTREAM z;
-    Fill(z, MakeStored(5, 0, 24, 0, 0, {}));
-    oMEMDIB zero(z, 0);
-    unsigned char buf[16];
-    oCOLOUR_MODEL model = oCM_RGB24;
-    EXPECT_TRUE(zero.Height() == 0 && zero.Stride() == 16 && zero.GetImageLines(0, 0, buf, &model) == 0);
-}
-
-TEST(Dib, SetImageLinesInEitherOrder)
-{
-    const unsigned long w = 7, h = 9;
-    for (unsigned bits : {8u, 24u}) {
-        unsigned long stride = oDIBHEADER::Stride(bits, w);
-        std::vector<unsigned char> image = RandomBytes(stride * h, bits);
-        for (unsigned long block : {1ul, 2ul, 4ul, 9ul})
-            for (int kind = 0; kind < 4; ++kind) {
-                oDIB* d = kind % 2 ? (oDIB*)new oSTREAMDIB(0) : (oDIB*)new oMEMDIB(0);
-                d->SetHeader(oDIBHEADER(w, h, 96, 96, bits == 8 ? oCM_PAL256 : oCM_RGB24));
-                if (kind < 2)   // bottom row first: straight through
-                    for (unsigned long first = 0; first < h; first += block)
-                        ASSERT_EQ(d->SetImageLines(&image[first * stride], oCM_RGB24, first, std::min(h, first + block) - 1), 1);
-                else   // top row first: staged and reversed block by block
-                    for (long last = (long)h - 1; last >= 0; last -= (long)block) {
-                        unsigned long first = last + 1 >= (long)block ? last + 1 - block : 0;
-                        ASSERT_EQ(d->SetImageLines(&image[first * stride], oCM_RGB24, first, last), 1);
-                    }
-                EXPECT_EQ(Rows(*d), image) << bits << " " << block << " " << kind;
-                delete d;
-            }
-    }
-}
-
 TEST(Dib, ConvertingCopyAgainstPerPixelArithmetic)
 {
     std::mt19937 rng(17);

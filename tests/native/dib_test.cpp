@@ -2,6 +2,9 @@
 // difference coder and the dither in buffers of exactly their contract's size.
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <vector>
 #include "bitmaps/dibrows.h"
 #include "bitmaps/dither.h"
@@ -63,6 +66,69 @@ TEST(NativeDib, PlansForHostileHeaders)
     }
     // The generator must reach both sides of the limit.
     EXPECT_TRUE(ok > 10000 && tooBig > 1000) << ok << " accepted, " << tooBig << " too big";
+}
+
+TEST(NativeDib, DitherAndSteppingPins)
+{
+    // The 16 standard colours map to themselves, two to a byte, high nibble first;
+    // blue 51, green 102, red 153 is cube entry (3 × 6 + 2) × 6 + 1 + 20.
+    Ditherer d4;
+    unsigned char row16[48], out16[8], out[3], quads[1024];
+    for (int i = 0; i < 48; ++i)
+        row16[i] = kPalette16[i / 3][2 - i % 3];
+    ASSERT_TRUE(d4.Init(16));
+    d4.Line4(row16, out16);
+    for (int i = 0; i < 16; ++i)
+        EXPECT_EQ(i & 1 ? out16[i / 2] & 15 : out16[i / 2] >> 4, i);
+    FillCubePalette(quads);
+    EXPECT_EQ(std::vector<int>(quads + 4 * 141, quads + 4 * 141 + 3), (std::vector<int>{51, 102, 153}));
+    // White, then black: 235 and 20. Pixel 1 has residue e1; pixel 2 (102 + its 7/16 share) passes
+    // on its own. The carried row holds each pixel's below-left, below and below-right shares,
+    // rounded towards minus infinity, on the exact neighbours.
+    const struct { int mid, e1, carried[4]; } cases[] = {{51 + 25, 25, {4, 7 + 1, 4 + 3, 2}}, {102 - 25, -25, {-5, -8 - 3, -1 - 4, 1}}};
+    for (const auto& c : cases)
+        for (int fast = 0; fast < 2; ++fast) {
+            Ditherer bw, t;
+            const unsigned char px[6] = {255, 255, 255, 0, 0, 0};
+            ASSERT_TRUE(bw.Init(2) && t.Init(3));
+            fast ? bw.Line8(px, out) : bw.Line8Reference(px, out);
+            EXPECT_TRUE(out[0] == 235 && out[1] == 20);
+            unsigned char row[9] = {0, 0, 0};
+            std::memset(row + 3, c.mid, 3);
+            std::memset(row + 6, 102, 3);
+            fast ? t.Line8(row, out) : t.Line8Reference(row, out);
+            const PIXERR* e = t.Carried();
+            const int l2 = CubeLevel(102 + (int)std::floor(c.e1 * 7 / 16.0));
+            EXPECT_TRUE(e[1].r == c.carried[0] && e[2].g == c.carried[1] && e[3].b == c.carried[2] && e[4].r == c.carried[3] &&
+                        out[2] == CubeIndex(l2, l2, l2)) << fast;
+        }
+    // Stepping: map and walker agree; enlarging, both ends are kept and each pick is the
+    // nearest point of the line from (0, 0) to (t − 1, s − 1).
+    const std::uint32_t sizes[] = {1, 2, 3, 7, 10, 31, 64};
+    for (int ends = 0; ends < 2; ++ends)
+        for (std::uint32_t s : sizes)
+            for (std::uint32_t t : sizes) {
+                std::vector<std::uint32_t> map(t, 9999);
+                StepMap(s, t, map.data(), ends != 0);
+                Stepper w(s, t, ends != 0);
+                std::uint32_t k = 0;
+                for (std::uint32_t i = 0; i < s; ++i)
+                    for (std::uint32_t n = w.Take(); n; --n, ++k)
+                        ASSERT_TRUE(k < t && map[k] == i) << s << "->" << t;
+                ASSERT_TRUE(k == t && w.Done() && (!ends || s > t || map[t - 1] == s - 1)) << s << "->" << t;
+                for (std::uint32_t i = 0; ends && s <= t && i < t; ++i)
+                    ASSERT_LE(std::llabs(2LL * map[i] * (t - 1) - 2LL * i * (s - 1)), (long long)t - 1) << s << "->" << t;
+            }
+    // Rows, worked by hand from the error terms: the same height does not give
+    // the identity, it repeats the second-last row in place of the last.
+    const struct { std::uint32_t s, t; std::vector<std::uint32_t> map; } worked[] = {
+        {2, 2, {0, 0}}, {3, 3, {0, 1, 1}}, {4, 4, {0, 1, 1, 2}}, {2, 5, {0, 0, 0, 1, 1}},
+        {3, 7, {0, 0, 1, 1, 1, 1, 2}}, {5, 2, {1, 3}}, {10, 3, {1, 4, 7}}, {1, 10, std::vector<std::uint32_t>(10, 0)}};
+    for (const auto& w : worked) {
+        std::vector<std::uint32_t> map(w.t);
+        StepMap(w.s, w.t, map.data(), false);
+        EXPECT_EQ(map, w.map) << w.s << "->" << w.t;
+    }
 }
 
 TEST(NativeDib, RowsAndDitherInExactBuffers)

@@ -117,46 +117,6 @@ TEST(NativeDibConv, InkPlanesFollowTheColourModelAndSurviveThePlane)
     }
 }
 
-TEST(NativeDibConv, ConversionMatchesSeparateAndHidesWhatDoesNotShow)
-{
-    Rng rng(11);
-    std::vector<std::uint32_t> px(3000);
-    for (auto& p : px)
-        p = rng.Below(8) ? rng.Below(0x1000000) : 0x28D4u | 0x370000u;   // now and then the spot colour
-    const vCOLOUR spot(212, 40, 55), cyan(vCMYK, 100, 100, 0), tint(vCMYK, 60u << 8, 100, 0);
-    const devmath::SEPARATION cases[] = {
-        {1, vCOLOUR(0, 0, 160), spot, 1, 1, 0}, {2, cyan, cyan, 1, 1, 0},     {3, spot, spot, 0, 1, 0},
-        {3, spot, spot, 1, 1, 0},               {4, cyan, spot.TintFormat(100), 1, 1, 2}, {7, cyan, cyan, 1, 1, 0}};
-    for (const auto& s : cases)
-        for (const vCOLOUR* t : {(const vCOLOUR*)nullptr, &tint}) {
-            SCOPED_TRACE(::testing::Message() << "mode " << s.mode << (t ? " tinted" : ""));
-            std::vector<std::uint32_t> canvas = px;
-            std::vector<unsigned char> hidden(px.size(), 0);
-            hidden[5] = 1;
-            dibconv::MapCanvas(s, t, canvas.data(), hidden.data(), canvas.size());
-            EXPECT_EQ(canvas[5], px[5]) << "a hidden pixel is left alone";
-            for (size_t i = 6; i < px.size(); ++i) {
-                std::uint32_t ref = dibconv::RefFromCanvas(px[i]);
-                int shows = 1;
-                vCOLOUR c = devmath::Separate(s, vCOLOUR((unsigned char)ref, (unsigned char)(ref >> 8), (unsigned char)(ref >> 16)),
-                                              &shows, t);
-                ASSERT_EQ(hidden[i], shows ? 0 : 1) << i;
-                ASSERT_EQ(canvas[i], shows ? dibconv::CanvasFromRef((std::uint32_t)c.PackedRGB() & 0xFFFFFF) : px[i]) << i;
-            }
-            // A process plate drawn from its ink plane is the same picture.
-            if (dibconv::ProcessPlate(s) && !t) {
-                std::vector<unsigned char> plane(px.size());
-                std::vector<std::uint32_t> viaPlane = px;
-                dibconv::InkPlane(px.data(), px.size(), s.plate, plane.data());
-                dibconv::ApplyPlane(s.plateColour, plane.data(), viaPlane.data(), hidden.data(), px.size());
-                EXPECT_TRUE(viaPlane == canvas);
-            }
-        }
-    std::uint32_t two[2] = {0x123456, 0xFF00FF};
-    dibconv::Invert(two, 2);
-    EXPECT_TRUE(two[0] == 0xEDCBA9 && two[1] == 0x00FF00);
-}
-
 TEST(NativeDibConv, MaskAndPackedBlocks)
 {
     // 9 × 2, hidden where x + y is a multiple of 3; hidden pixels turn black.

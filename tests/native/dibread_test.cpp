@@ -1,6 +1,8 @@
 // The whole DIB read path (dib_harness.h) over stored forms of every kind, whole
 // and damaged, after the inputs that once found something.
 #include <gtest/gtest.h>
+#include <algorithm>
+#include <cstring>
 #include "dib_harness.h"
 
 using namespace rlnative;
@@ -97,6 +99,48 @@ TEST(NativeDibRead, FoundInputs)
             EXPECT_TRUE(dibfuzz::Rows(back) == frame && dibfuzz::Rows(carried) == frame) << seed << " bits " << bits << " cached " << cached;
         }
         dibfuzz::Run(v.data(), v.size());
+    }
+    // A palette or first pixels reading B1 AA 12 00 (the frame marker) made every
+    // reader give up, and the resampler's own output beginning so could not be
+    // read again: such bytes are raw data, from memory and from a file.
+    static const unsigned char kMagic[2][8] = {{0xB1, 0xAA, 0x12, 0x00, 0xFF, 0xFF, 0xFF, 0x7F},
+                                               {0xB1, 0xAA, 0x12, 0x00, 0x10, 0x00, 0x00, 0x00}};
+    for (int k = 0; k < 6; ++k) {
+        const std::uint16_t bits = k < 3 ? 8 : 24;
+        const unsigned char* lead = kMagic[k % 3 == 2];
+        Rng rng(k + 1u);
+        Bytes rows(rldib::Stride(bits, 5) * 3), v = k % 3 == 0 ? Bytes{'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0} : Bytes();
+        rng.Fill(rows.data(), rows.size());
+        if (bits == 24)
+            std::memcpy(rows.data(), lead, 8);
+        const Bytes head = Info({40u, 5u, 3u, 1u | (std::uint32_t)bits << 16, 0u, 0u, 0u, 0u, 0u, 0u});
+        v.insert(v.end(), head.begin(), head.end());
+        for (int i = 0; bits == 8 && i < 1024; ++i)
+            v.push_back(i < 8 ? lead[i] : rng.Byte());
+        v.insert(v.end(), rows.begin(), rows.end());
+        vMEMSTREAM m;
+        dibfuzz::Load(m, v);
+        vFILE f(dibfuzz::TempName("lookalike"), vFILE_WRITENEW, 1);
+        f.WriteBlock(v.data(), (unsigned long)v.size());
+        for (vSTREAM* s : {(vSTREAM*)&m, (vSTREAM*)&f}) {
+            s->MoveFromStart(0);
+            oMEMDIB d(*s, 0);
+            s->MoveFromStart(0);
+            EXPECT_TRUE(dibfuzz::Rows(d) == rows && dibfuzz::Rows(oSTREAMDIB(*s, 0)) == rows) << k;
+            const Bytes pal = dibfuzz::PaletteOf(d);
+            EXPECT_TRUE(bits == 24 || (pal.size() == 1024 && std::equal(lead, lead + 3, pal.begin()))) << k;
+        }
+        dibfuzz::Run(v.data(), v.size());
+    }
+    // A header far larger than the rows behind it: a converting copy reads nothing outside them.
+    oMEMDIB small(4, 2, 24, oCM_RGB24, 0);
+    for (int kind = 0; kind < 2; ++kind) {
+        oSTREAMDIB carried(small, 0);
+        oDIB& src = kind ? (oDIB&)carried : (oDIB&)small;
+        src.SetHeader(oDIBHEADER(3000, 2000, 96, 96, oCM_RGB24));
+        oMEMDIB copy(src, oCM_PAL256, 300, 200, nullptr);
+        EXPECT_TRUE(copy.Width() == 300 && dibfuzz::Rows(copy) == Bytes(copy.Stride() * 200, 0)) << kind;
+        src.SetHeader(oDIBHEADER(4, 2, 96, 96, oCM_RGB24));
     }
 }
 
