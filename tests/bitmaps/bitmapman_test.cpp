@@ -168,10 +168,11 @@ TEST(BitmapManager, NewFailureHandlerPagesBitmapsOut)
     EXPECT_TRUE(vSYSTEM::GetExceptionFlag() == 1 && boxes.Calls().size() == 1u);
     vSYSTEM::SetExceptionFlag(0);
     // They come back from their file, tracing the way.
-    vSYSTEM::SetTraceLevel(2);
     rltest::DebugOutput out;
-    EXPECT_TRUE(bitmaps[3].Valid());
-    vSYSTEM::SetTraceLevel(0);
+    {
+        rltest::TraceLevel level(2);
+        EXPECT_TRUE(bitmaps[3].Valid());
+    }
     for (const char* line : {"gdiRESOURCE::GetMSBitmap", "fileRESOURCE::Paging In", "fileRESOURCE::DIBToBitmap"})
         EXPECT_NE(std::string::npos, out.Text().find(std::string("Trace: ") + line)) << line;
 }

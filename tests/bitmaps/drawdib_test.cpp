@@ -154,8 +154,7 @@ TEST(DrawDib, SeparatedNegativeAndTintedPagesOnBothRoads)
                           {vDM_PROCESS_OR_SPOT, vCOLOUR(vCMYK, 100u << 24, 100, 0), 1, 0, false}, {vDM_PROCESS, vCOLOUR(vCMYK, 100u << 16, 100, 0), 1, 0, true},
                           {vDM_SPOT, spot, 0, 0, false}, {vDM_PROCESS, vCOLOUR(vCMYK, 100, 100, 0), 1, vDIB_ASIS, false}};
     rltest::DebugOutput trace;
-    unsigned short level = vSYSTEM::GetTraceLevel();
-    vSYSTEM::SetTraceLevel(2);
+    rltest::TraceLevel level(2);
     for (int n = 0; n < (int)(sizeof cases / sizeof cases[0]); ++n)
         for (const char* road : {"missing", "stand-in", "short-dib", "no-invert"}) {
             const CASE& c = cases[n];
@@ -191,7 +190,6 @@ TEST(DrawDib, SeparatedNegativeAndTintedPagesOnBothRoads)
                                                      !c.tinted && !(c.flags & vDIB_ASIS));
             EXPECT_TRUE((Counter("LEAD_STANDIN_CALLS") > 0) == (library && asked) && (LEADBRIDGE::Instance().IsLoaded() != 0) == (library && asked));
         }
-    vSYSTEM::SetTraceLevel(level);
     EXPECT_NE(trace.Text().find("Trace: LeadTools Library Loaded"), std::string::npos);
     long unloads = Counter("LEAD_STANDIN_UNLOADS");
     Road(true);

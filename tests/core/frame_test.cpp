@@ -30,6 +30,7 @@ struct FrameState {
 DWORD WINAPI NothingToDo(LPVOID) { return 0; }
 void ReadProfile(const char* traceLevel, const char* checkHeap)
 {
+    rltest::ProfileLock lock;
     WriteProfileStringA("Rillgate", "TraceLevel", traceLevel);
     WriteProfileStringA("Rillgate", "CheckHeap", checkHeap);
     HANDLE t = CreateThread(nullptr, 0, NothingToDo, nullptr, 0, nullptr);

@@ -29,8 +29,7 @@ TEST(PhotoAccess, LoadsByNameCountsUsesAndUnloadsWithTheLast)
     EXPECT_TRUE(!lstrcmpA(PCDACCESS::EntryName(31), "PCDOclose") && !PCDACCESS::EntryName(54) &&
                 !PCDACCESS::EntryName(-1));
     OUTLIBFILEMAP saved = OUTLIB::SetFileMap(PhotoLibrary);
-    unsigned short level = vSYSTEM::GetTraceLevel();
-    vSYSTEM::SetTraceLevel(2);
+    rltest::TraceLevel level(2);
     SetEnvironmentVariableA("PCDSTANDIN_LOADS", nullptr), SetEnvironmentVariableA("PCDSTANDIN_UNLOADS", nullptr);
     PCDACCESS& pcd = PCDACCESS::Process();
     ASSERT_TRUE(&pcd == &PCDACCESS::Process() && !pcd.IsLoaded());
@@ -80,6 +79,5 @@ TEST(PhotoAccess, LoadsByNameCountsUsesAndUnloadsWithTheLast)
     }
     EXPECT_TRUE(!pcd.IsLoaded() && pcd.Uses() == 0 && pcd.PCDopen("3x2", &pack) == PCDACCESS::NO_ENTRY);
     gLibrary = "PCDSTANDIN.DLL";
-    vSYSTEM::SetTraceLevel(level);
     OUTLIB::SetFileMap(saved);
 }

@@ -193,8 +193,9 @@ TEST(Photo, OverviewBitmapsPageOutAndBackIn)
         want.push_back(Drawn(p.Size().Width()(), p.Size().Height()(), [&](vDEVICE& d) { return p.Draw(d, kOrigin); }));
     }
     rltest::DebugOutput out;
-    unsigned short level = vSYSTEM::GetTraceLevel(), limit = vPAGEOUT::GetResidentLimit();
-    vSYSTEM::SetTraceLevel(2), vPAGEOUT::SetResidentLimit(2);
+    unsigned short limit = vPAGEOUT::GetResidentLimit();
+    rltest::TraceLevel level(2);
+    vPAGEOUT::SetResidentLimit(2);
     auto roundTrip = [&](const char* how) {
         SCOPED_TRACE(how);
         m->PageOut();
@@ -218,7 +219,7 @@ TEST(Photo, OverviewBitmapsPageOutAndBackIn)
     EXPECT_EQ(0, PCDACCESS::Process().IsLoaded());
     EXPECT_NE(std::string::npos, roundTrip("volume gone").find(reopen));
     EXPECT_EQ(0, PCDACCESS::Process().IsLoaded());
-    vSYSTEM::SetTraceLevel(level), vPAGEOUT::SetResidentLimit(limit);
+    vPAGEOUT::SetResidentLimit(limit);
 }
 
 // Write picks the plug-in by the stream's extension in any case; what it wrote reads back as

@@ -51,6 +51,35 @@ std::string DebugOutput::Text() const
     return all;
 }
 
+ProfileLock::ProfileLock() : mutex_(CreateMutexA(nullptr, FALSE, "RL132TestProfile"))
+{
+    // Bounded: a program that died holding it leaves it abandoned, not held.
+    if (mutex_)
+        WaitForSingleObject(mutex_, 60000);
+}
+
+ProfileLock::~ProfileLock()
+{
+    if (mutex_) {
+        ReleaseMutex(mutex_);
+        CloseHandle(mutex_);
+    }
+}
+
+TraceLevel::TraceLevel(unsigned short level) : old_(vSYSTEM::GetTraceLevel())
+{
+    char text[8];
+    wsprintfA(text, "%u", level);
+    WriteProfileStringA("Rillgate", "TraceLevel", text);
+    vSYSTEM::SetTraceLevel(level);
+}
+
+TraceLevel::~TraceLevel()
+{
+    WriteProfileStringA("Rillgate", "TraceLevel", nullptr);
+    vSYSTEM::SetTraceLevel(old_);
+}
+
 std::string DataDir()
 {
     char path[MAX_PATH];

@@ -42,6 +42,31 @@ private:
     std::vector<std::string> writes_;
 };
 
+// Keeps other test programs running at the same time off the library's profile
+// entries while it lives (they share one profile).
+class ProfileLock {
+public:
+    ProfileLock();
+    ~ProfileLock();
+
+private:
+    HANDLE mutex_;
+};
+
+// Holds the library's trace level while it lives, in the profile as well: Wine
+// starts threads of its own (the first screen context makes one), and every
+// thread start or end runs the library's entry point, which reads the level
+// from the profile again.
+class TraceLevel {
+public:
+    explicit TraceLevel(unsigned short level);
+    ~TraceLevel();
+
+private:
+    ProfileLock lock_;
+    unsigned short old_;
+};
+
 // The test data folder (tests/data, or the one RL132_DATA names) as a Windows path.
 std::string DataDir();
 // A fresh temporary file name in the build's temporary folder.
