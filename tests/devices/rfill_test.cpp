@@ -118,7 +118,7 @@ TEST(FillRender, GradedFillsAreTheirBands)
                                  {RGB(10, 200, 10), RGB(10, 200, 10)}};
     for (int type = 4; type <= 6; ++type)
         for (int quality = 0; quality <= 1; ++quality)
-            for (int angle : {0, 30, 90, 135, 200, 359})
+            for (int angle : {0, 135})
                 for (const auto& pair : pairs) {
                     SURFACE got(130, 110), want(130, 110);
                     DEVICE d(got.dc);

@@ -93,7 +93,7 @@ void CALLBACK BlockDot(int x, int y, LPARAM)
 // Thin outlines: a pure colour takes a pen of the width (MoveTo / LineTo runs,
 // each contour's last pixel set on its own); a colour a pen would dither is
 // painted in width x width blocks, one per axis-parallel segment, a LineDDA
-// walk otherwise.
+// walk otherwise. The pen and block rules are checked only here, by pixels.
 TEST(LineRender, ThinOutlinesArePenRunsOrBlocks)
 {
     const std::vector<PT> open = {{10, 10}, {60, 15}, {30, 70}, {80, 90}}, closed = {{70, 10}, {110, 30}, {90, 60}},
