@@ -1,5 +1,5 @@
-// The device's mapping over generated values, its adoption of a caller's
-// mapping, the state stacks, its drawing members and clip rectangles by their
+// The device's adoption of a caller's mapping, the state stacks, its
+// polylines and clip rectangles by their
 // pixels against the plain GDI calls on a second surface, and colour
 // separation over generated colours against the rules written out here.
 #include <gtest/gtest.h>
@@ -17,29 +17,6 @@ void Units(vDEVICE& d, long h, long v, long ox, long oy)
     d.Origin(P(ox, oy));
 }
 } // namespace
-
-TEST(DeviceMapping, ResolutionsOriginsAndRounding)
-{
-    SURFACE s(8, 8);
-    DEVICE d(s.dc);
-    EXPECT_EQ(d.LogUnitsPerHorzInch(), vINT(96L));
-    EXPECT_TRUE(d.LPtoDP(P(-1, -2)) == P(0, -1));  // negative values pulled one step toward zero
-    EXPECT_TRUE(d.DPtoLP(P(-1, -50)) == P(0, -49));
-    d.LogUnitsPerHorzInch(vINT(600L));
-    d.LogUnitsPerHorzInch(vINT(0L));  // refused
-    EXPECT_EQ(d.LogUnitsPerHorzInch(), vINT(600L));
-    for (long u : {1L, 72L, 96L, 254L, 300L, 1200L, -254L})
-        for (long o : {0L, 13L, -40L}) {
-            Units(d, u, 2 * u, o, -o);
-            for (long v = -300; v <= 300; v += 37) {
-                vPOINT p = d.LPtoDP(P(v, v)), q = d.DPtoLP(P(v, v));
-                ASSERT_TRUE(p.x() == Map(v, o, 96, u) && p.y() == Map(v, -o, 96, 2 * u)) << u << " " << o << " " << v;
-                ASSERT_TRUE(q.x() == Map(v, 0, u, 96) - o && q.y() == Map(v, 0, 2 * u, 96) + o) << u << " " << v;
-                ASSERT_TRUE(d.LHtoDH(vINT(v))() == Map(v, 0, 96, u) && d.LVtoDV(vINT(v))() == Map(v, 0, 96, 2 * u));
-                ASSERT_TRUE(d.DHtoLH(vINT(v))() == Map(v, 0, u, 96) && d.DVtoLV(vINT(v))() == Map(v, 0, 2 * u, 96));
-            }
-        }
-}
 
 // The caller's mapping becomes the logical system, drawing is in pixels, and
 // the caller gets its mapping back; an upward y axis gives a negative resolution.
@@ -93,31 +70,6 @@ TEST(DeviceState, PushAndPopStateRestoreAllFour)
     EXPECT_TRUE(d.ClipArea() == R(4, 4, 21, 21));
     EXPECT_EQ(d.PushFontSpec() + d.PopFontSpec() + d.PopFontSpec(), 2);
     EXPECT_EQ(d.PopLineSpec() + d.PopFillSpec() + d.PopClipArea() + d.PopState(), 0);
-}
-
-// Rectangles (right and bottom edge covered) and ellipses (not), also reaching
-// into negative coordinates, under several resolutions and origins.
-TEST(DeviceDraw, PlainFillsMatchGdiUnderEveryMapping)
-{
-    struct MAPCASE { long h, v, ox, oy; } const maps[] = {
-        {96, 96, 0, 0}, {300, 300, 0, 0}, {72, 72, 5, -3}, {600, 150, -40, 25}, {254, 100, 17, 9}};
-    for (const MAPCASE& m : maps)
-        for (const vRECT& r : {R(3, 4, 40, 30), R(-12, -7, 25, 18), R(10, 10, 10, 10), R(0, 0, 63, 47)})
-            for (int ellipse = 0; ellipse < 2; ++ellipse) {
-                SURFACE got(64, 48), want(64, 48);
-                {
-                    DEVICE d(got.dc);
-                    Units(d, m.h, m.v, m.ox, m.oy);
-                    PlainFill(d, vCOLOUR(200, 30, 40));
-                    EXPECT_EQ(ellipse ? d.DrawEllipse(r) : d.DrawRect(r), 1);
-                }
-                long l = Map(r.left(), m.ox, 96, m.h), t = Map(r.top(), m.oy, 96, m.v);
-                long rr = Map(r.right(), m.ox, 96, m.h), b = Map(r.bottom(), m.oy, 96, m.v);
-                WITHBRUSH brush(want.dc, kRed);
-                ellipse ? Ellipse(want.dc, l, t, rr, b) : Rectangle(want.dc, l, t, rr + 1, b + 1);
-                EXPECT_TRUE(Same(got, want)) << ellipse << " " << m.h << "/" << m.v << " " << m.ox << "," << m.oy
-                                             << " rect " << r.left() << "," << r.top();
-            }
 }
 
 // Polylines from arguments and from a collection include their last pixel;

@@ -279,35 +279,6 @@ TEST(NativeStroke, DashStretchesFollowThePattern)
     EXPECT_EQ(want, Polygons(st.List()));
 }
 
-TEST(NativeStroke, ThinOutlines)
-{
-    // The pen: one polyline per contour, the end pixel set explicitly.
-    LINESTROKER st;
-    st.Init(Params(1, 1));
-    GPOINT rect[4] = {{0, 0}, {10, 0}, {10, 5}, {0, 5}};
-    StrokePolyline(st, rect, 4, true);
-    ASSERT_EQ(1, st.List().NumPolys());
-    EXPECT_EQ(5, st.List().Counts()[0]);
-    EXPECT_TRUE(st.HasLastPixel() && st.LastPixel() == (GPOINT{0, 0}));
-    st.ClearOutput();
-    GPOINT dot[2] = {{3, 3}, {3, 3}};
-    StrokePolyline(st, dot, 2, false);
-    EXPECT_TRUE(st.List().NumPolys() == 0 && !st.HasLastPixel()); // a zero-length segment draws nothing
-
-    // Brush blocks: axis pieces as one PatBlt from the upper or left end,
-    // shifted by width >> 1; others as a LineDDA walk.
-    st.Init(Params(1, 3, 2, 1, 0x808080));
-    ASSERT_EQ(kMethodBlocks, st.State().method);
-    GPOINT path[4] = {{10, 20}, {10, 5}, {40, 5}, {45, 9}};
-    StrokePolyline(st, path, 4, false);
-    const LINEBLOCK want[3] = {{kBlockRect, {9, 4}, {3, 18}}, {kBlockRect, {9, 4}, {33, 3}}, {kBlockDDA, {40, 5}, {45, 9}}};
-    ASSERT_EQ(3, st.Blocks().NumBlocks());
-    for (int i = 0; i < 3; ++i) {
-        const LINEBLOCK& b = st.Blocks().Blocks()[i];
-        EXPECT_TRUE(want[i].kind == b.kind && want[i].a == b.a && want[i].b == b.b) << i;
-    }
-}
-
 TEST(NativeStroke, OctantMasksAndArcs)
 {
     struct Row {
