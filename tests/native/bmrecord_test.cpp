@@ -7,16 +7,12 @@ using namespace rlbmrec;
 
 TEST(NativeBmRecord, ResidentLimitAndStrips)
 {
-    // 241 clamped, 0 - 10 and 9 - 10 wrap, exactly 0, 11 raised, the product wraps.
-    const std::uint32_t limits[][2] = {{8u * 1024 * 1024, 150}, {1024u * 1024, 21}, {0, 150},    {300000, 150},
-                                       {333334, 20},            {700000, 20},       {5000000, 140}, {146498910u, 90},
-                                       {0xFFFFFFFFu, 150}};
+    // Clamped, 0 - 10 wraps, 11 raised, the product wraps.
+    const std::uint32_t limits[][2] = {{8u * 1024 * 1024, 150}, {0, 150}, {333334, 20}, {146498910u, 90}, {0xFFFFFFFFu, 150}};
     for (const auto& c : limits)
         EXPECT_EQ(c[1], ResidentLimitFor(c[0])) << c[0];
     // bytes, height, strips, rows: 150001 x 5 is 2, 2, 1 (a fourth strip would be empty).
-    const std::uint32_t strips[][4] = {{59999, 100, 1, 100}, {60000, 100, 2, 50}, {60000, 101, 2, 51},
-                                       {100000, 7, 2, 4},    {100001, 9, 3, 3},   {150001, 5, 3, 2},
-                                       {1000000, 1, 1, 1},   {0, 0, 0, 0},        {196608, 256, 4, 64}};
+    const std::uint32_t strips[][4] = {{59999, 100, 1, 100}, {60000, 101, 2, 51}, {150001, 5, 3, 2}, {0, 0, 0, 0}};
     for (const auto& c : strips) {
         std::uint32_t count = 99, rows = 99, total = 0;
         PlanStrips(c[0], c[1], &count, &rows);
@@ -42,20 +38,12 @@ TEST(NativeBmRecord, HeaderVerdicts)
         {{40, 10, 10, 24, 0, 0, 0}, 320, kOk, 0, 0, 320, 1},
         {{40, 10, 10, 24, 0, 0, 0}, 319, kShort, 0, 0, 0, 0},
         {{40, 10, -10, 8, 0, 0, 7}, 1024 + 120, kOk, 256, 0, 120, 1},  // the stored count is not looked at
-        {{40, 10, 10, 8, 0, 0, 0}, 1024 + 119, kShort, 0, 0, 0, 0},
         {{40, 10, 10, 32, 0, 0, 3}, 12 + 400, kOk, 0, 12, 400, 1},
-        {{40, 10, 10, 32, 0, 0, 0x40000000}, 100000, kShort, 0, 0, 0, 0},
-        {{40, 10, 10, 24, 0, 400, 0}, 400, kOk, 0, 0, 400, 1},
         {{40, 10, 10, 24, 0, 319, 0}, 400, kBadSizeImage, 0, 0, 0, 0},
-        {{12, 10, 10, 24, 0, 0, 0}, 400, kBadHeader, 0, 0, 0, 0},
-        {{40, 0, 10, 24, 0, 0, 0}, 400, kBadHeader, 0, 0, 0, 0},
-        {{40, 10, 0, 24, 0, 0, 0}, 400, kBadHeader, 0, 0, 0, 0},
-        {{40, -3, 10, 24, 0, 0, 0}, 400, kBadHeader, 0, 0, 0, 0},
         {{40, 10, (std::int32_t)0x80000000, 24, 0, 0, 0}, ~0ull, kBadHeader, 0, 0, 0, 0},
         {{40, 10, 10, 2, 0, 0, 0}, 400, kBadBits, 0, 0, 0, 0},
         {{40, 10, 10, 8, 1, 0, 0}, ~0ull, kCompressed, 0, 0, 0, 0},
         {{40, 0x7FFFFFFF, 0x7FFFFFFF, 32, 0, 0, 0}, ~0ull, kTooLarge, 0, 0, 0, 0},
-        {{40, 20000, 20000, 24, 0, 0, 0}, ~0ull, kTooLarge, 0, 0, 0, 0},
         {{40, 200, 100, 24, 0, 0, 0}, 60000, kOk, 0, 0, 60000, 2},
     };
     for (const auto& c : cases) {
@@ -81,9 +69,8 @@ TEST(NativeBmRecord, ExpandedRecordsAndTheSixteenBitCount)
         bmrec::Header h;
         std::uint32_t bytes;
         Verdict verdict;
-    } cases[] = {{big, 40, kOk},        {big, 41, kShort},      {big, 196648, kOk},     {big, 39, kShort},
-                 {odd, 24504, kOk},     {odd, 24503, kShort},   {odd, 90040, kOk},      {small, 1320, kOk},
-                 {small, 1319, kShort}, {small, 1063, kShort},  {small, 5000, kOk}};
+    } cases[] = {{big, 40, kOk}, {big, 41, kShort}, {odd, 24504, kOk}, {odd, 24503, kShort}, {small, 1320, kOk},
+                 {small, 1319, kShort}};
     for (const auto& c : cases) {
         rlnative::Exact buf(c.bytes);
         std::memset(buf.p, 0, c.bytes);

@@ -36,13 +36,6 @@ TEST(NativeCompress, RoundTripsAtEveryDictionaryModeAndLevelInRandomPieces)
             ASSERT_TRUE(RoundTrip(in.data(), in.size())) << "pick " << pick << " size " << n << ": " << LastFailure();
         }
     }
-    // A level beyond 9 works as 9.
-    Bytes plain = MakeData(rng, 20000);
-    Pipe p{&rng};
-    ASSERT_EQ(0u, Feed(p, plain.data(), plain.size(), 3, 200, 0, 4096, implode_work_size(200)));
-    Bytes packed = p.out;  // (Feed clears p.out)
-    ASSERT_EQ(0u, Feed(p, packed.data(), packed.size(), 1));
-    ASSERT_TRUE(p.badWrites == 0 && p.out == plain);
 }
 
 TEST(NativeCompress, DamagedStreams)

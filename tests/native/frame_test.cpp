@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <vector>
 #include "native_support.h"
-#include "rl132/streams/vmemstream.h"
 #include "streams/frame.h"
 
 using namespace rlnative;
@@ -128,26 +127,3 @@ TEST(NativeFrame, AnythingThatDoesNotParseIsRaw)
 }
 
 } // namespace
-
-TEST(NativeFrame, AMemoryStreamKeepsRunsThatReadAsFramesAsTheyAre)
-{
-    // A compressing file gives such a run a frame of its own (file_harness.h checks
-    // that); a memory stream writes it as it is and reads it back raw.
-    Rng rng(17);
-    for (int iter = 0; iter < 6; ++iter) {
-        Bytes plain = Words(rng, 50 + rng.Below(2000));
-        Bytes run(plain.size() * 2 + 100);
-        run.resize(rlframe::Pack(plain.data(), (unsigned long)plain.size(), run.data(), (unsigned long)run.size(), 1));
-        ASSERT_TRUE(!run.empty() && Judge(run, 0, nullptr).frame);
-        const unsigned long n = (unsigned long)run.size();
-        vMEMSTREAM m;
-        m.Compress(1);
-        rlframe::ForgetWrite();
-        EXPECT_EQ(m.WriteBlock(run.data(), n), n);
-        EXPECT_EQ(rlframe::LastWrite(m), rlframe::kNotWritten);
-        m.MoveFromStart(0);
-        Exact back(n);
-        EXPECT_EQ(m.ReadByteString(back.p, n), (long)n);
-        EXPECT_TRUE(std::equal(run.begin(), run.end(), back.p));
-    }
-}

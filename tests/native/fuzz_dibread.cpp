@@ -1,4 +1,4 @@
-// libFuzzer entry point: the DIB read path (dib_harness.h); first byte 0xFF: a framed picture, then damaged.
+// libFuzzer entry point: the DIB read path (dib_harness.h).
 #include "dib_harness.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

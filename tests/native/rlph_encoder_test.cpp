@@ -75,7 +75,7 @@ const FORMAT kFormats[] = {{"bmp", &gBmp, ReadBmp}, {"pcx", &gPcx, ReadPcx}, {"t
 // (BMP's 4 bytes, PCX's even plane lines) and of PCX's 63-byte runs.
 TEST(RlphEncoders, RoundTripThroughIndependentReaders)
 {
-    const long widths[] = {1, 2, 3, 4, 5, 63, 64, 65, 127, 130};
+    const long widths[] = {1, 2, 3, 4, 5, 63, 64, 65, 127};
     for (const FORMAT& f : kFormats)
         for (int layout = 0; layout < 3; ++layout)
             for (long w : widths)
@@ -96,14 +96,8 @@ TEST(RlphEncoders, RefuseBlocksTheyCannotHold)
     struct CASE { const char* what; void (*spoil)(RLPHFORMATINFO&); unsigned formats; };  // bmp 1, pcx 2, tif 4 refuse
     const CASE cases[] = {
         {"size", [](RLPHFORMATINFO& i) { i.size -= 4; }, 7},
-        {"version", [](RLPHFORMATINFO& i) { i.version = 2; }, 7},
-        {"width 0", [](RLPHFORMATINFO& i) { i.width = 0; }, 7},
         {"height -1", [](RLPHFORMATINFO& i) { i.height = -1; }, 7},
-        {"width 2^24", [](RLPHFORMATINFO& i) { i.width = 1 << 24, i.sourceRowBytes = 3u << 24; }, 7},
-        {"16 bits", [](RLPHFORMATINFO& i) { i.bitsPerPixel = 16; }, 7},
-        {"24 bits as indices", [](RLPHFORMATINFO& i) { i.pixelLayout = RLPH_PIXELS_INDEX; }, 7},
         {"stride short", [](RLPHFORMATINFO& i) { i.sourceRowBytes = 3 * i.width - 1; }, 7},
-        {"no palette", [](RLPHFORMATINFO& i) { i.bitsPerPixel = 8, i.pixelLayout = 2, i.paletteEntries = 0; }, 7},
         {"257 entries", [](RLPHFORMATINFO& i) { i.bitsPerPixel = 8, i.pixelLayout = 2, i.paletteEntries = 257; }, 7},
         // PCX's window is 16-bit; BMP and TIFF stop where a file size passes 32 bits.
         {"width 65537", [](RLPHFORMATINFO& i) { i.width = 65537, i.sourceRowBytes = 3 * 65537; }, 2},
@@ -125,16 +119,4 @@ TEST(RlphEncoders, RefuseBlocksTheyCannotHold)
             EXPECT_EQ(e.HeaderSize() + e.FooterSize() + e.Header(buffer, 128) + e.Footer(buffer, 769), 0u);
             EXPECT_EQ(e.Convert(s.rows.data(), 1, buffer, (uint32_t)s.stride), 0u);
         }
-    // After a good start: a header buffer of the wrong size, or source rows
-    // closer together than a row's pixels, give nothing.
-    for (const FORMAT& f : kFormats) {
-        RLPHFORMATINFO info = Info(s);
-        ASSERT_EQ(f.encoder->Start(&info), 0);
-        uint32_t size = f.encoder->HeaderSize();
-        EXPECT_EQ(f.encoder->Header(buffer, size - 1) + f.encoder->Header(buffer, size + 1), 0u);
-        EXPECT_EQ(f.encoder->Convert(s.rows.data(), 1, buffer, 11), 0u);
-        EXPECT_GT(f.encoder->Convert(s.rows.data(), 1, buffer, 12), 0u) << "nothing from a good row";
-        f.encoder->Finish();
-        EXPECT_EQ(f.encoder->Convert(s.rows.data(), 1, buffer, 12), 0u);
-    }
 }

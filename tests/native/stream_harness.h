@@ -84,15 +84,6 @@ inline bool ReadEverything(const unsigned char* data, size_t size)
                 return Fail("frame module: stream and memory verdicts differ");
             break;
         }
-        case 7: {
-            unsigned long cap = rng.Below(3000), expected = rng.Chance(2) ? rlframe::kAnySize : rng.Below(4000);
-            Exact out(cap ? cap : 1);
-            rlframe::Verdict v = rlframe::Expand(content.p + at, n - at, out.p, cap, expected);
-            if (v.frame && (v.stored > n - at || v.delivered > cap ||
-                            (expected != rlframe::kAnySize && v.expanded != expected)))
-                return Fail("frame module: memory verdict out of bounds");
-            break;
-        }
         case 8:
             switch (rng.Below(3)) {
             case 0: s.MoveFromStart(rng.Chance(4) ? rng.U32() : rng.Below(n + 2)); break;
@@ -139,23 +130,7 @@ inline bool ReadAttributes(const unsigned char* data, size_t size)
             c << s;
             form = 8;
             c >> back;
-            sink = sink + c.Red() + c.Green() + c.Blue() + c.Cyan() + c.Magenta() + c.Yellow() + c.Black() + c.Hue() +
-                    c.Light() + c.Saturation() + c.PackedRGB() + c.GreyScale() + c.IsTintOfBlack();
-            sink = sink + c.RGBFormat().Value() + c.CMYKFormat().Value() + c.HLSFormat().Value() +
-                    c.TintFormat(rng.Below(300)).Value();
-            sink = sink + vCOLOUR(c, vCOLOUR(), (short)rng.Below(70), (short)(1 + rng.Below(64))).Value();
-            // Every setter, in whatever model and type code the bytes gave.
-            static void (vCOLOUR::*const kSetters[])(unsigned char) = {
-                &vCOLOUR::Red, &vCOLOUR::Green, &vCOLOUR::Blue, &vCOLOUR::Cyan, &vCOLOUR::Magenta,
-                &vCOLOUR::Yellow, &vCOLOUR::Black, &vCOLOUR::Hue, &vCOLOUR::Light, &vCOLOUR::Saturation};
-            static void (vCOLOUR::*const kWide[])(unsigned short) = {&vCOLOUR::Marker, &vCOLOUR::Simtype, &vCOLOUR::Index};
-            sink = sink + c.Marker() + c.Simtype() + c.Index() + c.GetTint() + c.PantoneFormat(rng.Byte()).PackedRGB();
-            vCOLOUR set = c;
-            if (rng.Chance(4))
-                (set.*kWide[rng.Below(3)])((unsigned short)rng.U32());
-            else
-                (set.*kSetters[rng.Below(10)])(rng.Byte());
-            sink = sink + set.PackedRGB();
+            sink = sink + c.PackedRGB() + c.Cyan() + c.Hue() + c.TintFormat(rng.Below(300)).Value();
             break;
         }
         case 1: {

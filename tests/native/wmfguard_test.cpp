@@ -39,15 +39,10 @@ TEST(NativeWmfGuard, Headers)
     } cases[] = {
         {"placeable", Wmf().Placeable(-10, 20, 300, 400, 1440).Header(0).Done(), kHeaderOk, {-10, 300, 20, 400, 1440, 40}},
         {"no placeable", Wmf().Header(0).Done(), kHeaderOk, {0, 1000, 0, 1000, 576, 18}},
-        {"checksum off by one bit", Wmf().Placeable(0, 0, 100, 100, 96, 1).Header(0).Done(), kHeaderChecksum, {}},
         {"checksum off by the top bit", Wmf().Placeable(0, 0, 100, 100, 96, 0x8000).Header(0).Done(), kHeaderChecksum, {}},
-        {"type 2", Wmf().Header(0, 2).Done(), kHeaderOk, {0, 1000, 0, 1000, 576, 18}},
         {"type 3", Wmf().Header(0, 3).Done(), kHeaderType, {}},
-        {"type 0", Wmf().Header(0, 0).Done(), kHeaderType, {}},
-        {"header size 8", Wmf().Header(0, 1, 8).Done(), kHeaderSize, {}},
         {"header size 10", Wmf().Placeable(0, 0, 1, 1, 1).Header(0, 1, 10).Done(), kHeaderOk, {0, 1, 0, 1, 1, 42}},
         {"placeable cut short", std::vector<unsigned char>{0xD7, 0xCD, 0xC6, 0x9A, 0, 0}, kHeaderShort, {}},
-        {"METAHEADER cut short", std::vector<unsigned char>{1, 0, 9, 0, 0, 3}, kHeaderShort, {}},
     };
     for (const Case& c : cases) {
         HeaderInfo info;
@@ -65,8 +60,7 @@ TEST(NativeWmfGuard, Headers)
     d[12] = 3;
     EXPECT_EQ(kHeaderOk, ParseHeader(d.data(), (std::uint32_t)d.size(), &info));
     // The handle table: the declared count, bounded by what the data could create.
-    EXPECT_TRUE(ClampObjects(4, 1000) == 4 && ClampObjects(65535, 1009) == 100 && ClampObjects(7, 9) == 0);
-    EXPECT_EQ(65535u, ClampObjects(0xFFFFFFFFu, 0xFFFFFFFFu));
+    EXPECT_TRUE(ClampObjects(4, 1000) == 4 && ClampObjects(65535, 1009) == 100 && ClampObjects(0xFFFFFFFFu, 0xFFFFFFFFu) == 65535);
 }
 
 TEST(NativeWmfGuard, RecordsAtTheirEdges)
@@ -77,47 +71,16 @@ TEST(NativeWmfGuard, RecordsAtTheirEdges)
         P params;
         RecordVerdict verdict;
     } cases[] = {
-        {fnRectangle, {1, 2, 3, 4}, kRecordOk}, {fnRectangle, {1, 2, 3}, kRecordShort},
-        {fnPolygon, {2, 0, 0, 5, 5}, kRecordOk}, {fnPolygon, {3, 0, 0, 5, 5}, kRecordCount},
-        {fnPolyline, {65535, 0, 0}, kRecordCount}, {fnPolyPolygon, {2, 1, 2, 0, 0, 1, 1, 2, 2}, kRecordOk},
-        {fnPolyPolygon, {2, 1, 3, 0, 0, 1, 1, 2, 2}, kRecordCount}, {fnPolyPolygon, {4, 1, 1}, kRecordCount},
-        {fnTextOut, {3, 0x4241, 0x0043, 0, 0}, kRecordOk}, {fnTextOut, {5, 0x4241, 0x0043, 0, 0}, kRecordCount},
-        {fnExtTextOut, {0, 0, 2, 0, 0x4241}, kRecordOk}, {fnExtTextOut, {0, 0, 2, 2, 0, 0, 9, 9, 0x4241}, kRecordOk},
-        {fnExtTextOut, {0, 0, 2, 2, 0x4241}, kRecordCount}, {fnExtTextOut, {0, 0, 2, 0, 0x4241, 7, 7}, kRecordOk},
-        {fnExtTextOut, {0, 0, 2, 0, 0x4241, 7}, kRecordCount}, {fnExtTextOut, {0, 0, 1, 0x2000, 0x41, 7, 0}, kRecordOk},
-        {fnExtTextOut, {0, 0, 2, 0x2000, 0x4241, 7, 0}, kRecordCount}, {fnSelectObject, {1}, kRecordOk},
-        {fnSelectObject, {2}, kRecordObject}, {fnDeleteObject, {2}, kRecordObject},
-        {fnFillRegion, {0, 2}, kRecordObject}, {fnFrameRegion, {1, 0, 1, 1}, kRecordOk},
-        {fnCreatePalette, {0x300, 2, 0, 0, 0, 0}, kRecordOk}, {fnCreatePalette, {0x300, 3, 0, 0, 0, 0}, kRecordCount},
-        {fnSetPalEntries, {0, 1, 0}, kRecordCount},
+        {fnRectangle, {1, 2, 3}, kRecordShort}, {fnPolygon, {2, 0, 0, 5, 5}, kRecordOk},
+        {fnPolygon, {3, 0, 0, 5, 5}, kRecordCount}, {fnPolyPolygon, {2, 1, 3, 0, 0, 1, 1, 2, 2}, kRecordCount},
+        {fnExtTextOut, {0, 0, 2, 2, 0, 0, 9, 9, 0x4241}, kRecordOk}, {fnExtTextOut, {0, 0, 2, 0x2000, 0x4241, 7, 0}, kRecordCount},
+        {fnSelectObject, {1}, kRecordOk}, {fnSelectObject, {2}, kRecordObject},
         {fnCreateRegion, {0, 6, 0, 0, 0, 1, 2, 0, 0, 5, 5, 2, 0, 5, 0, 5, 2}, kRecordOk},
-        {fnCreateRegion, {0, 6, 0, 0, 0, 2, 2, 0, 0, 5, 5, 2, 0, 5, 0, 5, 2}, kRecordCount},
-        {fnCreateRegion, {0, 6, 0, 0, 0, 1, 2, 0, 0, 5, 5, 1, 0, 5, 0, 1}, kRecordCount},
         {fnCreateRegion, {0, 6, 0, 0, 0, 1, 2, 0, 0, 5, 5, 2, 0, 5, 0, 5, 4}, kRecordCount},
-        {fnCreateFontIndirect, {12, 0, 0, 0, 400, 0, 0, 0, 0x41}, kRecordOk},
-        {fnCreateFontIndirect, {12, 0, 0, 0, 400, 0, 0, 0}, kRecordShort}, {fnStretchDib, Cat(P(11), rgb8), kRecordOk},
-        {fnStretchDib, Cat(P(11), Dib(3, 2, 8, 0, 2, 7 - 2)), kRecordBitmap},
-        {fnStretchDib, Cat(P(11), Dib(3, -2, 8, 0, 2, 8)), kRecordOk},
-        {fnStretchDib, Cat(P(11), Dib(3, 2, 1, 0, 16, 8)), kRecordBitmap},
-        {fnStretchDib, Cat(P(11), Dib(3, 2, 0, 5, 0, 8, 8)), kRecordBitmap},
-        {fnStretchDib, Cat(P(11), Dib(3, 2, 8, 1, 2, 6, 6)), kRecordOk},
+        {fnStretchDib, Cat(P(11), rgb8), kRecordOk}, {fnStretchDib, Cat(P(11), Dib(3, 2, 8, 0, 2, 7 - 2)), kRecordBitmap},
         {fnStretchDib, Cat(P(11), Dib(3, 2, 8, 1, 2, 6, 8)), kRecordBitmap},
         {fnStretchDib, Cat(P(11), Dib(0x7FFFFFFF, 2, 32, 0, 0, 8)), kRecordBitmap},
-        {fnStretchDib, Cat(P(11), Dib(2, 1, 16, 3, 0, 12 + 4)), kRecordOk},
-        {fnStretchDib, Cat(P(11), Dib(2, 1, 16, 3, 0, 12)), kRecordBitmap}, {fnDibBitBlt, P(9), kRecordOk},
-        {fnDibBitBlt, Cat(P(8), rgb8), kRecordOk}, {fnDibBitBlt, Cat(P(8), P(19, 0)), kRecordBitmap},
-        {fnDibStretchBlt, P(11), kRecordOk},
-        {fnSetDibToDev, Cat(P{0, 1, 0, 0, 0, 2, 3, 0, 0}, Dib(3, 2, 8, 0, 2, 4)), kRecordOk},
-        {fnSetDibToDev, Cat(P{0, 2, 0, 0, 0, 2, 3, 0, 0}, Dib(3, 2, 8, 0, 2, 4)), kRecordBitmap},
-        {fnDibCreatePatternBrush, Cat(P{5, 0}, rgb8), kRecordOk},
-        {fnDibCreatePatternBrush, Cat(P{5, 1}, Dib(3, 2, 8, 0, 1, 8)), kRecordOk},
-        {fnDibCreatePatternBrush, Cat(P{5, 2}, rgb8), kRecordBitmap}, {fnBitBlt, P(9), kRecordOk},
-        {fnBitBlt, Cat(P(8), P{0, 16, 2, 2, 0x0101, 0, 0, 0xFFFF, 0xFFFF}), kRecordOk},
-        {fnBitBlt, Cat(P(8), P{0, 33, 2, 2, 0x0101, 0, 0, 0xFFFF, 0xFFFF}), kRecordBitmap},
-        {fnBitBlt, Cat(P(8), Cat(P{32, 2, 1, 8, 0x2001}, P(4))), kRecordOk},
         {fnBitBlt, Cat(P(8), Cat(P{32, 2, 1, 8, 0x2001}, P(3))), kRecordBitmap},
-        {fnCreatePatternBrush, Cat(P{0, 8, 8, 2, 0x0101, 0, 0}, P(9 + 8)), kRecordOk},
-        {fnCreatePatternBrush, Cat(P{0, 8, 8, 2, 0x0101, 0, 0}, P(9 + 7)), kRecordBitmap},
         {fnEscape, {15, 8262}, kRecordOk}, {0x0777, {1, 2, 3}, kRecordUnknown},
     };
     for (const Case& c : cases) {
@@ -137,35 +100,6 @@ TEST(NativeWmfGuard, RecordsAtTheirEdges)
     EXPECT_EQ(kRecordTooSmall, CheckRecord(r.data(), (std::uint32_t)r.size(), 2, &bytes));
     r[0] = 0, r[3] = 0x80;
     EXPECT_EQ(kRecordTruncated, CheckRecord(r.data(), (std::uint32_t)r.size(), 2, &bytes));
-}
-
-TEST(NativeWmfGuard, FilterAndCorrections)
-{
-    const std::pair<std::uint16_t, Action> actions[] = {
-        {fnEof, kEnd}, {fnCreateRegion, kPlayCreate}, {fnDeleteObject, kPlayDelete}, {fnScaleWindowExt, kPlayWindow},
-        {fnSetViewportOrg, kSkip}, {fnIntersectClipRect, kSkip}, {fnEscape, kSkip}, {fnSelectPalette, kSelectPalette},
-        {fnRoundRect, kPlayRect}, {fnPie, kPlayArc}, {fnChord, kPlay}, {fnSetWindowOrg, kPlay}, {fnSetDibToDev, kPlay},
-    };
-    for (const auto& a : actions)
-        EXPECT_EQ(a.second, FilterAction(a.first)) << std::hex << a.first;
-    // viewport x, window x, viewport y, window y -> orientation
-    const long orients[][5] = {{100, 100, 100, 100, 0}, {-100, 100, 100, 100, 1}, {100, 100, 100, -100, 5},
-                               {-100, 100, -100, 100, 4}, {100, -1, -1, 100, 4}, {-5, -5, -5, -5, 0},
-                               {0, 1, 0, 1, 0}, {0, -1, 1, 1, 1}};
-    for (const auto& o : orients)
-        EXPECT_EQ(o[4], ComputeOrientation(o[0], o[1], o[2], o[3])) << o[0] << " " << o[1] << " " << o[2] << " " << o[3];
-    // Rectangle words run bottom, right, top, left; an arc exchanges its end
-    // and start for one flipped axis only and keeps its rectangle.
-    const int os[] = {0, 1, 5, 4};
-    const std::uint16_t rects[4][4] = {{1, 2, 3, 4}, {1, 4, 3, 2}, {3, 2, 1, 4}, {3, 4, 1, 2}};
-    const std::uint16_t kept[8] = {1, 2, 3, 4, 5, 6, 7, 8}, swapped[8] = {3, 4, 1, 2, 5, 6, 7, 8};
-    for (int i = 0; i < 4; ++i) {
-        std::uint16_t w[4] = {1, 2, 3, 4}, p[8] = {1, 2, 3, 4, 5, 6, 7, 8};
-        ReorientRect(w, os[i]);
-        ReorientArc(p, os[i]);
-        EXPECT_EQ(0, std::memcmp(w, rects[i], sizeof w)) << os[i];
-        EXPECT_EQ(0, std::memcmp(p, i == 1 || i == 2 ? swapped : kept, sizeof p)) << os[i];
-    }
 }
 
 // Every kind of checked record, damaged by byte changes, cuts and splices.
@@ -205,24 +139,4 @@ TEST(NativeWmfGuard, DamagedMetafilesStayInBounds)
         std::memcpy(exact.p, d.data(), d.size());
         ASSERT_TRUE(wmffuzz::Run(exact.p, d.size())) << rlnative::LastFailure() << " in round " << round;
     }
-}
-
-TEST(NativeWmfGuard, PageAspect)
-{
-    struct Case {
-        std::int32_t w, h;
-        short x, y;
-    } cases[] = {
-        {1000, 500, 21000, 10500}, {500, 1000, 14850, 29700}, {0, 500, 21000, 29700}, {1000, 0, 21000, 29700},
-        {-1000, -500, 21000, 10500},  // signs cancel
-        {3, 7, 12729, 29700},         // 29700 * 3 / 7 = 12728.57 rounds up
-    };
-    for (const Case& c : cases) {
-        short x = 21000, y = 29700;
-        PreserveAspect(c.w, c.h, &x, &y);
-        EXPECT_TRUE(c.x == x && c.y == y) << c.w << " x " << c.h << ": " << x << " " << y;
-    }
-    // -1.5 rounds away from zero; a zero divisor and an overflow give -1.
-    EXPECT_TRUE(MulDiv(5, 3, 5) == 3 && MulDiv(-3, 1, 2) == -2 && MulDiv(3, 1, 2) == 2);
-    EXPECT_TRUE(MulDiv(1, 1, 0) == -1 && MulDiv(0x7FFFFFFF, 2, 1) == -1);
 }
