@@ -1,42 +1,22 @@
-// The file stream on a disk that fills, and with no data at all: the defects found.
+// The file stream against a model on a filling disk (file_harness.h), and the defects found.
 #include <gtest/gtest.h>
-#include <unistd.h>
-#include <cstdio>
-#include <string>
-#include <vector>
-#include "rl132/core/vstring.h"
-#include "rl132/streams/vfile.h"
-#include "sys_file_faults.h"
+#include "file_harness.h"
+
+using namespace rlnative;
 
 namespace {
 
-typedef std::vector<unsigned char> Bytes;
-
-// A temporary path that is removed at the end of the test.
-struct ScratchFile {
-    std::string path;
-    ScratchFile()
-    {
-        const char* dir = getenv("TMPDIR");
-        char name[512];
-        std::snprintf(name, sizeof name, "%s/rlnfXXXXXX", dir && *dir ? dir : "/tmp");
-        int fd = mkstemp(name);
-        if (fd >= 0)
-            close(fd);
-        path = name;
+TEST(NativeFile, ScriptsAgainstTheModelOnAFillingDisk)
+{
+    Rng rng(6);
+    for (int iter = 0; iter < 2000; ++iter) {
+        std::vector<unsigned char> script(1 + rng.Below(iter % 10 == 0 ? 3000 : 600));
+        rng.Fill(script.data(), script.size());
+        // Every cache and disk setting in turn; the rest of the script is noise.
+        script[0] = (unsigned char)(iter & 0x3F);
+        ASSERT_TRUE(FileAgainstModel(script.data(), script.size())) << "iteration " << iter << ": " << LastFailure();
     }
-    ~ScratchFile() { unlink(path.c_str()); }
-    Bytes Read() const
-    {
-        Bytes out;
-        FILE* f = std::fopen(path.c_str(), "rb");
-        for (int c; f && (c = std::fgetc(f)) != EOF;)
-            out.push_back((unsigned char)c);
-        if (f)
-            std::fclose(f);
-        return out;
-    }
-};
+}
 
 TEST(NativeFile, EmptyWritesWithNoDataAtAll)
 {
@@ -51,7 +31,7 @@ TEST(NativeFile, EmptyWritesWithNoDataAtAll)
         EXPECT_TRUE(f.WriteBlock(nullptr, 0) == 0 && f.ReadByteString(nullptr, 0) == 0);
         EXPECT_TRUE(f.Status() == vSTREAM_OK && f.CurrentPos() == 2UL);
     }
-    EXPECT_EQ(tmp.Read(), Bytes({4, 3, 2, 1}));
+    EXPECT_EQ(ReadWholeFile(tmp.path), std::vector<unsigned char>({4, 3, 2, 1}));
 }
 
 TEST(NativeFile, ACacheWriteOutCutShortKeepsThePosition)
@@ -59,7 +39,7 @@ TEST(NativeFile, ACacheWriteOutCutShortKeepsThePosition)
     // Found: a disk that filled while the cache went out left the position at
     // 650 instead of 1,000, and later writes went to the wrong place.
     ScratchFile tmp;
-    Bytes data(1000);
+    std::vector<unsigned char> data(1000);
     for (size_t i = 0; i < data.size(); ++i)
         data[i] = (unsigned char)(i * 7 + 1);
     rlsys::faults::SetDiskLimit(650);
@@ -75,7 +55,7 @@ TEST(NativeFile, ACacheWriteOutCutShortKeepsThePosition)
     rlsys::faults::Reset();
     std::fill(data.begin() + 650, data.end(), 0);
     data.insert(data.end(), {1, 2, 3, 4});
-    EXPECT_EQ(tmp.Read(), data);
+    EXPECT_EQ(ReadWholeFile(tmp.path), data);
 }
 
 } // namespace
