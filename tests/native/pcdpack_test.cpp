@@ -44,6 +44,78 @@ TEST(PcdPack, EachBaseResolutionDecodesToItsPicture)
         EXPECT_EQ(FindPlane(header, file.size(), res, &plane), res > PCD_16BASE || res < 0 ? PCD_ERR_BAD_ARG : PCD_ERR_RES_NOT_SUPPORTED);
 }
 
+typedef std::vector<std::vector<int>> Grid;
+Grid TurnLeft(const Grid& g)
+{
+    Grid t(g[0].size(), std::vector<int>(g.size()));
+    for (size_t r = 0; r < g.size(); ++r)
+        for (size_t x = 0; x < g[0].size(); ++x)
+            t[g[0].size() - 1 - x][r] = g[r][x];
+    return t;
+}
+
+TEST(PcdPack, TransformTakesTheRightSourcePixels)
+{
+    const long W = 5, H = 3;
+    Grid src(H, std::vector<int>(W));
+    uint8_t bytes1[W * H], bytes3[W * H * 3];
+    for (long r = 0; r < H; ++r)
+        for (long x = 0; x < W; ++x) {
+            src[r][x] = (int)(r * W + x);
+            bytes1[r * W + x] = (uint8_t)src[r][x];
+            for (int k = 0; k < 3; ++k)
+                bytes3[(r * W + x) * 3 + k] = (uint8_t)(src[r][x] * 3 + k);
+        }
+    const PCDrect crops[] = {{0, 0, 0, 0}, {1, 0, 3, 2}, {-5, -5, 100, 100}, {2, 1, 3, 3}, {4, 4, 2, 2}};
+    for (long rot = 0; rot < 4; ++rot)
+        for (long mirror = 0; mirror < 2; ++mirror)
+            for (const PCDrect& c : crops) {
+                SCOPED_TRACE(testing::Message() << rot << " " << mirror << " " << c.left << "," << c.top);
+                Grid want = src;
+                for (long i = 0; i < rot; ++i)
+                    want = TurnLeft(want);
+                if (mirror)
+                    for (auto& row : want)
+                        std::reverse(row.begin(), row.end());
+                long tw = (long)want[0].size(), th = (long)want.size();
+                long l = 0, t = 0, r = tw, b = th;
+                if (c.right > c.left && c.bottom > c.top) {
+                    l = std::max(c.left, 0L), t = std::max(c.top, 0L);
+                    r = std::min(c.right, tw), b = std::min(c.bottom, th);
+                }
+                PCDtransform tf = {rot, mirror, c};
+                TransformPlan plan;
+                ASSERT_EQ(PlanTransform(W, H, tf, c, &plan), PCD_OK);
+                ASSERT_TRUE(plan.width == r - l && plan.height == b - t);
+                EXPECT_EQ(IsIdentity(plan, W, H), rot == 0 && !mirror && plan.width == W && plan.height == H);
+                std::vector<uint8_t> out1((size_t)plan.width * plan.height), out3(out1.size() * 3);
+                // Bottom-up into the target, as into a DIB, for the 3-byte case.
+                ApplyTransform(plan, bytes1, W, 1, out1.data(), plan.width, 0, plan.height);
+                ApplyTransform(plan, bytes3, W * 3, 3, out3.data() + (plan.height - 1) * plan.width * 3,
+                               -plan.width * 3, 0, plan.height);
+                for (long y = 0; y < plan.height; ++y)
+                    for (long x = 0; x < plan.width; ++x) {
+                        int v = want[t + y][l + x];
+                        ASSERT_EQ(out1[y * plan.width + x], v) << x << "," << y;
+                        ASSERT_EQ(out3[((plan.height - 1 - y) * plan.width + x) * 3 + 2], v * 3 + 2);
+                    }
+            }
+    TransformPlan plan;
+    PCDtransform tf = {0, 0, {0, 0, 0, 0}}, turned = {4, 0, {0, 0, 0, 0}};
+    EXPECT_EQ(PlanTransform(W, H, tf, PCDrect{5, 0, 9, 3}, &plan), PCD_ERR_BAD_ARG);
+    EXPECT_EQ(PlanTransform(W, H, turned, PCDrect{0, 0, 0, 0}, &plan), PCD_ERR_BAD_ARG);
+    struct { PCDrect in; int shift; PCDrect out; } scales[] = {
+        {{1, 2, 767, 511}, 0, {1, 2, 767, 511}}, {{1, 2, 767, 511}, 1, {0, 1, 384, 256}},
+        {{5, 4, 9, 8}, 2, {1, 1, 3, 2}},         {{-3, -4, 1, 0}, 2, {-1, -1, 1, 0}},
+        {{0, 0, 0x7fffffff, 0x7fffffff}, 2, {0, 0, 1 << 22, 1 << 22}},
+    };
+    for (auto& s : scales) {
+        PCDrect r = ScaleCrop(s.in, s.shift);
+        EXPECT_EQ(0, memcmp(&r, &s.out, sizeof r)) << s.in.left << " >> " << s.shift;
+    }
+}
+
+
 TEST(PcdPack, DamagedPacksGiveAStatus)
 {
     Bytes pack = pcdwriter::ImagePack(pcdwriter::Pattern(768, 512, 2), 1);
