@@ -116,6 +116,41 @@ TEST(PcdPack, TransformTakesTheRightSourcePixels)
 }
 
 
+TEST(PcdPack, PaletteKeepsFewColoursExactlyAndSplitsMany)
+{
+    static Quantizer q;  // six colours on cell centres: each gets an entry of its own, exactly
+    const uint8_t colours[6][3] = {{4, 4, 4}, {252, 252, 252}, {12, 100, 204}, {204, 12, 100},
+                                   {100, 204, 12}, {132, 132, 132}};
+    std::vector<uint8_t> img, idx;
+    auto quantize = [&](int entries) {
+        idx.resize(img.size() / 3);
+        QuantizerStart(&q);
+        QuantizerAdd(&q, img.data(), (long)idx.size());
+        QuantizerMake(&q, entries);
+        QuantizerMap(&q, img.data(), idx.data(), (long)idx.size());
+    };
+    for (int i = 0; i < 600; ++i)
+        img.insert(img.end(), colours[i % 6], colours[i % 6] + 3);
+    quantize(256);
+    ASSERT_EQ(q.palette.count, 6);
+    for (int i = 0; i < 600; ++i)
+        ASSERT_EQ(0, memcmp(q.palette.entries[idx[i]], img.data() + 3 * i, 3)) << i;
+    // A grey ramp into 4 entries: ordered, and every grey maps to its nearest.
+    img.clear();
+    for (int v = 0; v < 256; ++v)
+        img.insert(img.end(), {(uint8_t)v, (uint8_t)v, (uint8_t)v});
+    quantize(4);
+    ASSERT_EQ(q.palette.count, 4);
+    for (int v = 0; v < 256; ++v) {
+        int got = std::abs(q.palette.entries[idx[v]][0] - ((v & ~7) + 4));
+        for (int e = 0; e < 4; ++e)
+            ASSERT_LE(got, std::abs(q.palette.entries[e][0] - ((v & ~7) + 4))) << v;
+    }
+    PCDpalette none = {};
+    EXPECT_FALSE(QuantizerUse(&q, none));
+}
+
+
 TEST(PcdPack, DamagedPacksGiveAStatus)
 {
     Bytes pack = pcdwriter::ImagePack(pcdwriter::Pattern(768, 512, 2), 1);
