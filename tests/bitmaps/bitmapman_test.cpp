@@ -118,35 +118,6 @@ TEST(BitmapManager, ThousandBitmapsPageThroughTheirFile)
     CloseHandle(writer);
 }
 
-TEST(BitmapManager, PassesStopAtWhatMayNotGo)
-{
-    vBITMAPMAN* m = vBITMAPMAN::Get();
-    ASSERT_TRUE(m->ResidentCount() + m->PagedOutCount() == 0 && m->PageOut() == 0);
-    DOCUMENT doc(8, 10, 10);
-    LIMIT limit(100);
-    // A bitmap of an unnamed stream stays resident, and holds back all behind it.
-    bmo::PIC p = bmo::Make(10, 10, 24, 1);
-    vMEMSTREAM mem;
-    bmt::Fill(mem, p.bytes);
-    std::unique_ptr<vBITMAP> fixed(new vBITMAP(mem));
-    EXPECT_EQ(0, fixed->Resource()->IsPageable());
-    vFILE file(vSTRING(doc.path.c_str()), vFILE_READONLY, 1);
-    std::vector<vBITMAP> named;
-    for (int i = 0; i < 8; ++i)
-        named.emplace_back(file);
-    EXPECT_TRUE(m->ResidentCount() == 9 && m->PageOut() == 5 && m->ResidentCount() == 9);
-    // Without it the five oldest go; one made unpageable stays.
-    fixed.reset();
-    named[7].Pageable(0);
-    EXPECT_TRUE(m->PageOut() == 5 && m->ResidentCount() == 3);
-    EXPECT_TRUE(!named[0].Resource()->IsResident() && named[7].Resource()->IsResident());
-    EXPECT_TRUE(m->PageOut() == 5 && m->ResidentCount() == 1);
-    // The same file and position share one resource, and the stream moves on.
-    file.MoveFromStart(0);
-    vBITMAP again(file);
-    EXPECT_TRUE(named[0].Resource() == again.Resource() && again.Valid() && p.bytes.size() == file.CurrentPos());
-}
-
 TEST(BitmapManager, NewFailureHandlerPagesBitmapsOut)
 {
     vBITMAPMAN* m = vBITMAPMAN::Get();

@@ -46,20 +46,16 @@ template <size_t N> void GdiScene(HDC dc, const SHAPE (&shapes)[N])
     }
 }
 
-// White as a brush paints it (the fourth byte of a pixel stays 0).
-void WhiteBrushed(SURFACE& s)
-{
-    WITHBRUSH b(s.dc, RGB(255, 255, 255));
-    Rectangle(s.dc, 0, 0, s.width + 1, s.height + 1);
-}
-
 // What the target should hold after the picture is drawn at (kX, kY).
 void Expect(ORACLE& want, bool transparent, bool later)
 {
     GdiScene(want.dc, kBackdrop);
     SURFACE onWhite(kW, kH), onBlack(kW, kH);
     onBlack.Clear(0);
-    WhiteBrushed(onWhite);
+    {   // white as a brush paints it (the fourth byte of a pixel stays 0)
+        WITHBRUSH b(onWhite.dc, RGB(255, 255, 255));
+        Rectangle(onWhite.dc, 0, 0, kW + 1, kH + 1);
+    }
     for (SURFACE* s : {&onWhite, &onBlack}) {
         GdiScene(s->dc, kScene);
         if (later)
@@ -120,26 +116,4 @@ TEST(DisplayBitmap, OpaqueTransparentAndDualSurfacedMatchGdi)
             EXPECT_TRUE(GetObjectA(handed, sizeof bm, &bm) == (int)sizeof bm && bm.bmWidth == kW && bm.bmHeight == kH);
             EXPECT_NE(DeleteObject(handed), 0);
         }
-}
-
-// An opaque 16-colour picture still has a second surface, shown while current;
-// without the seam switching does nothing.
-TEST(DisplayBitmap, OpaqueSixteenColourPictureSwitchesSurfaces)
-{
-    for (bool sixteen : {true, false}) {
-        SEAM seam(sixteen);
-        vDISPLAYBMP pic(kW, kH, 0);
-        DrawScene(pic, kScene);
-        pic.SwitchSurface(vDS_WHITE);
-        DrawScene(pic, {kLater[1]});
-        vMEMDEVICE target(vINT(64L), vINT(48L));
-        ORACLE want(target, 0xFF);
-        SURFACE ref(kW, kH);
-        WhiteBrushed(ref);
-        if (!sixteen)
-            GdiScene(ref.dc, kScene);
-        GdiScene(ref.dc, {kLater[1]});
-        BitBlt(want.dc, kX, kY, kW, kH, ref.dc, 0, 0, SRCCOPY);
-        EXPECT_TRUE(!pic.IsDualSurfaced() && pic.Draw(target, R(kX, kY, kX + kW, kY + kH)) == 1 && SameBytes(target, want)) << sixteen;
-    }
 }
