@@ -1,15 +1,12 @@
-// vBMRESIZE between streams: row and column picks, the dithered target, progress and
+// vBMRESIZE between streams: row and column picks, progress and
 // stop requests, bad sources, sources stored top row first.
 #include <windows.h>
 #include <gtest/gtest.h>
-#include <algorithm>
 #include <cstring>
 #include <string>
 #include "bmtest.h"
 #include "rltest.h"
-#include "bitmaps/dibrows.h"
 #include "bitmaps/dither.h"
-#include "bitmaps/pixfmt.h"
 
 using namespace bmt;
 using namespace rldib;
@@ -50,7 +47,7 @@ struct Counter : oPROGRESS {
 
 } // namespace
 
-TEST(Resize, StepsAveragesAndDithers)
+TEST(Resize, StepsAndAverages)
 {
     oMEMDIB* src = Picture(37, 23, 24, oCM_RGB24, 1, 40);
     const std::vector<unsigned char> srows = Rows(*src);
@@ -72,25 +69,6 @@ TEST(Resize, StepsAveragesAndDithers)
     Fill(four, MakeStored(4, 1, 24, 0, 0, {10, 10, 10, 20, 20, 20, 30, 30, 30, 41, 41, 41}));
     Fill(two, ScaledBytes(four, 2, 1, 0, 1));
     EXPECT_EQ(Rows(oMEMDIB(two, 0)), (std::vector<unsigned char>{15, 15, 15, 36, 36, 36, 0, 0}));
-    // 8 bits at full size: the plain dither of every stepped row, and the colour cube.
-    ASSERT_EQ(vBMRESIZE::Create256ColourTables(), 1);
-    for (int v = 0; v < 256; ++v)
-        EXPECT_TRUE(vBMRESIZE::pLevelTable[v] == CubeLevel(v) && vBMRESIZE::pResidueTable[v] == v - 51 * CubeLevel(v));
-    oMEMDIB t = Scaled(*src, 0, 0, 8);
-    oDIBPALETTE* p = nullptr;
-    unsigned char cube[1024];
-    FillCubePalette(cube);
-    ASSERT_TRUE(t.BitCount() == 8 && t.GetPalette(&p) == 256);
-    EXPECT_TRUE(!std::memcmp(p->GetRgbQuad(), vBMRESIZE::pPalette, 1024) && !std::memcmp(cube, vBMRESIZE::pPalette, 1024));
-    Ditherer ref;
-    ASSERT_TRUE(ref.Init(37));
-    std::vector<unsigned char> trows = Rows(t), line(37);
-    std::vector<std::uint32_t> ymap(23);
-    StepMap(23, 23, ymap.data(), false);
-    for (int y = 0; y < 23; ++y) {
-        ref.Line8Reference(&srows[ymap[y] * src->Stride()], line.data());
-        ASSERT_EQ(0, std::memcmp(&trows[y * t.Stride()], line.data(), 37)) << y;
-    }
     delete src;
 }
 

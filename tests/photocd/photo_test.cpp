@@ -172,52 +172,6 @@ TEST(Photo, PixelsMatchTheAccessLibrary)
     EXPECT_TRUE(one.LoadPhoto() == 0 && vol.Status() == vPCD_RES_NOT_SUPPORTED && !vBITMAP(one).Valid());
 }
 
-// Overview bitmaps under a resident limit of 2 page out and come back identical: through the
-// volume, through a reopened file once the overview let its file go, and once the volume is gone.
-TEST(Photo, OverviewBitmapsPageOutAndBackIn)
-{
-    vBITMAPMAN* m = vBITMAPMAN::Get();
-    ASSERT_NE(nullptr, m);
-    VOLUME v;
-    std::vector<vBITMAP> bitmaps;
-    std::vector<BYTES> want;
-    auto* vol = new vPHOTOVOLUME(Text(v.root));
-    for (int i = 0; i < 3; ++i) {
-        vPHOTO p(*vol, vPCD_OVIEW_BASE16, vPCD_RGB24, (vROTATEANGLE)i, i == 1);
-        ASSERT_EQ(1, p.Load());
-        bitmaps.push_back(p.OverviewBitmap());
-        want.push_back(Drawn(p.Size().Width()(), p.Size().Height()(), [&](vDEVICE& d) { return p.Draw(d, kOrigin); }));
-    }
-    rltest::DebugOutput out;
-    unsigned short limit = vPAGEOUT::GetResidentLimit();
-    rltest::TraceLevel level(2);
-    vPAGEOUT::SetResidentLimit(2);
-    auto roundTrip = [&](const char* how) {
-        SCOPED_TRACE(how);
-        m->PageOut();
-        out.Clear();
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_EQ(0, bitmaps[i].Resource()->IsResident()) << i;
-            unsigned long ins = m->PageIns();
-            EXPECT_TRUE(Drawn(bitmaps[i].Size().Width()(), bitmaps[i].Size().Height()(),
-                              [&](vDEVICE& d) { return bitmaps[i].Draw(d, kOrigin); }) == want[i]) << i;
-            EXPECT_EQ(ins + 1, m->PageIns()) << i;
-        }
-        EXPECT_TRUE(bitmaps[0].Resource()->IsResident() == 0 && bitmaps[2].Resource()->IsResident() == 1);
-        return out.Text();
-    };
-    const std::string reopen = "Trace: photoRESOURCE::Reopening Overview Pack Temporarily";
-    std::string t = roundTrip("volume open");
-    EXPECT_TRUE(t.find("Trace: photoRESOURCE::Paging In") != std::string::npos && t.find("Reopening") == std::string::npos);
-    EXPECT_EQ(PCD_OK, PCDACCESS::Process().PCDOrefClose(vol->OverviewHandle()));
-    EXPECT_NE(std::string::npos, roundTrip("overview file released").find(reopen));
-    delete vol;
-    EXPECT_EQ(0, PCDACCESS::Process().IsLoaded());
-    EXPECT_NE(std::string::npos, roundTrip("volume gone").find(reopen));
-    EXPECT_EQ(0, PCDACCESS::Process().IsLoaded());
-    vPAGEOUT::SetResidentLimit(limit);
-}
-
 TEST(Photo, DamagedPacksAndAbort)
 {
     VOLUME v;
