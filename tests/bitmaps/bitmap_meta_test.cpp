@@ -44,10 +44,8 @@ TEST(BitmapMeta, PixelsFitRecordAndReadBack)
     vMETAFILE refused(junk), wmf(wmfIn);
     ASSERT_TRUE(wmf.Status() == 1 && wmf.Native() == 0);
     const struct { vMETAFILE* m; long boxW, boxH, w, h; int compress; } cases[] = {
-        {&scene, 50, 50, 50, 25, 0}, {&scene, 100, 120, 100, 50, 1}, {&scene, 400, 60, 120, 60, 0},
-        {&scene, 200, 100, 200, 100, 1}, {&wmf, 160, 160, -1, -1, 1},
-        {&empty, 50, 50, 0, 0, 0}, {&refused, 50, 50, 0, 0, 0}, {&scene, 0, 50, 0, 0, 0}, {&scene, 50, -1, 0, 0, 0},
-        {&scene, 40000, 50, 0, 0, 0}};
+        {&scene, 50, 50, 50, 25, 0}, {&scene, 400, 60, 120, 60, 1}, {&wmf, 160, 160, -1, -1, 1},
+        {&empty, 50, 50, 0, 0, 0}, {&refused, 50, 50, 0, 0, 0}, {&scene, 40000, 50, 0, 0, 0}};
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::Message() << c.boxW << "x" << c.boxH);
         vMEMSTREAM out;

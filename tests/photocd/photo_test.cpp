@@ -52,16 +52,10 @@ BYTES LibraryDib(const VOLUME& v, int entry, bool full, long resolution, long fo
 BYTES Expected(const BYTES& dib, long* w, long* h)
 {
     const BITMAPINFOHEADER* hd = (const BITMAPINFOHEADER*)dib.data();
-    *w = hd->biWidth, *h = hd->biHeight;
+    bmo::PIC p{*w = hd->biWidth, *h = hd->biHeight, hd->biBitCount, BYTES(14, 0)};
+    p.bytes.insert(p.bytes.end(), dib.begin(), dib.end());
     bmo::CANVAS c(*w, *h);
-    HDC screen = GetDC(nullptr);
-    HBITMAP b = CreateDIBitmap(screen, hd, CBM_INIT, dib.data() + 40 + (hd->biBitCount == 8 ? 1024 : 0),
-                               (const BITMAPINFO*)dib.data(), DIB_RGB_COLORS);
-    ReleaseDC(nullptr, screen);
-    HDC src = CreateCompatibleDC(c.dc);
-    HGDIOBJ was = SelectObject(src, b);
-    BitBlt(c.dc, 0, 0, *w, *h, src, 0, 0, SRCCOPY);
-    SelectObject(src, was), DeleteDC(src), DeleteObject(b), GdiFlush();
+    c.Draw(p, {0, 0, *w, *h}, {0, 0, *w, *h});
     return BYTES(c.Bytes(), c.Bytes() + c.size);
 }
 
