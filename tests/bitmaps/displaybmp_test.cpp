@@ -108,12 +108,5 @@ TEST(DisplayBitmap, OpaqueTransparentAndDualSurfacedMatchGdi)
             if (!transparent)
                 GdiScene(want2.dc, {SHAPE{kLater[0].l + kX, kLater[0].t + kY, kLater[0].r + kX, kLater[0].b + kY, 0, false}});
             EXPECT_TRUE(pic.Draw(again, R(kX + kW, kY + kH, kX, kY)) == 1 && SameBytes(again, want2)) << "corners in either order";
-            // The handed bitmap outlives the picture and is the caller's.
-            HBITMAP handed = pic.RemoveHBitmap();
-            ASSERT_NE(handed, nullptr);
-            EXPECT_TRUE(pic.Draw(again, R(0, 0, kW, kH)) == 0 && pic.RemoveHBitmap() == nullptr);
-            BITMAP bm;
-            EXPECT_TRUE(GetObjectA(handed, sizeof bm, &bm) == (int)sizeof bm && bm.bmWidth == kW && bm.bmHeight == kH);
-            EXPECT_NE(DeleteObject(handed), 0);
         }
 }
