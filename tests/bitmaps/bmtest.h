@@ -31,9 +31,7 @@ inline std::vector<unsigned char> MakeStored(long w, long h, unsigned bits, unsi
 
 inline void Fill(vMEMSTREAM& m, const std::vector<unsigned char>& bytes)
 {
-    if (!bytes.empty())
-        m.WriteBlock(bytes.data(), (unsigned long)bytes.size());
-    m.MoveFromStart(0);
+    m.WriteBlock(bytes.data(), (unsigned long)bytes.size()), m.MoveFromStart(0);
 }
 
 inline std::vector<unsigned char> RandomBytes(size_t n, unsigned seed)
@@ -53,8 +51,7 @@ inline std::vector<unsigned char> Load(const std::string& path)
 
 inline std::string Save(const std::string& path, const std::vector<unsigned char>& bytes)
 {
-    std::ofstream(path, std::ios::binary).write((const char*)bytes.data(), (std::streamsize)bytes.size());
-    return path;
+    return std::ofstream(path, std::ios::binary).write((const char*)bytes.data(), (std::streamsize)bytes.size()), path;
 }
 
 // Whole stored rows, bottom row first.

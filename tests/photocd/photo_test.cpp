@@ -11,11 +11,7 @@ namespace {
 
 using BYTES = std::vector<unsigned char>;
 
-vSTRING Text(const std::string& s)
-{
-    vSTRING t;
-    return t = s.c_str(), t;
-}
+vSTRING Text(const std::string& s) { return vSTRING("%s", s.c_str()); }
 
 // Three pictures, the second stored turned, with an overview pack.
 struct VOLUME : PCDVOLUME {
