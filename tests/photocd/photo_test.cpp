@@ -73,12 +73,6 @@ struct RECORDER : vPHOTOVOLUME {
     int answer = 0;
 };
 
-struct ABORTING : PHOTO {
-    using PHOTO::PHOTO;
-    int vAbortAction() override { return ++asked >= 2; }
-    int asked = 0;
-};
-
 } // namespace
 
 TEST(PhotoVolume, StatusesCountNumberingRightsAndVolumeChange)
@@ -158,21 +152,4 @@ TEST(Photo, PixelsMatchTheAccessLibrary)
     // The higher resolutions are not decoded: a status, no bitmap.
     one.PhotoResolution(vPCD_4BASE);
     EXPECT_TRUE(one.LoadPhoto() == 0 && vol.Status() == vPCD_RES_NOT_SUPPORTED && !vBITMAP(one).Valid());
-}
-
-TEST(Photo, DamagedOverviewAndAbort)
-{
-    VOLUME v;
-    {
-        vPHOTOVOLUME vol(Text(v.root));
-        ABORTING a(vol);
-        EXPECT_TRUE(a.LoadPhoto() == 0 && vol.Status() == vPCD_ABORTED && a.asked >= 2);
-    }
-    // The overview pack itself damaged: the volume says so and draws nothing.
-    bmt::Save(v.root + "\\PHOTO_CD\\OVERVIEW.PCD", BYTES(4000, 0x33));
-    vPHOTOVOLUME vol(Text(v.root));
-    EXPECT_TRUE(vol.Status() != vPCD_OK && vol.Count() == 0);
-    PHOTO p(vol);
-    vMEMDEVICE dev{vINT(8L), vINT(8L)};
-    EXPECT_TRUE(p.Load() == 0 && p.Draw(dev, kOrigin) == 0);
 }
