@@ -1,6 +1,5 @@
-// The bitmap tests' plain-GDI side: the same stored pictures turned into
-// device-dependent bitmaps and copied with BitBlt and StretchBlt onto a
-// section laid out like a memory device's, for byte-for-byte comparison.
+// The bitmap tests' plain-GDI side: stored pictures copied with BitBlt or
+// StretchBlt onto a section laid out like a memory device's.
 #pragma once
 #include <windows.h>
 #include <cstring>
@@ -33,10 +32,8 @@ inline PIC Make(long w, long h, unsigned bits, unsigned seed)
 inline HBITMAP Ddb(const PIC& p)
 {
     HDC screen = GetDC(nullptr);
-    HBITMAP b = CreateDIBitmap(screen, &p.Info()->bmiHeader, CBM_INIT, p.Bits(), p.Info(),
-                               DIB_RGB_COLORS);
-    ReleaseDC(nullptr, screen);
-    return b;
+    HBITMAP b = CreateDIBitmap(screen, &p.Info()->bmiHeader, CBM_INIT, p.Bits(), p.Info(), DIB_RGB_COLORS);
+    return ReleaseDC(nullptr, screen), b;
 }
 
 // A white bottom-up section of the screen's depth: what a vMEMDEVICE holds.

@@ -1,10 +1,9 @@
 // The bitmap manager: a thousand bitmaps of one file paged through a small
-// resident limit, the page-out passes, and the new-failure handler.
+// resident limit, and the new-failure handler.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <algorithm>
 #include <cstring>
-#include <memory>
 #include <numeric>
 #include <random>
 #include <set>
