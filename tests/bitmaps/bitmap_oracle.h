@@ -1,6 +1,5 @@
-// The bitmap tests' plain-GDI side: the same stored pictures turned into
-// device-dependent bitmaps and copied with BitBlt and StretchBlt onto a
-// section laid out like a memory device's, for byte-for-byte comparison.
+// The bitmap tests' plain-GDI side: stored pictures copied with BitBlt or
+// StretchBlt onto a section laid out like a memory device's.
 #pragma once
 #include <windows.h>
 #include <cstring>
@@ -18,13 +17,7 @@ struct PIC {
     unsigned long Stride() const { return ((w * bits + 31) / 32) * 4; }
     long Rows() const { return h < 0 ? -h : h; }
     const BITMAPINFO* Info() const { return reinterpret_cast<const BITMAPINFO*>(bytes.data() + 14); }
-    unsigned char* Bits() { return bytes.data() + 14 + 40 + (bits <= 8 ? (4u << bits) : 0); }
-    // Stored bytes of pixel (x, y), y counted from the top.
-    unsigned char* Pixel(long x, long y)
-    {
-        long row = h < 0 ? y : Rows() - 1 - y;
-        return Bits() + row * Stride() + x * (long)bits / 8;
-    }
+    const unsigned char* Bits() const { return bytes.data() + 14 + 40 + (bits <= 8 ? (4u << bits) : 0); }
 };
 
 inline PIC Make(long w, long h, unsigned bits, unsigned seed)
@@ -39,10 +32,8 @@ inline PIC Make(long w, long h, unsigned bits, unsigned seed)
 inline HBITMAP Ddb(const PIC& p)
 {
     HDC screen = GetDC(nullptr);
-    HBITMAP b = CreateDIBitmap(screen, &p.Info()->bmiHeader, CBM_INIT, const_cast<PIC&>(p).Bits(), p.Info(),
-                               DIB_RGB_COLORS);
-    ReleaseDC(nullptr, screen);
-    return b;
+    HBITMAP b = CreateDIBitmap(screen, &p.Info()->bmiHeader, CBM_INIT, p.Bits(), p.Info(), DIB_RGB_COLORS);
+    return ReleaseDC(nullptr, screen), b;
 }
 
 // A white bottom-up section of the screen's depth: what a vMEMDEVICE holds.

@@ -11,12 +11,6 @@
 
 namespace bmt {
 
-inline void Put32(std::vector<unsigned char>& v, unsigned long x)
-{
-    for (int i = 0; i < 4; ++i)
-        v.push_back((unsigned char)(x >> (8 * i)));
-}
-
 // Optional file header (its other fields are ignored by readers), the 40-byte
 // info header, palette entry i = (3i, 5i, 7i) with a reserved byte of 0x55, the rows.
 inline std::vector<unsigned char> MakeStored(long w, long h, unsigned bits, unsigned long clrUsed, unsigned entries,
@@ -27,7 +21,8 @@ inline std::vector<unsigned char> MakeStored(long w, long h, unsigned bits, unsi
         v = {'B', 'M', 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE};
     for (unsigned long x : {40ul, (unsigned long)w, (unsigned long)h, 1ul | (unsigned long)bits << 16, 0ul,
                             (unsigned long)rows.size(), (unsigned long)pels, (unsigned long)pels, clrUsed, 0ul})
-        Put32(v, x);
+        for (int i = 0; i < 4; ++i)
+            v.push_back((unsigned char)(x >> (8 * i)));
     for (unsigned i = 0; i < entries; ++i)
         v.insert(v.end(), {(unsigned char)(i * 3), (unsigned char)(i * 5), (unsigned char)(i * 7), 0x55});
     v.insert(v.end(), rows.begin(), rows.end());
@@ -36,9 +31,7 @@ inline std::vector<unsigned char> MakeStored(long w, long h, unsigned bits, unsi
 
 inline void Fill(vMEMSTREAM& m, const std::vector<unsigned char>& bytes)
 {
-    if (!bytes.empty())
-        m.WriteBlock(bytes.data(), (unsigned long)bytes.size());
-    m.MoveFromStart(0);
+    m.WriteBlock(bytes.data(), (unsigned long)bytes.size()), m.MoveFromStart(0);
 }
 
 inline std::vector<unsigned char> RandomBytes(size_t n, unsigned seed)
@@ -58,8 +51,7 @@ inline std::vector<unsigned char> Load(const std::string& path)
 
 inline std::string Save(const std::string& path, const std::vector<unsigned char>& bytes)
 {
-    std::ofstream(path, std::ios::binary).write((const char*)bytes.data(), (std::streamsize)bytes.size());
-    return path;
+    return std::ofstream(path, std::ios::binary).write((const char*)bytes.data(), (std::streamsize)bytes.size()), path;
 }
 
 // Whole stored rows, bottom row first.

@@ -13,7 +13,6 @@
 struct PCDVOLUME {
     std::string root;
     std::vector<std::string> files, dirs;
-    std::vector<pcdwriter::Ycc> pictures;
     PCDVOLUME(const std::vector<int>& rotations, bool overview, bool rights = false)
         : root(rltest::TempPath("pcdvol"))
     {
@@ -22,11 +21,12 @@ struct PCDVOLUME {
                 CreateDirectoryA((root + d).c_str(), nullptr), dirs.push_back(root + d);
         std::vector<pcdwriter::Ycc> small;
         for (size_t i = 0; i < rotations.size(); ++i) {
-            pictures.push_back(pcdwriter::Pattern(768, 512, (int)i + 1));
-            small.push_back(pcdwriter::Halve(pcdwriter::Halve(pictures.back())));
-            Add(Pack(i + 1), pcdwriter::ImagePack(pictures.back(), rotations[i]));
+            pcdwriter::Ycc picture = pcdwriter::Pattern(768, 512, (int)i + 1);
+            small.push_back(pcdwriter::Halve(pcdwriter::Halve(picture)));
+            Add(Pack(i + 1), pcdwriter::ImagePack(picture, rotations[i]));
         }
-        SetId(7, (int)rotations.size());
+        const uint8_t id[12] = {'D', 'I', 'S', 'C', 7, 0, 0, 0, 0, 0, 0, 1};
+        Add(root + "\\PHOTO_CD\\INFO.PCD", pcdwriter::InfoFile(id, (int)rotations.size()));
         if (overview)
             Add(root + "\\PHOTO_CD\\OVERVIEW.PCD", pcdwriter::OverviewPack(small, rotations));
         if (rights)
@@ -50,11 +50,6 @@ struct PCDVOLUME {
         if (FILE* f = fopen(path.c_str(), "wb"))
             fwrite(data.data(), 1, data.size(), f), fclose(f);
         files.push_back(path);
-    }
-    void SetId(uint8_t idByte, int images)
-    {
-        const uint8_t id[12] = {'D', 'I', 'S', 'C', idByte, 0, 0, 0, 0, 0, 0, 1};
-        Add(root + "\\PHOTO_CD\\INFO.PCD", pcdwriter::InfoFile(id, images));
     }
 };
 #endif

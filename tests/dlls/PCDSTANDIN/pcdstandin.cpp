@@ -2,8 +2,7 @@
 // the rest missing on purpose. PCDopen takes "<width>x<height>"; pixel (x, y)
 // is blue 7x + y, green x + 5y, red 3(x ^ y), or index x + 3y at 8 bits;
 // PCDcreatePalette makes entry i blue i, green 255 - i, red 3i. PCDSTANDIN
-// selects "block-fails" (PCDgetBlock from its second call) or "palette-fails";
-// PCDSTANDIN_LOADS and _UNLOADS count.
+// selects "block-fails" (PCDgetBlock from its second call) or "palette-fails".
 #include <windows.h>
 #include "../standin.h"
 #include "../../../include/rl132/photocd/pcdapi.h"
@@ -17,13 +16,6 @@ struct PCDpack_ {
 static bool Mode(const char* name) { return standin::Mode("PCDSTANDIN", name); }
 
 extern "C" {
-
-BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
-{
-    if (reason == DLL_PROCESS_ATTACH || reason == DLL_PROCESS_DETACH)
-        standin::Count(reason == DLL_PROCESS_ATTACH ? "PCDSTANDIN_LOADS" : "PCDSTANDIN_UNLOADS");
-    return TRUE;
-}
 
 PCDstatus PCDAPI PCDopen(const char* path, PCDpkHdl* pack)
 {

@@ -1,6 +1,5 @@
-// An export plug-in (format "bad") that misbehaves as RLPHBAD says:
-// "start-fails", "header-short" / "footer-short" (one byte less than asked),
-// "convert-short" (nothing of the second band), "convert-long" (one byte more).
+// An export plug-in (format "bad") that misbehaves when RLPHBAD is
+// "convert-short": nothing of the second band.
 // Behaving, it writes "HEAD", the rows as they come (bottom-up when
 // RLPHBAD_ORDER is "up") and "FOOT". Each call appends its letter to
 // RLPHBAD_CALLS: s z h c y f x in entry order.
@@ -19,10 +18,10 @@ void Call(char letter)
     v[at] = letter, v[at + 1] = 0;
     SetEnvironmentVariableA("RLPHBAD_CALLS", v);
 }
-uint32_t Fixed(void* buffer, uint32_t size, const char* text, const char* shortMode)
+uint32_t Fixed(void* buffer, uint32_t size, const char* text)
 {
     memcpy(buffer, text, size < 4 ? size : 4);
-    return Bad(shortMode) ? size - 1 : size;
+    return size;
 }
 } // namespace
 
@@ -31,8 +30,6 @@ extern "C" {
 int RLPH_CALL startExport(void*, RLPHFORMATINFO* info)
 {
     Call('s');
-    if (Bad("start-fails"))
-        return 1;
     gBands = 0;
     info->rowOrder = standin::Mode("RLPHBAD_ORDER", "up") ? RLPH_ROWS_BOTTOM_UP : RLPH_ROWS_TOP_DOWN;
     info->maxRowBytes = info->sourceRowBytes;
@@ -42,7 +39,7 @@ int RLPH_CALL startExport(void*, RLPHFORMATINFO* info)
 uint32_t RLPH_CALL getHeaderSize(const RLPHFORMATINFO*) { return Call('z'), 4; }
 uint32_t RLPH_CALL getHeader(const RLPHFORMATINFO*, void* buffer, uint32_t size)
 {
-    return Call('h'), Fixed(buffer, size, "HEAD", "header-short");
+    return Call('h'), Fixed(buffer, size, "HEAD");
 }
 
 uint32_t RLPH_CALL convertImageBytes(const void* rows, uint32_t count, void* target, uint32_t rowBytes)
@@ -51,13 +48,13 @@ uint32_t RLPH_CALL convertImageBytes(const void* rows, uint32_t count, void* tar
     if (++gBands == 2 && Bad("convert-short"))
         return 0;
     memcpy(target, rows, count * rowBytes);
-    return count * rowBytes + (Bad("convert-long") ? 1 : 0);
+    return count * rowBytes;
 }
 
 uint32_t RLPH_CALL getFooterSize(const RLPHFORMATINFO*) { return Call('y'), 4; }
 uint32_t RLPH_CALL getFooter(const RLPHFORMATINFO*, void* buffer, uint32_t size)
 {
-    return Call('f'), Fixed(buffer, size, "FOOT", "footer-short");
+    return Call('f'), Fixed(buffer, size, "FOOT");
 }
 
 int RLPH_CALL finishExport(void*, const RLPHFORMATINFO*) { return Call('x'), 0; }
