@@ -18,6 +18,12 @@ struct PIC {
     long Rows() const { return h < 0 ? -h : h; }
     const BITMAPINFO* Info() const { return reinterpret_cast<const BITMAPINFO*>(bytes.data() + 14); }
     const unsigned char* Bits() const { return bytes.data() + 14 + 40 + (bits <= 8 ? (4u << bits) : 0); }
+    // Stored bytes of pixel (x, y), y counted from the top (8 bits or more).
+    unsigned char* Pixel(long x, long y)
+    {
+        long row = h < 0 ? y : Rows() - 1 - y;
+        return const_cast<unsigned char*>(Bits()) + row * Stride() + x * (long)bits / 8;
+    }
 };
 
 inline PIC Make(long w, long h, unsigned bits, unsigned seed)

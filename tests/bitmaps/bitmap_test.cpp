@@ -59,6 +59,72 @@ TEST(Bitmap, DrawsLikePlainGdi)
 }
 
 // Both written forms taken apart: the plain one as a file, the other expanded.
+TEST(Bitmap, TransparentColourLeavesTheTarget)
+{
+    for (const CASE& c : {kCases[0], kCases[1], kCases[2]}) {
+        PIC back = bmo::Make(c.w, c.h, 24, 40), p = bmo::Make(c.w, c.h, 24, 41);
+        const unsigned char key[3] = {0x10, 0x80, 0xF0};
+        for (long y = 0; y < p.Rows(); ++y)
+            for (long x = 0; x < c.w; ++x)
+                if ((x * 7 + y * 3) % 4 == 0)
+                    std::memcpy(p.Pixel(x, y), key, 3);
+        vMEMSTREAM m1, m2;
+        bmt::Fill(m1, back.bytes);
+        bmt::Fill(m2, p.bytes);
+        vBITMAP bb(m1), bp(m2);
+        const long W = c.w + 10, H = p.Rows() + 10;
+        const RECT t = {3, 4, 3 + c.w, 4 + p.Rows()}, s = {0, 0, c.w, p.Rows()};
+        vMEMDEVICE dev{vINT(W), vINT(H)};
+        bb.Draw(dev, vPOINT(vINT(3L), vINT(4L)));
+        ASSERT_EQ(1, bp.DrawTransparent(dev, vPOINT(vINT(3L), vINT(4L)), vCOLOUR(0x1080F0L, 1)));
+        bmo::CANVAS under(W, H), over(W, H);
+        under.Draw(back, t, s);
+        over.Draw(p, t, s);
+        const unsigned char* got = dev.GetDIB();
+        int wrong = 0;
+        for (long y = 0; y < H; ++y)
+            for (long x = 0; x < W; ++x) {
+                bool mine = x >= 3 && y >= 4 && x < t.right && y < t.bottom && std::memcmp(p.Pixel(x - 3, y - 4), key, 3) != 0;
+                size_t at = (size_t)(H - 1 - y) * W * 4 + x * 4;
+                wrong += std::memcmp((mine ? over.Bytes() : under.Bytes()) + at, got + at, 3) != 0;
+            }
+        EXPECT_EQ(0, wrong) << c.w << "x" << c.h;
+    }
+}
+
+TEST(Bitmap, SharingAndTheSmallHelpers)
+{
+    // Module bitmaps (the system's own here) are shared by id, as are copies.
+    vBITMAP a(vRESID(32760)), b(vRESID(32760));
+    ASSERT_TRUE(a.Valid() && a.Resource() == b.Resource() && a.Resource()->Type() == gdiRESOURCE::MODULEKIND);
+    EXPECT_TRUE(a.Size().Width()() > 0 && a.Resource()->RefCount() == 2);
+    {
+        vBITMAP c(a), d;
+        d = c;
+        EXPECT_EQ(4, a.Resource()->RefCount());
+        d = vBITMAP();
+        EXPECT_TRUE(!d.Valid() && a.Resource()->RefCount() == 3);
+    }
+    EXPECT_EQ(2, a.Resource()->RefCount());
+    vBITMAP sized(vRESID(32760), R(0, 0, 5, 6)), empty(vINT(30L), vINT(20L));
+    empty.Pageable(1);
+    EXPECT_TRUE(sized.Size() == R(0, 0, 5, 6) && empty.Valid() && empty.Size() == R(0, 0, 30, 20) && !empty.Resource()->IsPageable());
+    PIC p = bmo::Make(37, 23, 24, 5);
+    for (int keep = 0; keep < 2; ++keep) {
+        vMEMSTREAM src, dst;
+        bmt::Fill(src, p.bytes);
+        vBITMAP scaled(src, dst, 100, 100, keep);
+        EXPECT_TRUE(scaled.Valid() && scaled.Size() == R(0, 0, 100, keep ? 62 : 100)) << scaled.Size().Height()();
+    }
+    const short aspect[][6] = {{200, 100, 50, 50, 50, 25}, {100, 200, 50, 50, 25, 50}, {0, 100, 50, 40, 50, 40},
+                               {100, 0, 50, 40, 50, 40}, {30, 30, 80, 20, 20, 20}};
+    for (const auto& t : aspect) {
+        short nw = t[2], nh = t[3];
+        vBITMAP::PreserveAspect(t[0], t[1], &nw, &nh);
+        EXPECT_TRUE(t[4] == nw && t[5] == nh) << t[0] << "x" << t[1] << ": " << nw << "x" << nh;
+    }
+}
+
 TEST(Bitmap, WrittenFormsReadBack)
 {
     unsigned seed = 60;
