@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 #include "../bitmaps/bitmap_oracle.h"
+#include "export_files.h"
 #include "pcdvolume.h"
 #include "photocd/pcdaccess.h"
 #include "rltest.h"
@@ -153,3 +154,42 @@ TEST(Photo, PixelsMatchTheAccessLibrary)
     one.PhotoResolution(vPCD_4BASE);
     EXPECT_TRUE(one.LoadPhoto() == 0 && vol.Status() == vPCD_RES_NOT_SUPPORTED && !vBITMAP(one).Valid());
 }
+TEST(Photo, WriteThroughThePlugins)
+{
+    VOLUME v;
+    vPHOTOVOLUME vol(Text(v.root));
+    PHOTO p(vol), second(vol);
+    second.PhotoResolution(vPCD_BASE16), second.PhotoRotate(vROTATE_90), second.PhotoMirror(1);
+    BYTES dib = LibraryDib(v, 2, true, PCD_BASE_OVER_16, PCD_FORMAT_RGB24, {1, 1, {0, 0, 0, 0}});
+    ASSERT_FALSE(dib.empty());
+    const BITMAPINFOHEADER* h = (const BITMAPINFOHEADER*)dib.data();
+    BYTES rgb;
+    for (long y = h->biHeight - 1; y >= 0; --y)
+        for (long x = 0; x < h->biWidth; ++x) {
+            const unsigned char* px = dib.data() + 40 + y * ((h->biWidth * 24 + 31) / 32 * 4) + 3 * x;
+            rgb.insert(rgb.end(), {px[2], px[1], px[0]});
+        }
+    const struct { const char* extension; bool (*read)(const BYTES&, exportfiles::PICTURE&); } formats[] = {
+        {".bmp", exportfiles::ReadBmp}, {".PCX", exportfiles::ReadPcx}, {".Tif", exportfiles::ReadTif}};
+    for (const auto& f : formats) {
+        SCOPED_TRACE(f.extension);
+        std::string path = rltest::TempPath("pw") + f.extension;
+        {
+            vFILE file(Text(path), vFILE_WRITENEW, 0);
+            EXPECT_EQ(0, second.Write(file, 0)());
+        }
+        exportfiles::PICTURE pic;
+        ASSERT_TRUE(f.read(bmt::Load(path), pic)) << pic.error;
+        EXPECT_TRUE(pic.width == h->biWidth && pic.height == h->biHeight && pic.rgb == rgb);
+        DeleteFileA(path.c_str());
+    }
+    vMEMSTREAM unnamed;
+    EXPECT_EQ(3001, p.Write(unnamed, 0)());
+    std::string jpg = rltest::TempPath("pw") + ".jpg";
+    {
+        vFILE file(Text(jpg), vFILE_WRITENEW, 0);
+        EXPECT_TRUE(p.Write(file, 0)() == 3001 && file.Size() == 0ul);
+    }
+    DeleteFileA(jpg.c_str());
+}
+
