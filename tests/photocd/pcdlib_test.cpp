@@ -84,3 +84,66 @@ TEST(PcdLib, EachResolutionReadsThePicture)
 }
 
 }  // namespace
+
+namespace {
+struct Calls {
+    std::vector<std::pair<int, int>> progress;
+    int abortAfter = -1, asked = 0;
+    std::vector<uint8_t> disc;
+    long acceptDisc = 0;
+};
+long PCDAPI OnProgress(unsigned short done, unsigned short total, void* u)
+{
+    return ((Calls*)u)->progress.push_back({done, total}), 0;
+}
+long PCDAPI OnAbort(void* u) { return ((Calls*)u)->abortAfter >= 0 && ++((Calls*)u)->asked > ((Calls*)u)->abortAfter; }
+long PCDAPI OnDisc(const unsigned char id[12], void* u)
+{
+    return ((Calls*)u)->disc.assign(id, id + 12), ((Calls*)u)->acceptDisc;
+}
+} // namespace
+
+TEST(PcdLib, ProgressAbortAndChangedDisc)
+{
+    PCDVOLUME vol({0}, true);
+    PCDvolumeInfo info;
+    ASSERT_EQ(A().PCDreadInfoFile(vol.root.c_str(), &info), PCD_OK);
+    EXPECT_TRUE(info.volumeId[4] == 7 && info.imageCount == 1 && info.created == 7u);
+    PCDpkHdl pk;
+    PCDoviewHdl ov;
+    ASSERT_TRUE(A().PCDopen(vol.Pack(1).c_str(), &pk) == PCD_OK && A().PCDOopen(vol.root.c_str(), &ov) == PCD_OK);
+    Calls calls;
+    ASSERT_TRUE(A().PCDsetProgress(pk, OnProgress, &calls) == PCD_OK && A().PCDsetAbort(pk, OnAbort, &calls) == PCD_OK);
+    void* dib = nullptr;
+    ASSERT_EQ(A().PCDloadImage(pk, &dib), PCD_OK);
+    ASSERT_GE(calls.progress.size(), 3u);
+    for (size_t i = 1; i < calls.progress.size(); ++i)
+        EXPECT_GT(calls.progress[i].first, calls.progress[i - 1].first);
+    EXPECT_EQ(calls.progress.back().first, calls.progress.back().second);
+    A().PCDfreeBitmap(dib), dib = nullptr;
+    calls.abortAfter = 3;
+    calls.progress.clear();
+    EXPECT_TRUE(A().PCDloadImage(pk, &dib) == PCD_ERR_ABORTED && !dib && calls.progress.size() == 4u);
+    unsigned char row[768 * 3];
+    EXPECT_EQ(A().PCDgetBlock(pk, 0, 1, row, sizeof row), PCD_ERR_ABORTED);
+    ASSERT_EQ(A().PCDsetAbort(pk, nullptr, nullptr), PCD_OK);
+    EXPECT_EQ(A().PCDgetBlock(pk, 0, 1, row, sizeof row), PCD_OK);
+    EXPECT_EQ(A().PCDgetBlock(pk, 511, 2, row, sizeof row), PCD_ERR_BAD_ARG);
+    EXPECT_EQ(A().PCDgetBlock(pk, 0, 1, row, 100), PCD_ERR_BAD_ARG);
+    // Another disc in the drive: each handle asks, and goes on once the callback accepts it.
+    unsigned char id[12];
+    EXPECT_TRUE(A().PCDgetVolume(pk, id) == PCD_OK && id[4] == 7);
+    A().PCDsetDiscChanged(pk, OnDisc, &calls), A().PCDOsetDiscChanged(ov, OnDisc, &calls);
+    const uint8_t other[12] = {'D', 'I', 'S', 'C', 8, 0, 0, 0, 0, 0, 0, 1};
+    vol.Add(vol.root + "\\PHOTO_CD\\INFO.PCD", pcdwriter::InfoFile(other, 1));
+    EXPECT_EQ(A().PCDloadImage(pk, &dib), PCD_ERR_DISC_CHANGED);
+    ASSERT_TRUE(calls.disc.size() == 12u && calls.disc[4] == 8);
+    EXPECT_EQ(A().PCDOloadImage(ov, &dib), PCD_ERR_DISC_CHANGED);
+    calls.acceptDisc = 1;
+    ASSERT_EQ(A().PCDloadImage(pk, &dib), PCD_OK);
+    A().PCDfreeBitmap(dib);
+    ASSERT_EQ(A().PCDOloadImage(ov, &dib), PCD_OK);
+    A().PCDfreeBitmap(dib);
+    EXPECT_TRUE(A().PCDgetVolume(pk, id) == PCD_OK && id[4] == 8);
+    A().PCDclose(pk), A().PCDOclose(ov);
+}
