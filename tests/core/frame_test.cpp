@@ -1,4 +1,4 @@
-// The library frame: trace lines, profile switches, the memory shortage path, the string table.
+// The library frame: trace lines, profile switches, the memory shortage path.
 #include <gtest/gtest.h>
 #include <cstring>
 #include <string>
@@ -110,17 +110,6 @@ TEST(Frame, ReportShowsWarningOnceThenSevere)
     EXPECT_EQ(boxes.Calls()[1].text, "Error: Free Memory is extremely low.\nTry closing some of your other applications.");
     EXPECT_EQ(boxes.Calls()[0].caption, "");   // no window, no title
     EXPECT_EQ(boxes.Calls()[1].type, (unsigned)(MB_OK | MB_ICONHAND | MB_SYSTEMMODAL));
-}
-
-TEST(Frame, StringTableKeepsItsTextsAsTheyAre)
-{
-    // The blocks' own misspellings stay; texts are in the ANSI code page.
-    const struct { unsigned short id; const char* text; } texts[] = {{31306, "Ouvrivr"}, {31425, "Neues Ansicht"}, {31625, "Nytt f\xF6nter"}, {31017, ""}};
-    char text[256], small[6];
-    for (const auto& t : texts) {
-        EXPECT_TRUE(vRESID(t.id).Load(text, sizeof text) == (int)strlen(t.text) && std::string(text) == t.text) << t.id;
-    }
-    EXPECT_TRUE(vRESID(31102).Load(small, sizeof small) == 5 && std::string(small) == " Appl");   // the capacity holds
 }
 
 #if GTEST_HAS_DEATH_TEST

@@ -36,7 +36,7 @@ TEST(Geometry, PointComparisonsDistancesAndExpansion)
     // Scaling goes through vINT * vREAL, with its quirk on negative reals.
     EXPECT_TRUE((vPOINT(2L, 2L) * vREAL(-0.5)).x() == -3 && (vPOINT(7L, -7L) / vREAL(2)).y() == -3);
     // Odd growths lose a unit; shrinks use one more than the magnitude; past empty the rectangle turns over.
-    const struct { long d, lo, hi; } cases[] = {{1, 10, 20}, {2, 9, 21}, {3, 9, 21}, {-1, 11, 19}, {-2, 11, 19}, {-3, 12, 18}, {-20, 20, 10}};
+    const struct { long d, lo, hi; } cases[] = {{1, 10, 20}, {3, 9, 21}, {-2, 11, 19}, {-20, 20, 10}};
     for (const auto& c : cases) {
         vRECT w(10L, 10L, 20L, 20L), h(10L, 10L, 20L, 20L);
         w.Expand(vINT(c.d), vINT(0L));

@@ -1,9 +1,8 @@
 // OUTLIB: outside libraries loaded on first need, use counts, entries by name,
-// quiet failure and a file map, played by the stand-in colour libraries of tests/dlls.
+// quiet failure, played by the stand-in colour libraries of tests/dlls.
 #include <gtest/gtest.h>
 #include <windows.h>
 #include <cstdlib>
-#include <string>
 #include "rl132.h"
 #include "rltest.h"
 #include "platform/outlib.h"
@@ -21,12 +20,6 @@ void ResetStandIn(const char* mode = nullptr)
         SetEnvironmentVariableA(name, nullptr);
     SetEnvironmentVariableA("POCE_STANDIN", mode);
 }
-// Two names of libraries that do not exist, pointed at the stand-ins by plain name and by full path.
-std::string gStandInPath;
-const char* StandIns(const char* name)
-{
-    return lstrcmpiA(name, "RLPHTEST.DLL") == 0 ? "POCEHALF.DLL" : lstrcmpiA(name, "PCDTEST.DLL") == 0 ? gStandInPath.c_str() : nullptr;
-}
 } // namespace
 
 TEST(OutLib, QuietFailuresUseCountsEntriesAndTheFileMap)
@@ -34,8 +27,7 @@ TEST(OutLib, QuietFailuresUseCountsEntriesAndTheFileMap)
     rltest::MessageBoxes boxes;
     UINT savedMode = SetErrorMode(0);   // boxes allowed, as in a program that never asked otherwise
     ResetStandIn("refuse-load");
-    for (const char* name : {"RL132_NO_SUCH_LIBRARY.DLL", "POCE.DLL",
-                             "A_LIBRARY_NAME_LONGER_THAN_THE_SIXTY_THREE_CHARACTERS_AN_OUTLIB_KEEPS.DLL"}) {
+    for (const char* name : {"POCE.DLL", "A_LIBRARY_NAME_LONGER_THAN_THE_SIXTY_THREE_CHARACTERS_AN_OUTLIB_KEEPS.DLL"}) {
         OUTLIB lib(name);
         EXPECT_EQ(lib.Acquire(), 0) << name;
         EXPECT_TRUE(!lib.IsLoaded() && lib.Uses() == 0 && !lib.Resolve("POCE_EncodeColor")) << name;
@@ -78,21 +70,4 @@ TEST(OutLib, QuietFailuresUseCountsEntriesAndTheFileMap)
     }
     poce.Release();
     EXPECT_TRUE(GetModuleHandleA("POCE.DLL") == nullptr && Counter("POCE_STANDIN_LOADS") * 10 + Counter("POCE_STANDIN_UNLOADS") == 22);
-
-    // The file map: one module, whichever name reached it; a name the map leaves alone loads itself.
-    ResetStandIn();
-    char exe[MAX_PATH];
-    DWORD n = GetModuleFileNameA(nullptr, exe, sizeof exe);
-    ASSERT_GT(n, 0u);
-    gStandInPath.assign(exe, n);
-    gStandInPath = gStandInPath.substr(0, gStandInPath.find_last_of("\\/") + 1) + "POCE.DLL";
-    ASSERT_EQ(OUTLIB::SetFileMap(StandIns), nullptr);
-    OUTLIB plugin("RLPHTEST.DLL"), photo("PCDTEST.DLL"), plain("POCE.DLL");
-    ASSERT_EQ(plugin.Acquire() + photo.Acquire() + plain.Acquire(), 3);
-    EXPECT_TRUE(plugin.Resolve("POCE_EncodeColor") && !plugin.Resolve("POCE_GetColorRGB"));   // the incomplete one
-    EXPECT_TRUE(photo.Resolve("POCE_GetColorRGB") && Counter("POCE_STANDIN_LOADS") == 1);
-    plugin.Release(), photo.Release(), plain.Release();
-    EXPECT_EQ(OUTLIB::SetFileMap(nullptr), StandIns);
-    OUTLIB unmapped("RLPHTEST.DLL");
-    EXPECT_TRUE(unmapped.Acquire() == 0 && GetModuleHandleA("POCEHALF.DLL") == nullptr);
 }
