@@ -256,43 +256,24 @@ void PlayNative(devtest::SURFACE& s, HMETAFILE h)
 
 } // namespace
 
-TEST(WmfNative, WriteAndOwnRecordings)
+// The library's own recordings go onto an A4 page shrunk to their aspect,
+// which becomes the recording's window.
+TEST(WmfNative, OwnRecordingsGoOntoAShrunkA4Page)
 {
-    // Drawn directly: the recording is closed when the metafile is written.
-    vNATIVEMETA drawn;
-    EXPECT_TRUE(drawn.PageWidth() == 21000 && drawn.PageHeight() == 29700);
-    HDC dc = drawn.GetWinDC();
-    ASSERT_TRUE(dc != nullptr);
-    Rectangle(dc, 10, 10, 50, 40);
-    std::string path = rltest::TempPath("wmfnative") + ".wmf";
-    EXPECT_NE(0, drawn.Write(vSTRING("%s", path.c_str())));
-    HMETAFILE written = GetMetaFileA(path.c_str()), held = drawn.RemoveFileHandle();
-    ASSERT_TRUE(written != nullptr && held != nullptr);
-    EXPECT_TRUE(BitsOf(held) == BitsOf(written) && BitsOf(held).size() > 18u + 6u);
-    DeleteMetaFile(written), DeleteMetaFile(held);
-    DeleteFileA(path.c_str());
-    EXPECT_EQ(0, drawn.Write(vSTRING("%s", path.c_str())));
-    EXPECT_EQ(INVALID_FILE_ATTRIBUTES, GetFileAttributesA(path.c_str()));
-
-    // The library's own recordings go onto an A4 page shrunk to their aspect,
-    // which becomes the recording's window.
-    {
-        const long c[4] = {500, 1000, 14850, 29700};
-        vMETAFILE m;
-        m.DrawRect(vRECT(vINT(100L), vINT(0L), vINT(100L + c[0]), vINT(c[1])));
-        m.EndMetaFile();
-        vNATIVEMETA native(m);
-        EXPECT_TRUE(native.PageWidth() == c[2] && native.PageHeight() == c[3]);
-        HMETAFILE h = native.RemoveFileHandle();
-        ASSERT_TRUE(h != nullptr);
-        Bytes bits = BitsOf(h);
-        bool window = false;
-        for (size_t at = 18, words; at + 10 <= bits.size() && (words = Long(&bits[at])) >= 3; at += words * 2)
-            if (Word(&bits[at + 4]) == fnSetWindowExt)
-                window = (short)Word(&bits[at + 6]) == c[3] && (short)Word(&bits[at + 8]) == c[2];
-        devtest::SURFACE s(120, 120);
-        PlayNative(s, h);
-        EXPECT_TRUE(window && s.Count(0xFFFFFF) > 0);
-        DeleteMetaFile(h);
-    }
+    vMETAFILE m;
+    m.DrawRect(vRECT(vINT(100L), vINT(0L), vINT(600L), vINT(1000L)));
+    m.EndMetaFile();
+    vNATIVEMETA native(m);
+    EXPECT_TRUE(native.PageWidth() == 14850 && native.PageHeight() == 29700);
+    HMETAFILE h = native.RemoveFileHandle();
+    ASSERT_TRUE(h != nullptr);
+    Bytes bits = BitsOf(h);
+    bool window = false;
+    for (size_t at = 18, words; at + 10 <= bits.size() && (words = Long(&bits[at])) >= 3; at += words * 2)
+        if (Word(&bits[at + 4]) == fnSetWindowExt)
+            window = (short)Word(&bits[at + 6]) == 29700 && (short)Word(&bits[at + 8]) == 14850;
+    devtest::SURFACE s(120, 120);
+    PlayNative(s, h);
+    EXPECT_TRUE(window && s.Count(0xFFFFFF) > 0);
+    DeleteMetaFile(h);
 }
