@@ -2,10 +2,7 @@
 // the Pantone path through a stand-in colour library (the stream form: in the line
 // and fill styles' forms, and tests/native).
 #include <gtest/gtest.h>
-#include <algorithm>
-#include <cmath>
 #include <cstdlib>
-#include <vector>
 #include "rl132.h"
 #include "rltest.h"
 #include "platform/outlib.h"
@@ -102,31 +99,6 @@ TEST(Colour, FlagsComparisonTintFormatAndTintOfBlack)
         {Cmyk(50, 50, 50, 50), true}, {Cmyk(51, 50, 50, 50), false}, {vCOLOUR(vPANTONE, 0, 100, 0), false}};
     for (const auto& c : blacks)
         EXPECT_EQ(c.c.IsTintOfBlack() != 0, c.black) << c.c.GetNativeFormat() << " " << std::hex << c.c.Value();
-}
-
-TEST(ColourCube, PropertiesOverTheRgbCube)
-{
-    for (int r = 0; r <= 255; r += 5)
-        for (int g = 0; g <= 255; g += 5)
-            for (int b = 0; b <= 255; b += 5) {
-                vCOLOUR c(r, g, b), h = c.HLSFormat(), k = c.CMYKFormat();
-                int mx = std::max(r, std::max(g, b)), mn = std::min(r, std::min(g, b));
-                ASSERT_TRUE(h.Value() >> 24 == 0u && h.Saturation() <= 100);
-                // No lightness lands on a half, so plain rounding agrees.
-                ASSERT_EQ(h.Light(), (int)std::lround((mx + mn) * 50.0 / 255.0)) << r << "," << g << "," << b;
-                ASSERT_TRUE(HlsOf(c) == h.Value() && CmykOf(c) == k.Value());
-                int cy = k.Cyan(), ma = k.Magenta(), ye = k.Yellow(), bl = k.Black();
-                ASSERT_LE(std::max(cy, std::max(ma, ye)) + bl, 100);
-                ASSERT_EQ(std::min(cy, std::min(ma, ye)), 0) << r << "," << g << "," << b;  // full grey replacement
-                ASSERT_NEAR(bl, (255 - mx) * 100.0 / 255.0, 1.01);
-                ASSERT_NEAR(cy + bl, (255 - r) * 100.0 / 255.0, 1.51);
-                ASSERT_NEAR((double)c.GreyScale(), 100.0 - (0.30 * r + 0.59 * g + 0.11 * b) / 2.55, 1.0);
-                ASSERT_TRUE(c.RGBFormat() == c && h.HLSFormat() == h && k.CMYKFormat() == k);
-                // A lighter tint is never darker, and tint 0 is white.
-                vCOLOUR half(vHLS, h.Value(), 50, 0), none(vCMYK, k.Value(), 0, 0);
-                ASSERT_TRUE(half.Red() >= h.Red() && half.Green() >= h.Green() && half.Blue() >= h.Blue() && RgbOf(none) == 0xFFFFFFu)
-                    << r << "," << g << "," << b;
-            }
 }
 
 // The stand-in answers red = marker low byte, green = simtype * 4, blue = index low byte.

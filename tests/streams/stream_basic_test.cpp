@@ -153,12 +153,11 @@ TEST(StreamEncoding, ValuesAreLittleEndianAndSwappedOnlyWhenRead)
         vSTRING() >> s;
         vSTRING("abc") >> s;
     };
-    vMEMSTREAM mem, swapped;
-    swapped.SwapByteOrder(1);  // writers ignore the swap flag
+    vMEMSTREAM mem;
+    mem.SwapByteOrder(1);  // writers ignore the swap flag
     writeAll(mem);
-    writeAll(swapped);
+    mem.SwapByteOrder(0);
     EXPECT_EQ(Bytes(mem.Buffer(), mem.Buffer() + mem.Size()), expected);
-    EXPECT_EQ(Bytes(swapped.Buffer(), swapped.Buffer() + swapped.Size()), expected);
     mem.MoveFromStart(17);
     vINT i, past(7);
     vREAL a;
