@@ -1,6 +1,6 @@
 // Windows metafile playback judged by its pixels: the corpus against the
 // system's player given the records the filter passes, generated metafiles
-// against plain GDI; and the native metafile drawn directly or from a recording.
+// against plain GDI; and the native metafile made from a recording.
 #include <windows.h>
 #include <algorithm>
 #include <cstring>

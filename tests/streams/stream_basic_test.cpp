@@ -1,5 +1,5 @@
 // vFILE's open modes, cache and temporary files; vMEMSTREAM's caller buffers and
-// spill file; vOLESTREAM over a caller's IStream; values on a stream.
+// spill file; values on a stream.
 #include <gtest/gtest.h>
 #include <cstdio>
 #include <cstring>
@@ -113,30 +113,6 @@ TEST(StreamMemory, CallerBuffersAndTheSpillAtOneHundredMillionBytes)
     EXPECT_EQ(spillFiles(), before);
     SetEnvironmentVariableA("TMP", hadTmp ? saved : nullptr);
     RemoveDirectoryA(dir);
-}
-
-TEST(StreamOle, TakesOverSizeAndPositionAndNeverReleases)
-{
-    IStream* s = NewOleStream();
-    ASSERT_NE(s, nullptr);
-    Bytes initial = Incompressible(40, 5);
-    s->Write(initial.data(), 40, nullptr);
-    LARGE_INTEGER at;
-    at.QuadPart = 10;
-    s->Seek(at, STREAM_SEEK_SET, nullptr);
-    s->AddRef();
-    ULONG refs = s->Release();
-    {
-        vOLESTREAM o(&s, vSTRING(), 0);
-        EXPECT_TRUE(o.Size() == 40UL && o.CurrentPos() == 10UL && o.ReadUByte() == initial[10]);
-        o.MoveFromEnd(0);
-        o.WriteULong(0xA1B2C3D4);
-        o.MoveFromStart(40);
-        EXPECT_TRUE(o.Size() == 44UL && o.ReadULong() == 0xA1B2C3D4UL && o.Status() == vSTREAM_OK);
-    }
-    s->AddRef();
-    EXPECT_EQ(s->Release(), refs);
-    s->Release();
 }
 
 TEST(StreamEncoding, ValuesAreLittleEndianAndSwappedOnlyWhenRead)
