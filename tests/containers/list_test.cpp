@@ -6,12 +6,7 @@
 #include "rl132.h"
 
 namespace {
-// Each item notices its destruction, which the containers must never cause.
-struct Item : vOBJECT {
-    int id = 0;
-    bool destroyed = false;
-    ~Item() { destroyed = true; }
-};
+struct Item : vOBJECT { int id = 0; };
 int Id(vOBJECT* o) { return o ? static_cast<Item*>(o)->id : -1; }
 std::vector<int> Walk(const fLIST& list, bool forward)
 {

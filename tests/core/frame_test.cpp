@@ -68,8 +68,8 @@ TEST(Frame, FailedResizeKeepsTheOldBlockAndAsksTheUser)
     strcpy(p, "still here");
     EXPECT_TRUE(vMemRealloc(p, 0x7FFFFFF0ul) == nullptr && std::string(p) == "still here");   // too much for 32 bits
     ASSERT_EQ(boxes.Calls().size(), 1u);
-    EXPECT_TRUE(boxes.Calls()[0].text == " Application may be unstable !" && boxes.Calls()[0].caption == "<null>");
-    EXPECT_EQ(boxes.Calls()[0].type, (unsigned)(MB_RETRYCANCEL | MB_ICONHAND | MB_SYSTEMMODAL));
+    EXPECT_TRUE(boxes.Calls()[0].text == " Application may be unstable !" && boxes.Calls()[0].caption == "<null>" &&
+                boxes.Calls()[0].type == (unsigned)(MB_RETRYCANCEL | MB_ICONHAND | MB_SYSTEMMODAL));
     EXPECT_TRUE(vSYSTEM::GetExceptionFlag() == 1 && !vSYSTEM::GetDefaultException().HasReserve());   // gone for good
     vMemFree(p);
 }

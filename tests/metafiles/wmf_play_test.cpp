@@ -2,8 +2,6 @@
 // system's player given the records the filter passes, generated metafiles
 // against plain GDI; and the native metafile made from a recording.
 #include <windows.h>
-#include <algorithm>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>

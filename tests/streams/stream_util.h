@@ -2,7 +2,6 @@
 #ifndef STREAM_UTIL_H
 #define STREAM_UTIL_H
 #include <windows.h>
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <string>

@@ -23,8 +23,7 @@ expect 0 'picture 1, 768x512' photocd "$V" --export 1 "Z:$DIR/a.bmp"
 expect 0 'picture 2, 256x384' photocd "$V" --export 2 "Z:$DIR/b.pcx" --resolution base4 --rotate 90 --mirror
 # What the files begin with, and a 24-bit BMP's exact size.
 [ "$(head -c 2 "$DIR/a.bmp")" = BM ] && [ "$(stat -c %s "$DIR/a.bmp")" = $((54 + 768 * 3 * 512)) ] \
-  || { echo "FAIL: a.bmp"; fail=1; }
-[ "$(head -c 1 "$DIR/b.pcx" | od -An -tx1 | tr -d ' ')" = 0a ] || { echo "FAIL: b.pcx"; fail=1; }
+  && [ "$(head -c 1 "$DIR/b.pcx" | od -An -tx1 | tr -d ' ')" = 0a ] || { echo "FAIL: a.bmp or b.pcx"; fail=1; }
 expect 1 'no picture 4' photocd "$V" --export 4 "Z:$DIR/d.bmp"
 expect 1 'status 3001' photocd "$V" --export 1 "Z:$DIR/d.jpg"
 expect 1 'not found' photocd "Z:$DIR/nothing"
