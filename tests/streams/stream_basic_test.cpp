@@ -1,5 +1,5 @@
 // vFILE's open modes, cache and temporary files; vMEMSTREAM's caller buffers and
-// spill file; values on a stream.
+// spill file; vOLESTREAM over a system stream; values on a stream.
 #include <gtest/gtest.h>
 #include <cstdio>
 #include <cstring>
@@ -145,4 +145,35 @@ TEST(StreamEncoding, ValuesAreLittleEndianAndSwappedOnlyWhenRead)
     mem.MoveFromStart(0);
     mem.SwapByteOrder(1);
     EXPECT_TRUE(mem.ReadULong() == 0x04030201UL && mem.ReadSWord() == (short)0xB2A1);
+}
+
+TEST(StreamOle, TakesOverSizeAndPositionCompressesAndNeverReleases)
+{
+    IStream* s = NewOleStream();
+    ASSERT_NE(s, nullptr);
+    Bytes initial = Incompressible(40, 5);
+    s->Write(initial.data(), 40, nullptr);
+    LARGE_INTEGER at;
+    at.QuadPart = 10;
+    s->Seek(at, STREAM_SEEK_SET, nullptr);
+    s->AddRef();
+    ULONG refs = s->Release();
+    {
+        vOLESTREAM o(&s, vSTRING(), 0);
+        EXPECT_TRUE(o.Size() == 40UL && o.CurrentPos() == 10UL && o.ReadUByte() == initial[10]);
+        // Frames work as on files: the longer attempt leaves nothing behind the raw bytes.
+        Bytes text = Compressible(3000), raw = Incompressible(500, 8), back(3500);
+        o.MoveFromEnd(0);
+        o.Compress(1);
+        unsigned long framed = o.WriteBlock(text.data(), 3000);
+        EXPECT_LT(framed, 3000UL);
+        EXPECT_EQ(o.WriteBlock(raw.data(), 500), 500UL);
+        EXPECT_EQ(o.Size(), 40UL + framed + 500);
+        o.MoveFromStart(40);
+        EXPECT_TRUE(o.ReadByteString(back.data(), 3000) == 3000 && o.ReadByteString(back.data() + 3000, 500) == 500);
+        EXPECT_TRUE(back == Cat(text, raw) && o.Status() == vSTREAM_OK);
+    }
+    s->AddRef();
+    EXPECT_EQ(s->Release(), refs);
+    s->Release();
 }

@@ -58,6 +58,15 @@ inline Bytes Incompressible(size_t n, unsigned int seed = 11)
         c = (unsigned char)(r.Next() >> 11);
     return out;
 }
+
+// Looked up at run time: the test programs do not link the OLE library.
+inline IStream* NewOleStream()
+{
+    typedef HRESULT(WINAPI * Create)(HGLOBAL, BOOL, IStream**);
+    static Create create = (Create)(void*)GetProcAddress(LoadLibraryA("ole32.dll"), "CreateStreamOnHGlobal");
+    IStream* s = nullptr;
+    return create && create(nullptr, TRUE, &s) == S_OK ? s : nullptr;
+}
 } // namespace streamtest
 
 #endif
