@@ -109,12 +109,14 @@ struct LOADED {
 };
 
 // Draw's result into `area` of a 1:1 memory device, or -1 for a refused metafile.
-int PlayThroughLibrary(const Bytes& file, vMEMDEVICE& device, const RECT& area)
+int PlayThroughLibrary(const Bytes& file, vMEMDEVICE& device, const RECT& area, oPROGRESS* progress = nullptr)
 {
     LOADED loaded(file);
     vMETAFILE& m = loaded.m;
     if (!m.Status())
         return -1;
+    if (progress)
+        m.SetProgressInd(*progress);
     return m.Draw(device, vRECT(vINT(area.left), vINT(area.top), vINT(area.right), vINT(area.bottom)), nullptr);
 }
 
@@ -271,4 +273,37 @@ TEST(WmfNative, OwnRecordingsGoOntoAShrunkA4Page)
     PlayNative(s, h);
     EXPECT_TRUE(window && s.Count(0xFFFFFF) > 0);
     DeleteMetaFile(h);
+}
+
+TEST(WmfPlay, ProgressAndStopping)
+{
+    struct STOPPER : oPROGRESS {
+        unsigned long stopAfter = 0;
+        std::vector<unsigned long> seen;
+        void Update(unsigned long done) override
+        {
+            oPROGRESS::Update(done);
+            seen.push_back(done);
+            if (seen.size() == stopAfter)
+                RequestStop();
+        }
+    };
+    Bytes file = Base().Rec(fnRectangle, Box(10, 10, 60, 40)).Rec(fnRectangle, Box(70, 50, 90, 90)).Done();
+    for (unsigned long stopAfter : {0ul, 7ul}) {
+        STOPPER progress;
+        progress.stopAfter = stopAfter;
+        vMEMDEVICE device{vINT(kSize), vINT(kSize)};
+        EXPECT_EQ(stopAfter ? 0 : 1, PlayThroughLibrary(file, device, kUp, &progress));
+        // Six set-up records, then the rectangles; META_EOF ends it unreported.
+        ASSERT_EQ(stopAfter ? 7u : 8u, progress.seen.size());
+        EXPECT_EQ(file.size() - 6, progress.seen.back() + (stopAfter ? 14 : 0));
+        EXPECT_EQ(file.size(), progress.Total());
+        ORACLE oracle(device, 0xFF);
+        BaseState(oracle.dc, kUp);
+        Rectangle(oracle.dc, 10, 10, 60, 40);
+        if (!stopAfter)
+            Rectangle(oracle.dc, 70, 50, 90, 90);
+        Release(oracle.dc);
+        EXPECT_TRUE(devtest::SameBuffers(device.GetDIB(), oracle, device.BufferSize())) << stopAfter;
+    }
 }
