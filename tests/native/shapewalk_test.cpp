@@ -1,4 +1,4 @@
-// The shape walk against a reference walk, its thresholds, LISTINFO and the hit test.
+// The shape walk's properties, its thresholds, LISTINFO and the hit test.
 #include <gtest/gtest.h>
 #include <cmath>
 #include <cstdint>
@@ -47,20 +47,6 @@ std::vector<Event> Counted(std::vector<Event> ev)
         return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure() << "first difference at event " << i << " of " << want.size() << "/"
                                          << got.size();
-}
-
-// The walk and the reference over one shape, corners on and off.
-::testing::AssertionResult Agree(Shape& shape, const WALKMAP& map)
-{
-    for (int corners = 0; corners < 2; ++corners) {
-        Recorder want, got;
-        int nw = ref::Walk(shape, map, want, corners != 0);
-        int ng = WalkShape(shape.View(), map, got, corners ? kAll : (unsigned)(WALK_SEGMENT | WALK_END));
-        ::testing::AssertionResult r = SameStream(want.ev, got.ev);
-        if (nw != ng || !r)
-            return r << " contours " << nw << "/" << ng << (corners ? " (with corners)" : " (no corners)");
-    }
-    return ::testing::AssertionSuccess();
 }
 
 TEST(ShapeWalk, HandWorkedShapes)
@@ -118,10 +104,10 @@ TEST(ShapeWalk, TightCurveEmitsAfterEightEntries)
     EXPECT_TRUE(counter.entries == 0 && r.ev.back().p[1] == P(0, 0));
 }
 
-TEST(ShapeWalk, GeneratedShapesMatchTheReference)
+TEST(ShapeWalk, GeneratedShapesAreWellFormed)
 {
     // Lines and curves, open and closed, through scaling maps, up to device
-    // coordinates of 2^18 (beyond, the 20.12 sums wrap: the fuzz loop's part).
+    // coordinates of 2^18 (beyond, the 20.12 sums wrap and pieces need not chain).
     Rng rng(63);
     for (int iter = 0; iter < 2000; ++iter) {
         WALKMAP map = IdentityMap();
@@ -136,13 +122,15 @@ TEST(ShapeWalk, GeneratedShapesMatchTheReference)
         }
         auto coord = [&] { return (long)((std::int32_t)rng.Below(2 * (std::uint32_t)range + 1) - range); };
         Shape s;
-        unsigned contours = 1 + rng.Below(4);
+        unsigned contours = 1 + rng.Below(4), lines = 0;
+        bool curves = false;
         for (unsigned k = 0; k < contours; ++k) {
             unsigned segs = 1 + rng.Below(6);
             bool closed = rng.Below(3) != 0;
             long x0 = coord(), y0 = coord();
             for (unsigned g = 0; g < segs; ++g) {
-                bool curve = rng.Below(2) != 0;
+                bool curve = iter % 5 && rng.Below(2) != 0;
+                curves |= curve, lines += !curve;
                 unsigned char f = (unsigned char)((g == 0 ? 0x01 : 0) | (curve ? 0x10 : 0x08) |
                                                   (g + 1 == segs && closed ? 0x02 : 0));
                 // Now and then a segment retraces or stays on its point.
@@ -156,7 +144,19 @@ TEST(ShapeWalk, GeneratedShapesMatchTheReference)
             if (!closed)
                 s.Add(coord(), coord(), 0x02);
         }
-        ASSERT_TRUE(Agree(s, map)) << "iteration " << iter;
+        if (s.pts.size() == 2)   // any two points walk as one open line
+            contours = 1, lines = 1;
+        for (unsigned members : {kAll, (unsigned)(WALK_SEGMENT | WALK_END)}) {
+            Recorder r;
+            ASSERT_EQ((int)contours, WalkShape(s.View(), map, r, members)) << iter;
+            // Chords are 16-bit, so a curve's end meets the next line only below 2^15.
+            ASSERT_TRUE(WellFormed(r.ev, !curves || map.identity)) << iter;
+            ASSERT_EQ(contours, r.ends) << iter;
+            // Lines only: one piece per line plus each contour's closing one.
+            if (!curves) {
+                ASSERT_EQ(lines + contours, r.pieces) << iter;
+            }
+        }
     }
 }
 
@@ -166,15 +166,15 @@ TEST(ShapeWalk, MappingAndMidpoints)
     EXPECT_EQ(0, MapCoord(5, 7, 0, 96));      // no logical units: 0, no fault
     EXPECT_EQ(P(-1, 1), MidPoint(P(-3, 0), P(1, 2)));
     EXPECT_EQ(P(-1073741824, 0), MidPoint(P(0x7FFFFFFF, -1), P(1, 1)));   // the sum wraps
+    EXPECT_EQ(5, MapCoord(0x40000001, 0, 1, 4));   // the product wraps past 2^32
     Rng rng(7);
     for (int i = 0; i < 60000; ++i) {
-        std::int32_t l = (std::int32_t)rng.Edgy(), o = (std::int32_t)rng.Edgy();
-        std::int32_t lu = (std::int32_t)rng.Edgy(), du = (std::int32_t)rng.Edgy();
-        if (i & 1)
-            lu = (std::int32_t)rng.Below(3000) - 10, du = (std::int32_t)rng.Below(3000);
-        ASSERT_EQ(ref::Map(l, o, lu, du), MapCoord(l, o, lu, du)) << l << " " << o << " " << lu << " " << du;
-        GPOINT a = P((std::int32_t)rng.Edgy(), (std::int32_t)rng.Edgy()), b = P((std::int32_t)rng.Edgy(), l);
-        ASSERT_EQ(ref::Mid(a, b), MidPoint(a, b));
+        // Where nothing wraps: (l + o) * D plus half of L, divided toward zero.
+        std::int64_t l = (std::int32_t)rng.Below(200001) - 100000, o = (std::int32_t)rng.Below(2001) - 1000;
+        std::int64_t lu = 1 + rng.Below(3000), du = rng.Below(3000);
+        ASSERT_EQ((std::int32_t)(((l + o) * du + (lu + 1) / 2) / lu), MapCoord((std::int32_t)l, (std::int32_t)o, (std::int32_t)lu, (std::int32_t)du));
+        GPOINT a = P((std::int32_t)rng.Edgy() / 2, (std::int32_t)rng.Edgy() / 2), b = P((std::int32_t)l, (std::int32_t)o);
+        ASSERT_EQ(P((a.x + b.x) / 2, (a.y + b.y) / 2), MidPoint(a, b));
     }
 }
 
@@ -201,17 +201,12 @@ TEST(ShapeWalk, CornerAndStraightnessThresholds)
     EXPECT_FALSE(IsBezierStraight(P(0, 0), P(50 * 4096, 4096), P(100 * 4096, 0), 1));
     EXPECT_TRUE(IsBezierStraight(P(0, 0), P(50 * 4096, 512), P(100 * 4096, 0), 1));
 
-    // Against the rules in 64-bit arithmetic, everywhere, wrapping included.
+    // Where nothing wraps, a corner means a cosine above -0.994, give or take the roots.
     Rng rng(11);
-    for (int i = 0; i < 90000; ++i) {
-        std::int32_t s = i % 3 == 0 ? 0 : i % 3 == 1 ? 20 : 12;   // whole range, small, medium
-        auto v = [&] { return s ? (std::int32_t)(rng.U32() >> s) - (std::int32_t)(0x80000000u >> s) : (std::int32_t)rng.Edgy(); };
+    for (int i = 0; i < 30000; ++i) {
+        auto v = [&] { return (std::int32_t)(rng.U32() >> 20) - (std::int32_t)(0x80000000u >> 20); };
         GPOINT a = P(v(), v()), b = P(v(), v()), c = P(v(), v());
-        ASSERT_EQ(ref::Corner(a, b, c), DetectCorner(a, b, c, 0));
-        ASSERT_EQ(ref::Straight(a, b, c, true), IsBezierStraight(a, b, c, 1));
-        ASSERT_EQ(ref::Straight(a, b, c, false), IsBezierStraight(a, b, c, 0));
-        if (s == 20) {
-            // Where nothing wraps, a corner means a cosine above -0.994, give or take the roots.
+        {
             double ux = (double)b.x - a.x, uy = (double)b.y - a.y, wx = (double)b.x - c.x, wy = (double)b.y - c.y;
             double nu = std::hypot(ux, uy), nw = std::hypot(wx, wy), dot = ux * wx + uy * wy;
             if (nu > 1000 && nw > 1000 && std::fabs(dot) < 2147483.0) {
@@ -293,8 +288,8 @@ TEST(ShapeWalk, ListInfoKeepsDistinctPointsPerContour)
 
 TEST(ShapeWalk, ArbitraryTablesStayBounded)
 {
-    // Any flags, edge coordinates and wrapping maps: the walk agrees with the
-    // reference, ends each contour once, and never runs away.
+    // Any flags, edge coordinates and wrapping maps: the walk stays well formed,
+    // ends each contour once, and never runs away.
     Rng rng(97);
     for (int iter = 0; iter < 400; ++iter) {
         WALKMAP map = IdentityMap();
@@ -311,10 +306,9 @@ TEST(ShapeWalk, ArbitraryTablesStayBounded)
             long x = iter % 3 ? (long)(std::int32_t)rng.Edgy() : (long)(rng.Below(70001)) - 35000;
             s.Add(x, (long)(std::int32_t)rng.Edgy(), f);
         }
-        ASSERT_TRUE(Agree(s, map)) << "iteration " << iter;
         Recorder r;
-        r.limit = 0;
         int contours = WalkShape(s.View(), map, r, kAll);
+        ASSERT_TRUE(WellFormed(r.ev, false)) << "iteration " << iter;
         EXPECT_EQ((unsigned long)contours, r.ends);
         EXPECT_LE(r.pieces, (unsigned long)n * 20000 + 2);
     }
