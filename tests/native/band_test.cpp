@@ -1,7 +1,8 @@
-// The graded fills' bands against a second transcription of their rules (built
-// from the library's Sin, Cos, Log, Sqrt and MulDiv), the pattern table, and any input.
+// The graded fills' counts and blends against their rules, the bands' tiling,
+// the pattern table, and any input.
 #include <gtest/gtest.h>
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -49,77 +50,6 @@ std::uint32_t RefBlend(std::uint32_t c1, std::uint32_t c2, int t, int n)
     return out;
 }
 
-struct Band {
-    GPOINT q[4];
-    std::uint32_t colour;
-};
-
-std::vector<Band> RefLinear(const GBOX& b, int type, std::int32_t raw, std::uint32_t c1, std::uint32_t c2, int quality)
-{
-    int n = RefRange(c1, c2, quality) * (type == 4 ? 2 : 1);
-    int a = raw / 65536;
-    GPOINT p[4];
-    if (a == 0 || a >= 360) {
-        p[0] = {b.left, b.top}, p[1] = {b.right, b.top}, p[2] = {b.right, b.bottom}, p[3] = {b.left, b.bottom};
-    } else {
-        int cs = Cos((short)a), sn = Sin((short)a);
-        int w = b.right - b.left + 1, h = b.bottom - b.top + 1;
-        int bw = std::abs(cs * w / 25600) + std::abs(sn * h / 25600);
-        int bh = std::abs(sn * w / 25600) + std::abs(cs * h / 25600);
-        int hx = (bw + 1) / 2, hy = (bh + 1) / 2;
-        int xs[4] = {-hx, hx, hx, -hx}, ys[4] = {-hy, -hy, hy, hy};
-        for (int k = 0; k < 4; ++k)
-            p[k] = {b.left + (w + 1) / 2 + cs * xs[k] / 25600 - sn * ys[k] / 25600,
-                    b.top + (h + 1) / 2 + cs * ys[k] / 25600 + sn * xs[k] / 25600};
-    }
-    int bands = std::min(n, RefDist(p[2], p[3]) / (quality ? 7 : 3));
-    if (bands < 3)
-        bands = 2;
-    std::vector<Band> out;
-    int ex = p[2].x - p[3].x, ey = p[2].y - p[3].y;
-    for (int i = 0; i <= bands; ++i) {
-        int ox = PlatformMulDiv(ex, i, bands + 1), oy = PlatformMulDiv(ey, i, bands + 1);
-        int ox2 = PlatformMulDiv(ex, i + 1, bands + 1), oy2 = PlatformMulDiv(ey, i + 1, bands + 1);
-        Band band = {{{p[0].x + ox, p[0].y + oy}, {p[0].x + ox2, p[0].y + oy2}, {p[3].x + ox2, p[3].y + oy2},
-                      {p[3].x + ox, p[3].y + oy}},
-                     type == 4   ? RefBlend(c1, c2, bands - std::abs(2 * i - bands), bands)
-                     : type == 5 ? RefBlend(c1, c2, Log((short)PlatformMulDiv(i, 256, bands)), 64)
-                                 : RefBlend(c1, c2, i, bands)};
-        out.push_back(band);
-    }
-    return out;
-}
-
-std::vector<std::vector<GPOINT>> RefRadial(const GBOX& b, int type, std::uint32_t c1, std::uint32_t c2, int quality,
-                                           std::vector<std::uint32_t>* colours)
-{
-    int n = RefRange(c1, c2, quality);
-    GPOINT c{(b.right + 1 + b.left) / 2, (b.bottom + 1 + b.top) / 2};
-    int radius = RefDist(c, GPOINT{b.left, b.top});
-    int bands = std::max(1, std::min(n, radius / (quality ? 7 : 3)));
-    int step = radius / bands < 3 ? 2 : radius / bands;
-    int np = radius < 50 ? 12 : radius < 100 ? 18 : radius < 300 ? 30 : 40;
-    std::vector<std::vector<GPOINT>> out;
-    for (int r = 0; r <= radius + step; r += step) {
-        std::vector<GPOINT> ring(2 * np);
-        for (int circle = 0; circle < 2; ++circle) {
-            int rr = circle ? r - step : r;
-            for (int k = 0; k < np / 2; ++k) {
-                int dx = PlatformMulDiv(rr, Sin((short)(k * (360 / np))), 25600);
-                int dy = PlatformMulDiv(rr, Cos((short)(k * (360 / np))), 25600);
-                ring[circle * np + k] = {c.x + dx, c.y + dy};
-                ring[circle * np + k + np / 2] = {c.x - dx, c.y - dy};
-            }
-        }
-        if (r <= step)
-            ring.resize(np);
-        out.push_back(ring);
-        colours->push_back(type == 3 ? RefBlend(c1, c2, r * r, (radius + step) * (radius + step))
-                                     : RefBlend(c1, c2, r, radius + step));
-    }
-    return out;
-}
-
 TEST(NativeBand, CountsDistancesAndBlends)
 {
     Rng rng(7);
@@ -136,47 +66,60 @@ TEST(NativeBand, CountsDistancesAndBlends)
     }
 }
 
-TEST(NativeBand, LinearBandsFollowTheRule)
+TEST(NativeBand, BandsTileTheFrameAndRunBetweenTheColours)
 {
-    LINEARBANDS plan;
-    GPOINT q[4];
+    // Linear: 100 x 50, black to white, even: 256 greys halved, cut to 99 / 3 bands.
+    LINEARBANDS lin;
+    GPOINT q[4], prev[4];
+    PlanLinear(GBOX{0, 0, 99, 49}, 6, 0, 0, 0xFFFFFF, 0, &lin);
+    EXPECT_TRUE(lin.bands == 33 && lin.p0 == (GPOINT{0, 0}) && lin.p2 == (GPOINT{99, 49})) << lin.bands;
     Rng rng(13);
-    for (int iter = 0; iter < 10000; ++iter) {
-        auto coord = [&] { return (std::int32_t)rng.Below(32000) - 16000; };
-        std::int32_t l = coord(), t = coord();
-        GBOX b{l, t, l + (std::int32_t)rng.Below(rng.Chance(2) ? 300 : 15000), t + (std::int32_t)rng.Below(rng.Chance(2) ? 300 : 15000)};
+    for (int iter = 0; iter < 3000; ++iter) {
+        std::int32_t l = (std::int32_t)rng.Below(32000) - 16000, t = (std::int32_t)rng.Below(32000) - 16000;
+        GBOX b{l, t, l + (std::int32_t)rng.Below(15000), t + (std::int32_t)rng.Below(15000)};
         int type = 4 + (int)rng.Below(3), quality = (int)rng.Below(2);
-        std::int32_t raw = rng.Chance(4) ? (std::int32_t)(rng.Below(800) - 400) * 65536 : (std::int32_t)(rng.U32() % (900u << 16)) - (450 << 16);
-        std::uint32_t c1 = rng.U32() & 0xFFFFFF, c2 = rng.Chance(3) ? c1 ^ (rng.U32() & 0x0F0F0F) : rng.U32() & 0xFFFFFF;
-        auto want = RefLinear(b, type, raw, c1, c2, quality);
-        PlanLinear(b, type, raw, c1, c2, quality, &plan);
-        ASSERT_EQ(want.size(), (size_t)plan.bands + 1) << iter;
-        for (std::int32_t i = 0; i <= plan.bands; ++i) {
-            ASSERT_EQ(want[i].colour, LinearBand(plan, i, q)) << iter << " " << i;
-            ASSERT_TRUE(std::equal(q, q + 4, want[i].q)) << iter << " " << i;
-        }
-    }
-}
-
-TEST(NativeBand, RadialBandsFollowTheRule)
-{
-    RADIALBANDS plan;
-    GPOINT pts[2 * kMaxCirclePoints];
-    int polys = 0;
-    Rng rng(17);
-    for (int iter = 0; iter < 2500; ++iter) {
-        auto coord = [&] { return (std::int32_t)rng.Below(32000) - 16000; };
-        std::int32_t l = coord(), t = coord();
-        GBOX b{l, t, l + (std::int32_t)rng.Below(rng.Chance(2) ? 300 : 12000), t + (std::int32_t)rng.Below(rng.Chance(2) ? 300 : 12000)};
-        int type = 2 + (int)rng.Below(2), quality = (int)rng.Below(2);
+        std::int32_t raw = (std::int32_t)(rng.Below(800) - 400) * 65536;
         std::uint32_t c1 = rng.U32() & 0xFFFFFF, c2 = rng.U32() & 0xFFFFFF;
-        std::vector<std::uint32_t> colours;
-        auto want = RefRadial(b, type, c1, c2, quality, &colours);
-        PlanRadial(b, type, c1, c2, quality, &plan);
-        ASSERT_EQ(want.size(), (size_t)plan.rings) << iter;
-        for (std::int32_t j = 0; j < plan.rings; ++j) {
-            ASSERT_EQ(colours[j], RadialBand(plan, j, pts, &polys)) << iter << " " << j;
-            ASSERT_EQ(want[j], std::vector<GPOINT>(pts, pts + polys * plan.points)) << iter << " " << j;
+        PlanLinear(b, type, raw, c1, c2, quality, &lin);
+        ASSERT_TRUE(lin.bands >= 2 && lin.bands <= std::max(2, 2 * ColourRange(c1, c2, quality))) << iter;
+        // Each band starts where the last ended; together they span the frame.
+        for (std::int32_t i = 0; i <= lin.bands; ++i) {
+            std::uint32_t colour = LinearBand(lin, i, q);
+            if (i == 0) {
+                ASSERT_TRUE(q[0] == lin.p0 && q[3] == lin.p3 && colour == c1) << iter;
+            } else {
+                ASSERT_TRUE(q[0] == prev[1] && q[3] == prev[2]) << iter << " " << i;
+            }
+            if (type == 6 && i == lin.bands) {
+                ASSERT_EQ(c2, colour) << iter;
+            }
+            std::copy(q, q + 4, prev);
+        }
+        ASSERT_TRUE(prev[1].x - lin.p0.x == lin.p2.x - lin.p3.x && prev[1].y - lin.p0.y == lin.p2.y - lin.p3.y) << iter;
+    }
+    // Radial: rings step outward from the centre, each one's inner circle the last one's outer.
+    RADIALBANDS rad;
+    GPOINT pts[2 * kMaxCirclePoints], outer[kMaxCirclePoints];
+    for (int iter = 0; iter < 1000; ++iter) {
+        std::int32_t l = (std::int32_t)rng.Below(32000) - 16000, t = (std::int32_t)rng.Below(32000) - 16000;
+        GBOX b{l, t, l + (std::int32_t)rng.Below(12000), t + (std::int32_t)rng.Below(12000)};
+        std::uint32_t c1 = rng.U32() & 0xFFFFFF, c2 = rng.U32() & 0xFFFFFF;
+        PlanRadial(b, 2 + (int)rng.Below(2), c1, c2, (int)rng.Below(2), &rad);
+        ASSERT_EQ(rlstroke::CalcDist(rad.centre, GPOINT{b.left, b.top}), rad.radius) << iter;
+        ASSERT_TRUE(rad.rings >= 2 && (rad.rings - 2) * rad.step <= rad.radius) << iter;
+        for (std::int32_t j = 0; j < rad.rings; ++j) {
+            int polys = 0;
+            std::uint32_t colour = RadialBand(rad, j, pts, &polys);
+            // The two innermost rings are whole discs.
+            ASSERT_TRUE(j > 0 || colour == c1) << iter;
+            ASSERT_EQ(j < 2 ? 1 : 2, polys) << iter;
+            if (j >= 2) {
+                ASSERT_TRUE(std::equal(outer, outer + rad.points, pts + rad.points)) << iter << " " << j;
+            }
+            double r = (double)j * rad.step;
+            for (int k = 0; k < rad.points; ++k)
+                ASSERT_NEAR(r, std::hypot(pts[k].x - rad.centre.x, pts[k].y - rad.centre.y), 2.0 + r / 200) << iter;
+            std::copy(pts, pts + rad.points, outer);
         }
     }
 }
