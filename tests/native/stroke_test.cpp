@@ -130,148 +130,61 @@ TEST(NativeStroke, InitRows)
     EXPECT_EQ(0, s.radius);
 }
 
-// The perpendicular rule, written out on its own: vINT::Sqrt for the length,
-// the platform's rounding by adding half the length before dividing.
-OFFSETS RefOffsets(std::int32_t dx, std::int32_t dy, std::int32_t w)
+TEST(NativeStroke, WidePiecesAndDashes)
 {
-    std::int64_t px = w, py = 0;
-    if (dx != 0 && dy == 0) {
-        px = 0;
-        py = w;
-    } else if (dx != 0) {
-        std::int64_t l = vINT((long)dx * dx + (long)dy * dy).Sqrt()();
-        px = (w * (std::int64_t)std::abs(dy) + l / 2) / l;
-        py = (std::abs(dx) * (std::int64_t)w + l / 2) / l;
-    }
-    std::int32_t sx = dy < 0 ? -1 : 1, sy = dx > 0 ? -1 : 1;
-    return OFFSETS{sx * (std::int32_t)(px >> 1), sy * (std::int32_t)(py >> 1), sx * (std::int32_t)(px - (px >> 1)),
-                   sy * (std::int32_t)(py - (py >> 1))};
-}
-
-TEST(NativeStroke, WidePiecesFollowThePerpendicularRule)
-{
+    // One piece, half the width to each side: 3-4-5 at width 10 rounds the
+    // offsets to (8, 6), halved down on one side and up on the other.
     LINESTROKER st;
-    Rng rng(11);
-    for (int iter = 0; iter < 15000; ++iter) {
-        std::int32_t w = 4 + (std::int32_t)(rng.Chance(4) ? rng.Below(3000) : rng.Below(40));
-        // Ends anywhere in 16 bits, often on an axis or near the limits.
-        auto coord = [&] { return (std::int32_t)(rng.Chance(5) ? 32767 - rng.Below(4) : rng.Below(65535)) - 32767; };
-        GPOINT a{coord(), coord()}, b{coord(), coord()};
-        if (rng.Chance(4))
-            b.x = a.x;
-        else if (rng.Chance(4))
-            b.y = a.y;
-        if (std::abs(b.x - a.x) > 32767 || std::abs(b.y - a.y) > 32767)
-            b = GPOINT{a.x / 2, a.y / 2 + 1};
-        st.Init(Params(1, w));
-        GPOINT seg[2] = {a, b};
+    struct Row {
+        GPOINT b;
+        std::int32_t w;
+        std::vector<GPOINT> q;
+    } rows[] = {
+        {{30, 40}, 10, {{4, -3}, {-4, 3}, {26, 43}, {34, 37}, {4, -3}}},
+        {{50, 0}, 7, {{0, -3}, {0, 4}, {50, 4}, {50, -3}, {0, -3}}},
+        {{0, -20}, 6, {{-3, 0}, {3, 0}, {3, -20}, {-3, -20}, {-3, 0}}},
+    };
+    for (const Row& r : rows) {
+        st.Init(Params(1, r.w));
+        GPOINT seg[2] = {{0, 0}, r.b};
         st.Segment(seg);
-        if (a == b) {
-            ASSERT_EQ(0, st.List().NumPolys());
-            continue;
-        }
-        OFFSETS o = RefOffsets(b.x - a.x, b.y - a.y, w);
-        GPOINT q[4] = {{a.x + o.x1, a.y + o.y1}, {a.x - o.x2, a.y - o.y2}, {b.x - o.x2, b.y - o.y2}, {b.x + o.x1, b.y + o.y1}};
-        auto polys = Polygons(st.List());
-        ASSERT_EQ(1u, polys.size());
-        ASSERT_EQ((std::vector<GPOINT>{q[0], q[1], q[2], q[3], q[0]}), polys[0]) << iter;
-        ASSERT_LT(SignedArea2(polys[0]), 0);
-
-        // A gentle bend without a corner call: a long next piece starts from this one's far edge.
-        GPOINT c{b.x + (b.x - a.x) / 2 + (std::int32_t)rng.Below(3), b.y + (b.y - a.y) / 2};
-        GPOINT next[2] = {b, c};
-        if (b == c || std::abs(c.x) > 32767 || std::abs(c.y) > 32767 || std::abs(b.x - a.x) < 4 * w ||
-            std::abs(c.x - b.x) + std::abs(c.y - b.y) < 4 * w)
-            continue;
-        st.Segment(next);
-        auto two = Polygons(st.List());
-        ASSERT_EQ(2u, two.size()) << iter;
-        EXPECT_TRUE(q[3] == two[1][0] && q[2] == two[1][1]) << iter;
+        EXPECT_EQ(std::vector<std::vector<GPOINT>>{r.q}, Polygons(st.List())) << r.b.x << "," << r.b.y;
     }
-}
 
-// The dash rule on its own: per segment, pattern stretches along the rounded
-// length; the on ones, joined across zero-length gaps, mapped with the platform
-// MulDiv. A 1-pixel black line's polylines are exactly those stretches.
-std::vector<std::vector<GPOINT>> RefDashes(const std::vector<GPOINT>& pts, const std::int32_t dash[6], GPOINT* lastPixel)
-{
-    std::vector<std::vector<GPOINT>> out;
-    int idx = 0;
-    std::int32_t rem = dash[0];
-    for (size_t i = 0; i + 1 < pts.size(); ++i) {
-        GPOINT s = pts[i], e = pts[i + 1];
-        if (s == e)
+    // A hairline's dashes: stretches of the pattern along an L, carried round
+    // its corner, the on ones joined across zero-length gaps.
+    LINEPARAMS p = Params(3, 1, 2, 0);
+    const unsigned char pat[6] = {3, 2, 0, 0, 5, 1};
+    std::copy(pat, pat + 6, p.pattern);
+    st.Init(p);
+    ASSERT_TRUE(st.State().dashed);
+    const std::int32_t* dash = st.State().dash;
+    GPOINT path[3] = {{0, 0}, {100, 0}, {100, 37}};
+    auto along = [](std::int32_t d) { return d <= 100 ? GPOINT{d, 0} : GPOINT{100, d - 100}; };
+    std::vector<std::vector<GPOINT>> want;
+    for (std::int32_t d = 0, k = 0; d < 137; d += dash[k], k = (k + 1) % 6) {
+        std::int32_t e = std::min<std::int32_t>(137, d + dash[k]);
+        if (k & 1 || e == d)
             continue;
-        std::int32_t dx = e.x - s.x, dy = e.y - s.y;
-        std::int32_t len = dx == 0 || dy == 0 ? std::abs(dx) + std::abs(dy) : (std::int32_t)vINT((long)dx * dx + (long)dy * dy).Sqrt()();
-        std::vector<std::pair<std::int32_t, std::int32_t>> on;
-        auto add = [&](std::int32_t from, std::int32_t to) {
-            if (!on.empty() && on.back().second == from)
-                on.back().second = to;
-            else
-                on.push_back({from, to});
-        };
-        std::int32_t pos = 0;
-        for (; len - pos >= rem; pos += rem, idx = (idx + 1) % 6, rem = dash[idx])
-            if (!(idx & 1) && rem > 0)
-                add(pos, pos + rem);
-        if (!(idx & 1) && len > pos)
-            add(pos, len);
-        rem -= len - pos;
-        for (auto& st : on) {
-            GPOINT a{s.x + rlcolour::PlatformMulDiv(dx, st.first, len), s.y + rlcolour::PlatformMulDiv(dy, st.first, len)};
-            GPOINT b{s.x + rlcolour::PlatformMulDiv(dx, st.second, len), s.y + rlcolour::PlatformMulDiv(dy, st.second, len)};
-            if (a == b)
-                continue;
-            if (out.empty() || out.back().back() != a)
-                out.push_back({a});
-            out.back().push_back(b);
-        }
+        if (want.empty() || want.back().back() != along(d))
+            want.push_back({along(d)});
+        if (d < 100 && e > 100)
+            want.back().push_back(GPOINT{100, 0});
+        want.back().push_back(along(e));
     }
-    if (!out.empty())
-        *lastPixel = out.back().back();
-    return out;
-}
-
-TEST(NativeStroke, DashStretchesFollowThePattern)
-{
-    Rng rng(29);
-    for (int iter = 0; iter < 3000; ++iter) {
-        LINEPARAMS p = Params(2 + (int)rng.Below(5), 1, 2, (int)rng.Below(3));
-        for (int i = 0; i < 6; ++i)
-            p.pattern[i] = (unsigned char)(rng.Chance(3) ? 0 : rng.Chance(4) ? rng.Byte() : rng.Below(9));
-        LINESTROKER st;
-        st.Init(p);
-        ASSERT_EQ(kMethodPen, st.State().method);
-        std::vector<GPOINT> pts;
-        int n = 2 + (int)rng.Below(6);
-        std::int32_t span = rng.Chance(2) ? 60 : 3000;
-        GPOINT at{(std::int32_t)rng.Below(2 * span) - span, (std::int32_t)rng.Below(2 * span) - span};
-        for (int i = 0; i < n; ++i) {
-            pts.push_back(at);
-            int dir = (int)rng.Below(3);
-            at.x += dir == 1 ? 0 : (std::int32_t)rng.Below(2 * span) - span;
-            at.y += dir == 2 ? 0 : (std::int32_t)rng.Below(2 * span) - span;
-        }
-        if (!st.State().dashed)
-            continue;
-        GPOINT refLast{0, 0};
-        auto want = RefDashes(pts, st.State().dash, &refLast);
-        StrokePolyline(st, pts.data(), n, false);
-        ASSERT_EQ(want, Polygons(st.List())) << iter;
-        ASSERT_EQ(!want.empty(), st.HasLastPixel());
-        ASSERT_TRUE(want.empty() || refLast == st.LastPixel()) << iter;
-    }
+    StrokePolyline(st, path, 3, false);
+    EXPECT_EQ(want, Polygons(st.List()));
+    EXPECT_TRUE(st.HasLastPixel() && st.LastPixel() == want.back().back());
 
     // Wide and dashed: one square-ended quadrilateral per dash along a
     // horizontal line, 18 on and 12 off (pattern 4, 2 at width 6, type 2).
-    LINESTROKER st;
-    LINEPARAMS p = Params(6, 6, 2, 2);
+    p = Params(6, 6, 2, 2);
+    std::fill(p.pattern, p.pattern + 6, 0);
     p.pattern[0] = 4, p.pattern[1] = 2;
     st.Init(p);
     GPOINT line[3] = {{0, 10}, {50, 10}, {100, 10}};
     StrokePolyline(st, line, 3, false);
-    std::vector<std::vector<GPOINT>> want;
+    want.clear();
     for (std::int32_t x0 : {0, 30, 60, 90}) {
         std::int32_t x1 = x0 == 90 ? 100 : x0 + 18;
         want.push_back({{x0, 7}, {x0, 13}, {x1, 13}, {x1, 7}, {x0, 7}});
