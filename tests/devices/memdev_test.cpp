@@ -83,24 +83,6 @@ vFONTSPEC Face(long size, vFONT_HEIGHT kind = vFH_PIXELS, vANGLE angle = vANGLE(
 }
 } // namespace
 
-// Points and pixels convert at the screen's 96 dpi, MulDiv rounding half away
-// from zero; setting one size field leaves the other.
-TEST(FontSpec, SizesInPointsOrPixels)
-{
-    HDC screen = GetDC(nullptr);
-    ASSERT_EQ(GetDeviceCaps(screen, LOGPIXELSY), 96);
-    ReleaseDC(nullptr, screen);
-    for (long px = -40; px <= 40; ++px) {
-        vFONTSPEC f = Face(px), g = Face(px, vFH_POINTS);
-        EXPECT_TRUE(!px || (f.Pixels() && !g.Pixels())) << px;
-        EXPECT_TRUE(f.PointSize()() == MulDiv((int)px, 72, 96) && f.PointSizeField() == vINT(0L)) << px;
-        EXPECT_EQ(g.Height()(), px ? (long)MulDiv((int)px, 96, 72) : 0L) << px;
-    }
-    vFONTSPEC points = Face(12, vFH_POINTS);
-    points.Height(vINT(20L));
-    EXPECT_TRUE(!points.Pixels() && points.Height() == vINT(20L) && points.PointSize() == vINT(12L));
-}
-
 TEST(FontSpec, ComparesEveryFieldAndStreamsThemInOrder)
 {
     const vFONTSPEC base(vSTRING("Times"), vFS_ITALIC, vINT(10L), vREAL::FromRaw(0x18000), 5, vFH_POINTS,
@@ -124,21 +106,6 @@ TEST(FontSpec, ComparesEveryFieldAndStreamsThemInOrder)
     vFONTSPEC back;
     back << m;
     EXPECT_TRUE(back == base);
-}
-
-// A description made once is found again: the same entry, whatever came between.
-TEST(FontSpec, DeviceCacheFindsEntriesAgain)
-{
-    vMEMDEVICE d(vINT(10L), vINT(10L));
-    vFONTSPEC start = d.FontSpec(), a = Face(10, vFH_POINTS), b = Face(10, vFH_POINTS, vANGLE(90));
-    const vFONTSPEC* steps[] = {&start, &a, &a, &b, &a, &start, &b};
-    vFONTDETAIL* seen[7];
-    for (int i = 0; i < 7; ++i) {
-        d.FontSpec(*steps[i]);
-        EXPECT_TRUE(*(seen[i] = d.GetCurFontDetail()) == *steps[i]) << i;
-    }
-    EXPECT_TRUE(seen[1] == seen[2] && seen[1] == seen[4] && seen[3] == seen[6] && seen[0] == seen[5]);
-    EXPECT_TRUE(seen[1] != seen[3] && seen[0] != seen[1]);
 }
 
 namespace {
