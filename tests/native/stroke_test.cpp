@@ -223,27 +223,6 @@ TEST(NativeStroke, OctantMasksAndArcs)
         }
         EXPECT_TRUE(mx && my) << p.x << "," << p.y;
     }
-    // The per-outline cache gives the same polygons as the plain arc.
-    for (std::int32_t w = 10; w < 300; w += 13) {
-        InitLineState(Params(1, w, 0, 0), &s);
-        ARCCACHE cache;
-        cache.Reset(s.radius, s.circle);
-        for (int mask = 1; mask < 256; ++mask) {
-            POLYLIST a, b;
-            AppendArc(a, GPOINT{w, -w}, (unsigned char)mask, s.radius, s.circle);
-            cache.Append(b, GPOINT{w, -w}, (unsigned char)mask);
-            cache.Append(b, GPOINT{w, -w}, (unsigned char)mask); // the second from the cache
-            ASSERT_EQ(2 * a.NumPoints(), b.NumPoints());
-            for (std::int32_t i = 0; i < b.NumPoints(); ++i)
-                ASSERT_EQ(a.Points()[i % a.NumPoints()], b.Points()[i]) << w << " " << mask;
-        }
-    }
-    // Half discs ahead of each axis direction keep the diameter across it.
-    list.Clear();
-    AppendArc(list, c, 0xC3, s.radius, s.circle);
-    auto half = Polygons(list)[0];
-    for (const GPOINT& p : half)
-        EXPECT_GE(p.x, c.x);
 }
 
 TEST(NativeStroke, CapsJoinsAndTheMitreLimit)
