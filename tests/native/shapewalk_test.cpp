@@ -200,23 +200,6 @@ TEST(ShapeWalk, CornerAndStraightnessThresholds)
     // A bulge of 1 pixel on a 100-pixel chord is not straight, 1/8 pixel is (20.12).
     EXPECT_FALSE(IsBezierStraight(P(0, 0), P(50 * 4096, 4096), P(100 * 4096, 0), 1));
     EXPECT_TRUE(IsBezierStraight(P(0, 0), P(50 * 4096, 512), P(100 * 4096, 0), 1));
-
-    // Where nothing wraps, a corner means a cosine above -0.994, give or take the roots.
-    Rng rng(11);
-    for (int i = 0; i < 30000; ++i) {
-        auto v = [&] { return (std::int32_t)(rng.U32() >> 20) - (std::int32_t)(0x80000000u >> 20); };
-        GPOINT a = P(v(), v()), b = P(v(), v()), c = P(v(), v());
-        {
-            double ux = (double)b.x - a.x, uy = (double)b.y - a.y, wx = (double)b.x - c.x, wy = (double)b.y - c.y;
-            double nu = std::hypot(ux, uy), nw = std::hypot(wx, wy), dot = ux * wx + uy * wy;
-            if (nu > 1000 && nw > 1000 && std::fabs(dot) < 2147483.0) {
-                double cosine = dot / (nu * nw) * 1000;
-                if (std::fabs(cosine + 994) > 4) {
-                    ASSERT_EQ(cosine > -994, DetectCorner(a, b, c, 0)) << cosine;
-                }
-            }
-        }
-    }
 }
 
 TEST(ShapeWalk, ListInfoKeepsDistinctPointsPerContour)
@@ -225,16 +208,6 @@ TEST(ShapeWalk, ListInfoKeepsDistinctPointsPerContour)
     LISTINFO list;
     GPOINT* pts = 0;
     int* counts = 0;
-    {
-        // A rectangle: its four corners and the first again.
-        Shape s;
-        s.Add(1, 2, 0x09), s.Add(11, 2, 0x08), s.Add(11, 7, 0x08), s.Add(1, 7, 0x0A);
-        ASSERT_EQ(1, ConvertShapeToPoints(s.View(), id, list, &pts, &counts));
-        ASSERT_EQ(5, counts[0]);
-        EXPECT_EQ((std::vector<GPOINT>{P(1, 2), P(11, 2), P(11, 7), P(1, 7), P(1, 2)}), std::vector<GPOINT>(pts, pts + 5));
-        vMemFree(pts), vMemFree(counts);
-        EXPECT_EQ(0, list.NoPoints());
-    }
     {
         // Repeats inside a contour are dropped, but a contour may start on the
         // point the previous one ended on; an open two-point contour keeps both.
