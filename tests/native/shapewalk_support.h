@@ -32,7 +32,6 @@ inline unsigned short Answer(const GPOINT* p) { return (unsigned short)(((unsign
 
 struct Recorder : WALKSINK {
     std::vector<Event> ev;
-    std::size_t limit = (std::size_t)-1;   // stop recording (not answering) past this
     unsigned long pieces = 0, ends = 0;
     unsigned short Segment(const GPOINT* p) override
     {
@@ -54,8 +53,7 @@ struct Recorder : WALKSINK {
     {
         Event e = {kind, {}, n};
         std::copy(p, p + k, e.p);
-        if (ev.size() < limit)
-            ev.push_back(e);
+        ev.push_back(e);
     }
 };
 
