@@ -1,7 +1,6 @@
-// The device's adoption of a caller's mapping, the state stacks, its
-// polylines and clip rectangles by their
-// pixels against the plain GDI calls on a second surface, and hand-worked
-// colour separations.
+// The device's adoption of a caller's mapping, its polylines and clip
+// rectangles by their pixels against the plain GDI calls on a second surface,
+// and hand-worked colour separations.
 #include <gtest/gtest.h>
 #include <cstdint>
 #include "devcore_support.h"
@@ -51,25 +50,6 @@ TEST(DeviceMapping, DeviceOverAContextAdoptsItsMapping)
     DEVICE d(up.dc);
     vPOINT p = d.LPtoDP(P(0, 100));
     EXPECT_TRUE(d.LogUnitsPerVertInch()() < 0 && p.y() < 60 && p.y() > 0) << p.y();
-}
-
-// A pop of the state brings back clip area, fill, line and font; each stack pops once per push.
-TEST(DeviceState, PushAndPopStateRestoreAllFour)
-{
-    SURFACE s(32, 32);
-    DEVICE d(s.dc);
-    const vLINESPEC line(vLT_DASH2, vCOLOUR(1, 2, 3), vINT(4L));
-    const vFILLSPEC fill(vFT_SOLID, vCOLOUR(200, 0, 0), vCOLOUR(0, 0, 9));
-    const vFONTSPEC font(vSTRING("Arial"), vFS_BOLD, vINT(12L), vREAL(0), 0, vFH_POINTS, vANGLE(0));
-    d.ClipArea(R(4, 4, 20, 20)), d.LineSpec(line), d.FillSpec(fill), d.FontSpec(font);
-    EXPECT_EQ(d.PushState(), 1);
-    d.ClipArea(R(10, 10, 32, 32)), d.LineSpec(vLINESPEC(vLT_NONE)), PlainFill(d, vCOLOUR(0, 0, 0));
-    d.FontSpec(vFONTSPEC(vSTRING("Times"), vFS_NORMAL, vINT(20L), vREAL(0), 0, vFH_PIXELS, vANGLE(0)));
-    EXPECT_EQ(d.PopState(), 1);
-    EXPECT_TRUE(d.LineSpec() == line && d.FillSpec() == fill && d.FontSpec() == font);
-    EXPECT_TRUE(d.ClipArea() == R(4, 4, 21, 21));
-    EXPECT_EQ(d.PushFontSpec() + d.PopFontSpec() + d.PopFontSpec(), 2);
-    EXPECT_EQ(d.PopLineSpec() + d.PopFillSpec() + d.PopClipArea() + d.PopState(), 0);
 }
 
 // Polylines from arguments and from a collection include their last pixel;

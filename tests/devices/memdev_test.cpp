@@ -1,5 +1,4 @@
-// The memory device (its bitmap: size, depth, white start, refusals), font
-// descriptions (sizes, comparison, stream form, the device's cache), and
+// The memory device (its bitmap: size, depth, white start, refusals), and
 // drawing and text on it byte for byte against plain GDI calls (ExtTextOutA
 // with the same LOGFONT) on a second bitmap.
 #include <algorithm>
@@ -82,31 +81,6 @@ vFONTSPEC Face(long size, vFONT_HEIGHT kind = vFH_PIXELS, vANGLE angle = vANGLE(
     return vFONTSPEC(vSTRING(name), (vFONTSTYLE)style, vINT(size), vREAL(0), 0, kind, angle);
 }
 } // namespace
-
-TEST(FontSpec, ComparesEveryFieldAndStreamsThemInOrder)
-{
-    const vFONTSPEC base(vSTRING("Times"), vFS_ITALIC, vINT(10L), vREAL::FromRaw(0x18000), 5, vFH_POINTS,
-                         vANGLE::FromRaw(-0x5A0000));
-    vFONTSPEC other[6] = {base, base, base, base, base, base};
-    other[0].Name(vSTRING("times"));
-    other[1].Style(vFS_BOLD);
-    other[2].PointSize(vINT(11L));
-    other[3].Height(vINT(1L));
-    other[4].Expansion(vREAL::FromRaw(0x18001));
-    other[5].Angle(vANGLE(45));
-    for (const vFONTSPEC& o : other)
-        EXPECT_TRUE(o != base && !(o == base));
-    vMEMSTREAM m;
-    base >> m;
-    const unsigned char expect[] = {5, 0, 'T', 'i', 'm', 'e', 's', 4, 0, 10, 0, 0, 0, 0, 0,
-                                    0, 0, 0, 0x80, 1, 0, 0, 0, 0xA6, 0xFF};
-    ASSERT_EQ(m.Size(), sizeof expect);
-    EXPECT_EQ(memcmp(m.Buffer(), expect, sizeof expect), 0);
-    m.MoveFromStart(0);
-    vFONTSPEC back;
-    back << m;
-    EXPECT_TRUE(back == base);
-}
 
 namespace {
 // The device with a font and the line colour set, and the oracle beside it

@@ -78,32 +78,6 @@ TEST(ShapeWalk, HandWorkedShapes)
     }
 }
 
-TEST(ShapeWalk, TightCurveEmitsAfterEightEntries)
-{
-    // A loop 30,000 pixels across: its first 1/128 still bulges by more than a
-    // pixel, yet the counter ends the first descent there (depths 0 to 7).
-    const GPOINT c[4] = {P(0, 0), P(30000, 0), P(30000, 30000), P(0, 0)};
-    auto at = [&](double t) {
-        double u = 1 - t, a = u * u * u, b = 3 * u * u * t, d = 3 * u * t * t, e = t * t * t;
-        return std::make_pair(a * c[0].x + b * c[1].x + d * c[2].x + e * c[3].x,
-                              a * c[0].y + b * c[1].y + d * c[2].y + e * c[3].y);
-    };
-    GPOINT fixed[4];
-    for (int k = 0; k < 4; ++k)
-        fixed[k] = P(c[k].x * 4096, c[k].y * 4096);
-    Recorder r;
-    BEZCOUNTER counter = {0};
-    DivideBezier(fixed, r, WALK_SEGMENT, counter);
-    ASSERT_GE(r.ev.size(), 3u);
-    auto end = at(1.0 / 128), half = at(1.0 / 256);
-    EXPECT_NEAR(end.first, r.ev[0].p[1].x, 1.0);
-    EXPECT_NEAR(end.second, r.ev[0].p[1].y, 1.0);
-    EXPECT_GT(std::fabs(end.first * half.second - end.second * half.first) / std::hypot(end.first, end.second), 1.0);
-    for (std::size_t k = 1; k < r.ev.size(); ++k)
-        ASSERT_EQ(r.ev[k - 1].p[1], r.ev[k].p[0]) << k;
-    EXPECT_TRUE(counter.entries == 0 && r.ev.back().p[1] == P(0, 0));
-}
-
 TEST(ShapeWalk, GeneratedShapesAreWellFormed)
 {
     // Lines and curves, open and closed, through scaling maps, up to device

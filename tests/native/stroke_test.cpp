@@ -186,22 +186,7 @@ TEST(NativeStroke, OctantMasksAndArcs)
 
 TEST(NativeStroke, CapsJoinsAndTheMitreLimit)
 {
-    // Round caps on an open line mirror about it at both ends; a closed square takes none.
     LINESTROKER st;
-    st.Init(Params(1, 21, 2, 0));
-    GPOINT line[2] = {{0, 50}, {200, 50}};
-    StrokePolyline(st, line, 2, false);
-    auto polys = Polygons(st.List());
-    ASSERT_EQ(3u, polys.size());
-    for (size_t i = 1; i < 3; ++i) {
-        for (const GPOINT& p : polys[i]) {
-            bool mirrored = false;
-            for (const GPOINT& q : polys[i])
-                mirrored |= q.x == p.x && q.y - 50 == 50 - p.y;
-            EXPECT_TRUE(mirrored);
-            EXPECT_TRUE(i == 1 ? p.x >= 200 : p.x <= 0) << i; // the end's cap comes first
-        }
-    }
     st.Init(Params(1, 21, 2, 0));
     GPOINT square[4] = {{0, 0}, {100, 0}, {100, 100}, {0, 100}};
     StrokePolyline(st, square, 4, true);
@@ -238,34 +223,10 @@ TEST(NativeStroke, CapsJoinsAndTheMitreLimit)
     st.Init(Params(1, 100));
     GPOINT tight[3] = {{0, 0}, {10, 0}, {20, 3}};
     StrokePolyline(st, tight, 3, false, false);
-    polys = Polygons(st.List());
+    auto polys = Polygons(st.List());
     ASSERT_EQ(3u, polys.size());
     for (const auto& q : polys)
         EXPECT_LT(SignedArea2(q), 0);
-}
-
-TEST(NativeStroke, AnyInputFinishes)
-{
-    // fuzz_stroke explores further; this is its quick, always-run share.
-    Rng rng(77);
-    LINESTROKER st;
-    for (int iter = 0; iter < 3000; ++iter) {
-        LINEPARAMS p = Params((int)rng.Below(8), 0, (int)rng.Below(4), (int)rng.Below(4), rng.U32());
-        p.width = rng.Chance(3) ? (std::int32_t)rng.Edgy() : (std::int32_t)rng.Below(rng.Chance(4) ? 40000 : 64);
-        p.fastUpdate = rng.Chance(8);
-        for (int i = 0; i < 6; ++i)
-            p.pattern[i] = rng.Chance(2) ? 0 : rng.Byte();
-        st.Init(p);
-        int n = 1 + (int)rng.Below(8);
-        std::vector<GPOINT> pts;
-        bool small = rng.Chance(2);
-        for (int i = 0; i < n; ++i) {
-            std::int32_t x = (std::int32_t)rng.Edgy(), y = (std::int32_t)rng.Edgy();
-            pts.push_back(small ? GPOINT{x % 2000, y % 2000} : GPOINT{x, y});
-        }
-        StrokePolyline(st, pts.data(), n, rng.Chance(2));
-        ASSERT_TRUE(OutlineSane(st)) << iter;
-    }
 }
 
 // FNV-1a (a word at a time) over everything an outline hands to GDI: points, counts and blocks.
