@@ -35,11 +35,6 @@ TEST(MemDevice, BitmapOfTheScreensDepthStartsWhite)
     EXPECT_EQ(Ink(d, 0, 0, 20, 3, 0xFFFFFF), 4);
     EXPECT_TRUE(d.Prepare(vINT(0L), vINT(3L)) == 0 && d.GetDIB() == nullptr);
     EXPECT_EQ(d.DrawRect(R(2, 0, 4, 2)), 1);  // drawn into nothing, harmlessly
-    // The true-colour screen has no palette, and enabling one changes nothing.
-    vSCREEN& screen = vDEVICE::GetScreen();
-    screen.EnablePalette(1);
-    EXPECT_EQ(screen.NoColours(), 0xFFFFFFFFul);  // 2^32 saturated
-    EXPECT_TRUE(screen.PaletteEnabled() == 0 && vSCREEN::Palette() == nullptr && vSCREEN::LogPalette() == nullptr);
 }
 
 // Plain fills, one-pixel lines, arcs, pies and chords under a logical

@@ -153,21 +153,6 @@ TEST(NativeStroke, WidePiecesAndDashes)
     StrokePolyline(st, path, 3, false);
     EXPECT_EQ(want, Polygons(st.List()));
     EXPECT_TRUE(st.HasLastPixel() && st.LastPixel() == want.back().back());
-
-    // Wide and dashed: one square-ended quadrilateral per dash along a
-    // horizontal line, 18 on and 12 off (pattern 4, 2 at width 6, type 2).
-    p = Params(6, 6, 2, 2);
-    std::fill(p.pattern, p.pattern + 6, 0);
-    p.pattern[0] = 4, p.pattern[1] = 2;
-    st.Init(p);
-    GPOINT line[3] = {{0, 10}, {50, 10}, {100, 10}};
-    StrokePolyline(st, line, 3, false);
-    want.clear();
-    for (std::int32_t x0 : {0, 30, 60, 90}) {
-        std::int32_t x1 = x0 == 90 ? 100 : x0 + 18;
-        want.push_back({{x0, 7}, {x0, 13}, {x1, 13}, {x1, 7}, {x0, 7}});
-    }
-    EXPECT_EQ(want, Polygons(st.List()));
 }
 
 TEST(NativeStroke, OctantMasksAndArcs)
