@@ -1,5 +1,4 @@
-// The memory device (its bitmap: size, depth, white start, refusals), font
-// descriptions (sizes, comparison, stream form, the device's cache), and
+// The memory device (its bitmap: size, depth, white start, refusals), and
 // drawing and text on it byte for byte against plain GDI calls (ExtTextOutA
 // with the same LOGFONT) on a second bitmap.
 #include <algorithm>
@@ -36,11 +35,6 @@ TEST(MemDevice, BitmapOfTheScreensDepthStartsWhite)
     EXPECT_EQ(Ink(d, 0, 0, 20, 3, 0xFFFFFF), 4);
     EXPECT_TRUE(d.Prepare(vINT(0L), vINT(3L)) == 0 && d.GetDIB() == nullptr);
     EXPECT_EQ(d.DrawRect(R(2, 0, 4, 2)), 1);  // drawn into nothing, harmlessly
-    // The true-colour screen has no palette, and enabling one changes nothing.
-    vSCREEN& screen = vDEVICE::GetScreen();
-    screen.EnablePalette(1);
-    EXPECT_EQ(screen.NoColours(), 0xFFFFFFFFul);  // 2^32 saturated
-    EXPECT_TRUE(screen.PaletteEnabled() == 0 && vSCREEN::Palette() == nullptr && vSCREEN::LogPalette() == nullptr);
 }
 
 // Plain fills, one-pixel lines, arcs, pies and chords under a logical
@@ -82,64 +76,6 @@ vFONTSPEC Face(long size, vFONT_HEIGHT kind = vFH_PIXELS, vANGLE angle = vANGLE(
     return vFONTSPEC(vSTRING(name), (vFONTSTYLE)style, vINT(size), vREAL(0), 0, kind, angle);
 }
 } // namespace
-
-// Points and pixels convert at the screen's 96 dpi, MulDiv rounding half away
-// from zero; setting one size field leaves the other.
-TEST(FontSpec, SizesInPointsOrPixels)
-{
-    HDC screen = GetDC(nullptr);
-    ASSERT_EQ(GetDeviceCaps(screen, LOGPIXELSY), 96);
-    ReleaseDC(nullptr, screen);
-    for (long px = -40; px <= 40; ++px) {
-        vFONTSPEC f = Face(px), g = Face(px, vFH_POINTS);
-        EXPECT_TRUE(!px || (f.Pixels() && !g.Pixels())) << px;
-        EXPECT_TRUE(f.PointSize()() == MulDiv((int)px, 72, 96) && f.PointSizeField() == vINT(0L)) << px;
-        EXPECT_EQ(g.Height()(), px ? (long)MulDiv((int)px, 96, 72) : 0L) << px;
-    }
-    vFONTSPEC points = Face(12, vFH_POINTS);
-    points.Height(vINT(20L));
-    EXPECT_TRUE(!points.Pixels() && points.Height() == vINT(20L) && points.PointSize() == vINT(12L));
-}
-
-TEST(FontSpec, ComparesEveryFieldAndStreamsThemInOrder)
-{
-    const vFONTSPEC base(vSTRING("Times"), vFS_ITALIC, vINT(10L), vREAL::FromRaw(0x18000), 5, vFH_POINTS,
-                         vANGLE::FromRaw(-0x5A0000));
-    vFONTSPEC other[6] = {base, base, base, base, base, base};
-    other[0].Name(vSTRING("times"));
-    other[1].Style(vFS_BOLD);
-    other[2].PointSize(vINT(11L));
-    other[3].Height(vINT(1L));
-    other[4].Expansion(vREAL::FromRaw(0x18001));
-    other[5].Angle(vANGLE(45));
-    for (const vFONTSPEC& o : other)
-        EXPECT_TRUE(o != base && !(o == base));
-    vMEMSTREAM m;
-    base >> m;
-    const unsigned char expect[] = {5, 0, 'T', 'i', 'm', 'e', 's', 4, 0, 10, 0, 0, 0, 0, 0,
-                                    0, 0, 0, 0x80, 1, 0, 0, 0, 0xA6, 0xFF};
-    ASSERT_EQ(m.Size(), sizeof expect);
-    EXPECT_EQ(memcmp(m.Buffer(), expect, sizeof expect), 0);
-    m.MoveFromStart(0);
-    vFONTSPEC back;
-    back << m;
-    EXPECT_TRUE(back == base);
-}
-
-// A description made once is found again: the same entry, whatever came between.
-TEST(FontSpec, DeviceCacheFindsEntriesAgain)
-{
-    vMEMDEVICE d(vINT(10L), vINT(10L));
-    vFONTSPEC start = d.FontSpec(), a = Face(10, vFH_POINTS), b = Face(10, vFH_POINTS, vANGLE(90));
-    const vFONTSPEC* steps[] = {&start, &a, &a, &b, &a, &start, &b};
-    vFONTDETAIL* seen[7];
-    for (int i = 0; i < 7; ++i) {
-        d.FontSpec(*steps[i]);
-        EXPECT_TRUE(*(seen[i] = d.GetCurFontDetail()) == *steps[i]) << i;
-    }
-    EXPECT_TRUE(seen[1] == seen[2] && seen[1] == seen[4] && seen[3] == seen[6] && seen[0] == seen[5]);
-    EXPECT_TRUE(seen[1] != seen[3] && seen[0] != seen[1]);
-}
 
 namespace {
 // The device with a font and the line colour set, and the oracle beside it

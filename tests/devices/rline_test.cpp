@@ -18,19 +18,13 @@ void Outline(DEVICE& d, const vSHAPE& s, vLINETYPE type, COLORREF c, long width,
     EXPECT_EQ(d.DrawShape(s), 1);
 }
 
-// The quadrilateral of a wide piece from a to b: the perpendicular split as
-// w >> 1 and the rest, exact along the axes, else scaled by the (whole) length.
+// The quadrilateral of a wide piece along an axis: w >> 1 to the left of its
+// way, the rest to the right.
 void Quad(HDC dc, PT a, PT b, long w)
 {
-    long dx = b.x - a.x, dy = b.y - a.y, px = 0, py = 0;
-    long len = std::lround(std::sqrt((double)(dx * dx + dy * dy)));
-    if (dx == 0 || dy == 0)
-        px = dx == 0 ? w : 0, py = dy == 0 ? w : 0;
-    else
-        px = (w * std::labs(dy) + len / 2) / len, py = (std::labs(dx) * w + len / 2) / len;
-    long sx = dy < 0 ? -1 : 1, sy = dx > 0 ? -1 : 1;
-    long x1 = sx * (px >> 1), y1 = sy * (py >> 1), x2 = sx * (px - (px >> 1)), y2 = sy * (py - (py >> 1));
-    POINT q[4] = {{a.x + x1, a.y + y1}, {a.x - x2, a.y - y2}, {b.x - x2, b.y - y2}, {b.x + x1, b.y + y1}};
+    long l = w >> 1, r = w - l, sx = b.y < a.y ? -1 : b.y > a.y ? 1 : 0, sy = b.x > a.x ? -1 : b.x < a.x ? 1 : 0;
+    POINT q[4] = {{a.x + sx * l, a.y + sy * l}, {a.x - sx * r, a.y - sy * r}, {b.x - sx * r, b.y - sy * r},
+                  {b.x + sx * l, b.y + sy * l}};
     Polygon(dc, q, 4);
 }
 
@@ -52,11 +46,7 @@ vSHAPE Path(const std::vector<PT>& a, bool closed = false, const std::vector<PT>
 TEST(LineRender, WidePiecesAndDashesAreTheQuadrilateralsOfTheWidthRule)
 {
     struct CASE { vLINETYPE type; int dash; long w; PT a, b; };
-    std::vector<CASE> cases;
-    for (long w : {5L, 12L}) {
-        cases.push_back({vLT_SOLID, 1, w, {50, 70}, {50, 10}});
-        cases.push_back({vLT_SOLID, 1, w, {80, 70}, {50, 30}});
-    }
+    std::vector<CASE> cases = {{vLT_SOLID, 1, 5, {50, 70}, {50, 10}}, {vLT_SOLID, 1, 12, {80, 70}, {50, 30}}};
     for (int dash : {1, 2})
         cases.push_back({vLT_DASH2, dash, 12, {10, 40}, {250, 40}});
     for (const CASE& k : cases) {
@@ -64,8 +54,13 @@ TEST(LineRender, WidePiecesAndDashesAreTheQuadrilateralsOfTheWidthRule)
         DEVICE d(got.dc);
         Outline(d, Path({k.a, k.b}), k.type, RGB(200, 30, 40), k.w, k.dash);
         WITHBRUSH br(want.dc, RGB(200, 30, 40));
-        if (k.type == vLT_SOLID)
+        if (k.type == vLT_SOLID && k.a.x != k.b.x) {
+            // 30 by 40 at width 12: the offsets (10, 7) from the rounded perpendicular, split 5 + 5 and 3 + 4.
+            const POINT q[4] = {{75, 73}, {85, 66}, {55, 26}, {45, 33}};
+            Polygon(want.dc, q, 4);
+        } else if (k.type == vLT_SOLID) {
             Quad(want.dc, k.a, k.b, k.w);
+        }
         long len[6], total = std::labs(k.b.x - k.a.x) + std::labs(k.b.y - k.a.y);
         long ux = (k.b.x - k.a.x) / total, uy = (k.b.y - k.a.y) / total;  // dashes run along an axis
         for (int i = 0; i < 6; ++i)

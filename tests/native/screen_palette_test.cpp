@@ -1,4 +1,4 @@
-// The screen palette from generated system palettes against entries worked from their places.
+// The screen palette's entries by hand, and the pattern block.
 #include <gtest/gtest.h>
 #include "devices/screenpal.h"
 #include "native_support.h"
@@ -8,66 +8,28 @@ using rlscreen::PALENTRY;
 
 namespace {
 
-// Entry i before any lowering, worked from its place rather than the builder's loops.
-PALENTRY Raw(int i)
+// The system's own ten entries at each end; between them the cube, greys and one
+// green, each lowered by one where a system colour already shows it.
+TEST(NativeScreenPalette, SystemEntriesAndLoweredRepeats)
 {
-    static const int kCube[6] = {0, 81, 133, 177, 217, 255};
-    static const int kGrey[16] = {0, 37, 60, 81, 99, 116, 133, 148, 163, 177, 191, 204, 217, 230, 243, 255};
-    int r = 0, g = 0, b = 0;
-    if (i >= 20 && i <= 235) {
-        r = kCube[(i - 20) / 36], g = kCube[(i - 20) / 6 % 6], b = kCube[(i - 20) % 6];
-    } else if (i >= 12 && i <= 19) {
-        r = g = b = kGrey[i - 12];
-    } else if (i >= 236 && i <= 243) {
-        r = g = b = kGrey[i - 228];
-    } else if (i == 245) {
-        r = 157, g = 233, b = 199;
-    }
-    return PALENTRY{(std::uint8_t)r, (std::uint8_t)g, (std::uint8_t)b, 4};
-}
-
-PALENTRY Lowered(const PALENTRY& e)
-{
-    return PALENTRY{(std::uint8_t)(e.red ? e.red - 1 : 0), (std::uint8_t)(e.green ? e.green - 1 : 0),
-                    (std::uint8_t)(e.blue ? e.blue - 1 : 0), 0};
-}
-
-bool Same(const PALENTRY& a, const PALENTRY& b)
-{
-    return a.red == b.red && a.green == b.green && a.blue == b.blue && a.flags == b.flags;
-}
-
-TEST(NativeScreenPalette, GeneratedSystemPalettes)
-{
-    Rng rng(77);
-    for (int iter = 0; iter < 1500; ++iter) {
-        PALENTRY low[10], high[10];
-        for (int i = 0; i < 10; ++i) {
-            low[i] = PALENTRY{rng.Byte(), rng.Byte(), rng.Byte(), (std::uint8_t)rng.Below(8)};
-            // Upper entries mostly copy a library colour, lowered or not, or white.
-            switch (rng.Below(4)) {
-            case 0: high[i] = PALENTRY{rng.Byte(), rng.Byte(), rng.Byte(), rng.Byte()}; break;
-            case 1: high[i] = PALENTRY{255, 255, 255, 0}; break;
-            case 2: high[i] = Raw(10 + (int)rng.Below(236)); high[i].flags = 0; break;
-            default: high[i] = Lowered(Raw(10 + (int)rng.Below(236)));
-            }
-        }
-        PALENTRY out[256];
-        rlscreen::BuildScreenPalette(low, high, out);
-        for (int i = 0; i < 10; ++i)
-            ASSERT_TRUE(Same(out[i], low[i]) && Same(out[246 + i], high[i])) << i;
-        for (int i = 10; i <= 245; ++i) {
-            PALENTRY want = Raw(i);
-            for (const PALENTRY& s : high) {
-                if (s.red == want.red && s.green == want.green && s.blue == want.blue) {
-                    want = Lowered(want);
-                    want.flags = 4;
-                    break;
-                }
-            }
-            ASSERT_TRUE(Same(out[i], want)) << "entry " << i << " iteration " << iter;
-        }
-    }
+    PALENTRY low[10], high[10], out[256];
+    for (int i = 0; i < 10; ++i)
+        low[i] = PALENTRY{(std::uint8_t)i, (std::uint8_t)(2 * i), (std::uint8_t)(3 * i), (std::uint8_t)(i & 7)},
+        high[i] = PALENTRY{255, 255, 255, 0};
+    high[0] = PALENTRY{0, 0, 81, 0}, high[1] = PALENTRY{37, 37, 37, 0}, high[2] = PALENTRY{1, 2, 3, 9};
+    rlscreen::BuildScreenPalette(low, high, out);
+    auto is = [&](int i, int r, int g, int b, int f) {
+        return out[i].red == r && out[i].green == g && out[i].blue == b && out[i].flags == f;
+    };
+    for (int i = 0; i < 10; ++i)
+        EXPECT_TRUE(is(i, i, 2 * i, 3 * i, i & 7) && is(246 + i, high[i].red, high[i].green, high[i].blue, high[i].flags)) << i;
+    struct { int i, r, g, b; } const rows[] = {
+        {10, 0, 0, 0},       {20, 0, 0, 0},     {21, 0, 0, 80},      {22, 0, 0, 133},     {56, 81, 0, 0},
+        {127, 133, 255, 255}, {234, 255, 255, 217}, {235, 254, 254, 254}, {12, 0, 0, 0}, {13, 36, 36, 36},
+        {19, 148, 148, 148}, {236, 163, 163, 163}, {243, 254, 254, 254}, {244, 0, 0, 0}, {245, 157, 233, 199},
+    };
+    for (const auto& r : rows)
+        EXPECT_TRUE(is(r.i, r.r, r.g, r.b, 4)) << r.i;
 }
 
 TEST(NativeScreenPalette, PatternBlock)

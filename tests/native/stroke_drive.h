@@ -59,27 +59,6 @@ inline std::int64_t SignedArea2(const std::vector<GPOINT>& q)
     return s;
 }
 
-// Winding number of (x, y) around a closed polygon; on an edge it is 1000.
-inline int Winding(const std::vector<GPOINT>& q, double x, double y)
-{
-    int w = 0;
-    for (size_t i = 0; i + 1 < q.size(); ++i) {
-        double ax = q[i].x, ay = q[i].y, bx = q[i + 1].x, by = q[i + 1].y;
-        double cr = (bx - ax) * (y - ay) - (x - ax) * (by - ay);
-        bool within = x >= (ax < bx ? ax : bx) && x <= (ax < bx ? bx : ax) && y >= (ay < by ? ay : by) &&
-                      y <= (ay < by ? by : ay);
-        if (cr == 0 && within)
-            return 1000;
-        if (ay <= y) {
-            if (by > y && cr > 0)
-                ++w;
-        } else if (by <= y && cr < 0) {
-            --w;
-        }
-    }
-    return w;
-}
-
 // The lists stay consistent, every wide polygon is closed and turns the
 // outline's way (WINDING would cancel it otherwise), and no point leaves the
 // clamped plane by more than the offsets reach.
@@ -100,15 +79,6 @@ inline bool OutlineSane(const LINESTROKER& s)
         if (std::llabs(l.Points()[i].x) > bound || std::llabs(l.Points()[i].y) > bound)
             return false;
     return total == l.NumPoints();
-}
-
-inline int WindingAll(const std::vector<std::vector<GPOINT>>& polys, double x, double y)
-{
-    int w = 0;
-    for (const auto& q : polys)
-        if ((w += Winding(q, x, y)) >= 500)
-            return 1000;
-    return w;
 }
 
 } // namespace rlnative

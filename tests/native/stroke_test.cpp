@@ -90,23 +90,11 @@ TEST(NativeStroke, InitRows)
         EXPECT_TRUE(s.width >= 1 && s.firstMove == 1);
     }
 
-    // Dash type 2, pattern (4, 2, ...) at width 6: units of 3, the dash grows
-    // by the width to 18 and the gap becomes 18 - 6.
+    // A pattern of zeros has nothing to cut: drawn solid.
     LINEPARAMS p = Params(6, 6, 2, 2);
-    const unsigned char pat[6] = {4, 2, 3, 0, 0, 7};
-    std::copy(pat, pat + 6, p.pattern);
     LINESTATE s;
     InitLineState(p, &s);
-    const std::int32_t want[6] = {18, 12, 15, 9, 0, 21};
-    for (int i = 0; i < 6; ++i)
-        EXPECT_EQ(want[i], s.dash[i]) << i;
-    EXPECT_TRUE(s.dashRemaining == 18 && s.dashType == 1 && s.cornerType == 2 && s.dashed); // narrow: forced square
-    p.dashType = 1;
-    InitLineState(p, &s);
-    EXPECT_TRUE(s.dash[0] == 12 && s.dash[1] == 6);
-    std::fill(p.pattern, p.pattern + 6, 0);
-    InitLineState(p, &s);
-    EXPECT_FALSE(s.dashed); // nothing to cut: drawn solid
+    EXPECT_FALSE(s.dashed);
 
     // Narrow wide lines lose round joins and caps; mitres stay.
     const int corners[][3] = {{8, 0, 2}, {8, 1, 1}, {8, 3, 2}, {12, 0, 0}, {12, 1, 1}};
@@ -116,167 +104,55 @@ TEST(NativeStroke, InitRows)
         EXPECT_EQ(c[0] >= 10, (bool)s.roundCaps);
     }
 
-    // Circle offsets: (width - 1) * constant / 65536 truncated; the radius (width - 1) >> 1.
-    const std::int64_t k[7] = {32138, 6389, 30271, 12537, 27243, 18205, 23166};
-    for (std::int32_t w = 10; w <= kMaxWidth + 5; w += (w < 300 ? 1 : 97)) {
-        InitLineState(Params(1, w, 0, 1), &s);
-        std::int32_t wc = w > kMaxWidth ? (std::int32_t)kMaxWidth : w;
-        ASSERT_EQ((wc - 1) >> 1, s.radius);
-        for (int i = 0; i < 7; ++i)
-            ASSERT_EQ((std::int32_t)((wc - 1) * k[i] / 65536), s.circle[i]) << w << " " << i;
-        ASSERT_EQ(s.circle[6], s.circle[7]);
-    }
     InitLineState(Params(1, 12, 2, 1), &s); // neither round: no circle
     EXPECT_EQ(0, s.radius);
 }
 
-// The perpendicular rule, written out on its own: vINT::Sqrt for the length,
-// the platform's rounding by adding half the length before dividing.
-OFFSETS RefOffsets(std::int32_t dx, std::int32_t dy, std::int32_t w)
+TEST(NativeStroke, WidePiecesAndDashes)
 {
-    std::int64_t px = w, py = 0;
-    if (dx != 0 && dy == 0) {
-        px = 0;
-        py = w;
-    } else if (dx != 0) {
-        std::int64_t l = vINT((long)dx * dx + (long)dy * dy).Sqrt()();
-        px = (w * (std::int64_t)std::abs(dy) + l / 2) / l;
-        py = (std::abs(dx) * (std::int64_t)w + l / 2) / l;
-    }
-    std::int32_t sx = dy < 0 ? -1 : 1, sy = dx > 0 ? -1 : 1;
-    return OFFSETS{sx * (std::int32_t)(px >> 1), sy * (std::int32_t)(py >> 1), sx * (std::int32_t)(px - (px >> 1)),
-                   sy * (std::int32_t)(py - (py >> 1))};
-}
-
-TEST(NativeStroke, WidePiecesFollowThePerpendicularRule)
-{
+    // One piece, half the width to each side: 3-4-5 at width 10 rounds the
+    // offsets to (8, 6), halved down on one side and up on the other.
     LINESTROKER st;
-    Rng rng(11);
-    for (int iter = 0; iter < 15000; ++iter) {
-        std::int32_t w = 4 + (std::int32_t)(rng.Chance(4) ? rng.Below(3000) : rng.Below(40));
-        // Ends anywhere in 16 bits, often on an axis or near the limits.
-        auto coord = [&] { return (std::int32_t)(rng.Chance(5) ? 32767 - rng.Below(4) : rng.Below(65535)) - 32767; };
-        GPOINT a{coord(), coord()}, b{coord(), coord()};
-        if (rng.Chance(4))
-            b.x = a.x;
-        else if (rng.Chance(4))
-            b.y = a.y;
-        if (std::abs(b.x - a.x) > 32767 || std::abs(b.y - a.y) > 32767)
-            b = GPOINT{a.x / 2, a.y / 2 + 1};
-        st.Init(Params(1, w));
-        GPOINT seg[2] = {a, b};
+    struct Row {
+        GPOINT b;
+        std::int32_t w;
+        std::vector<GPOINT> q;
+    } rows[] = {
+        {{30, 40}, 10, {{4, -3}, {-4, 3}, {26, 43}, {34, 37}, {4, -3}}},
+        {{50, 0}, 7, {{0, -3}, {0, 4}, {50, 4}, {50, -3}, {0, -3}}},
+        {{0, -20}, 6, {{-3, 0}, {3, 0}, {3, -20}, {-3, -20}, {-3, 0}}},
+    };
+    for (const Row& r : rows) {
+        st.Init(Params(1, r.w));
+        GPOINT seg[2] = {{0, 0}, r.b};
         st.Segment(seg);
-        if (a == b) {
-            ASSERT_EQ(0, st.List().NumPolys());
-            continue;
-        }
-        OFFSETS o = RefOffsets(b.x - a.x, b.y - a.y, w);
-        GPOINT q[4] = {{a.x + o.x1, a.y + o.y1}, {a.x - o.x2, a.y - o.y2}, {b.x - o.x2, b.y - o.y2}, {b.x + o.x1, b.y + o.y1}};
-        auto polys = Polygons(st.List());
-        ASSERT_EQ(1u, polys.size());
-        ASSERT_EQ((std::vector<GPOINT>{q[0], q[1], q[2], q[3], q[0]}), polys[0]) << iter;
-        ASSERT_LT(SignedArea2(polys[0]), 0);
-
-        // A gentle bend without a corner call: a long next piece starts from this one's far edge.
-        GPOINT c{b.x + (b.x - a.x) / 2 + (std::int32_t)rng.Below(3), b.y + (b.y - a.y) / 2};
-        GPOINT next[2] = {b, c};
-        if (b == c || std::abs(c.x) > 32767 || std::abs(c.y) > 32767 || std::abs(b.x - a.x) < 4 * w ||
-            std::abs(c.x - b.x) + std::abs(c.y - b.y) < 4 * w)
-            continue;
-        st.Segment(next);
-        auto two = Polygons(st.List());
-        ASSERT_EQ(2u, two.size()) << iter;
-        EXPECT_TRUE(q[3] == two[1][0] && q[2] == two[1][1]) << iter;
-    }
-}
-
-// The dash rule on its own: per segment, pattern stretches along the rounded
-// length; the on ones, joined across zero-length gaps, mapped with the platform
-// MulDiv. A 1-pixel black line's polylines are exactly those stretches.
-std::vector<std::vector<GPOINT>> RefDashes(const std::vector<GPOINT>& pts, const std::int32_t dash[6], GPOINT* lastPixel)
-{
-    std::vector<std::vector<GPOINT>> out;
-    int idx = 0;
-    std::int32_t rem = dash[0];
-    for (size_t i = 0; i + 1 < pts.size(); ++i) {
-        GPOINT s = pts[i], e = pts[i + 1];
-        if (s == e)
-            continue;
-        std::int32_t dx = e.x - s.x, dy = e.y - s.y;
-        std::int32_t len = dx == 0 || dy == 0 ? std::abs(dx) + std::abs(dy) : (std::int32_t)vINT((long)dx * dx + (long)dy * dy).Sqrt()();
-        std::vector<std::pair<std::int32_t, std::int32_t>> on;
-        auto add = [&](std::int32_t from, std::int32_t to) {
-            if (!on.empty() && on.back().second == from)
-                on.back().second = to;
-            else
-                on.push_back({from, to});
-        };
-        std::int32_t pos = 0;
-        for (; len - pos >= rem; pos += rem, idx = (idx + 1) % 6, rem = dash[idx])
-            if (!(idx & 1) && rem > 0)
-                add(pos, pos + rem);
-        if (!(idx & 1) && len > pos)
-            add(pos, len);
-        rem -= len - pos;
-        for (auto& st : on) {
-            GPOINT a{s.x + rlcolour::PlatformMulDiv(dx, st.first, len), s.y + rlcolour::PlatformMulDiv(dy, st.first, len)};
-            GPOINT b{s.x + rlcolour::PlatformMulDiv(dx, st.second, len), s.y + rlcolour::PlatformMulDiv(dy, st.second, len)};
-            if (a == b)
-                continue;
-            if (out.empty() || out.back().back() != a)
-                out.push_back({a});
-            out.back().push_back(b);
-        }
-    }
-    if (!out.empty())
-        *lastPixel = out.back().back();
-    return out;
-}
-
-TEST(NativeStroke, DashStretchesFollowThePattern)
-{
-    Rng rng(29);
-    for (int iter = 0; iter < 3000; ++iter) {
-        LINEPARAMS p = Params(2 + (int)rng.Below(5), 1, 2, (int)rng.Below(3));
-        for (int i = 0; i < 6; ++i)
-            p.pattern[i] = (unsigned char)(rng.Chance(3) ? 0 : rng.Chance(4) ? rng.Byte() : rng.Below(9));
-        LINESTROKER st;
-        st.Init(p);
-        ASSERT_EQ(kMethodPen, st.State().method);
-        std::vector<GPOINT> pts;
-        int n = 2 + (int)rng.Below(6);
-        std::int32_t span = rng.Chance(2) ? 60 : 3000;
-        GPOINT at{(std::int32_t)rng.Below(2 * span) - span, (std::int32_t)rng.Below(2 * span) - span};
-        for (int i = 0; i < n; ++i) {
-            pts.push_back(at);
-            int dir = (int)rng.Below(3);
-            at.x += dir == 1 ? 0 : (std::int32_t)rng.Below(2 * span) - span;
-            at.y += dir == 2 ? 0 : (std::int32_t)rng.Below(2 * span) - span;
-        }
-        if (!st.State().dashed)
-            continue;
-        GPOINT refLast{0, 0};
-        auto want = RefDashes(pts, st.State().dash, &refLast);
-        StrokePolyline(st, pts.data(), n, false);
-        ASSERT_EQ(want, Polygons(st.List())) << iter;
-        ASSERT_EQ(!want.empty(), st.HasLastPixel());
-        ASSERT_TRUE(want.empty() || refLast == st.LastPixel()) << iter;
+        EXPECT_EQ(std::vector<std::vector<GPOINT>>{r.q}, Polygons(st.List())) << r.b.x << "," << r.b.y;
     }
 
-    // Wide and dashed: one square-ended quadrilateral per dash along a
-    // horizontal line, 18 on and 12 off (pattern 4, 2 at width 6, type 2).
-    LINESTROKER st;
-    LINEPARAMS p = Params(6, 6, 2, 2);
-    p.pattern[0] = 4, p.pattern[1] = 2;
+    // A hairline's dashes: stretches of the pattern along an L, carried round
+    // its corner, the on ones joined across zero-length gaps.
+    LINEPARAMS p = Params(3, 1, 2, 0);
+    const unsigned char pat[6] = {3, 2, 0, 0, 5, 1};
+    std::copy(pat, pat + 6, p.pattern);
     st.Init(p);
-    GPOINT line[3] = {{0, 10}, {50, 10}, {100, 10}};
-    StrokePolyline(st, line, 3, false);
+    ASSERT_TRUE(st.State().dashed);
+    const std::int32_t* dash = st.State().dash;
+    GPOINT path[3] = {{0, 0}, {100, 0}, {100, 37}};
+    auto along = [](std::int32_t d) { return d <= 100 ? GPOINT{d, 0} : GPOINT{100, d - 100}; };
     std::vector<std::vector<GPOINT>> want;
-    for (std::int32_t x0 : {0, 30, 60, 90}) {
-        std::int32_t x1 = x0 == 90 ? 100 : x0 + 18;
-        want.push_back({{x0, 7}, {x0, 13}, {x1, 13}, {x1, 7}, {x0, 7}});
+    for (std::int32_t d = 0, k = 0; d < 137; d += dash[k], k = (k + 1) % 6) {
+        std::int32_t e = std::min<std::int32_t>(137, d + dash[k]);
+        if (k & 1 || e == d)
+            continue;
+        if (want.empty() || want.back().back() != along(d))
+            want.push_back({along(d)});
+        if (d < 100 && e > 100)
+            want.back().push_back(GPOINT{100, 0});
+        want.back().push_back(along(e));
     }
+    StrokePolyline(st, path, 3, false);
     EXPECT_EQ(want, Polygons(st.List()));
+    EXPECT_TRUE(st.HasLastPixel() && st.LastPixel() == want.back().back());
 }
 
 TEST(NativeStroke, OctantMasksAndArcs)
@@ -291,167 +167,11 @@ TEST(NativeStroke, OctantMasksAndArcs)
     };
     for (const Row& r : rows)
         EXPECT_EQ(r.mask, CalcCircleSegments(GPOINT{100, 100}, GPOINT{100 + r.d.x, 100 + r.d.y})) << r.d.x << "," << r.d.y;
-
-    // A whole circle: 33 points within a pixel of the radius, mirrored about both axes.
-    LINESTATE s;
-    InitLineState(Params(1, 41, 0, 0), &s);
-    POLYLIST list;
-    GPOINT c{500, -300};
-    ASSERT_EQ(1, AppendArc(list, c, 0xFF, s.radius, s.circle));
-    auto arc = Polygons(list)[0];
-    ASSERT_EQ(33u, arc.size());
-    EXPECT_LT(SignedArea2(arc), 0);
-    for (const GPOINT& p : arc) {
-        EXPECT_NEAR(20.0, std::hypot(p.x - c.x, p.y - c.y), 1.0);
-        bool mx = false, my = false;
-        for (const GPOINT& q : arc) {
-            mx |= q.x - c.x == c.x - p.x && q.y == p.y;
-            my |= q.y - c.y == c.y - p.y && q.x == p.x;
-        }
-        EXPECT_TRUE(mx && my) << p.x << "," << p.y;
-    }
-    // The per-outline cache gives the same polygons as the plain arc.
-    for (std::int32_t w = 10; w < 300; w += 13) {
-        InitLineState(Params(1, w, 0, 0), &s);
-        ARCCACHE cache;
-        cache.Reset(s.radius, s.circle);
-        for (int mask = 1; mask < 256; ++mask) {
-            POLYLIST a, b;
-            AppendArc(a, GPOINT{w, -w}, (unsigned char)mask, s.radius, s.circle);
-            cache.Append(b, GPOINT{w, -w}, (unsigned char)mask);
-            cache.Append(b, GPOINT{w, -w}, (unsigned char)mask); // the second from the cache
-            ASSERT_EQ(2 * a.NumPoints(), b.NumPoints());
-            for (std::int32_t i = 0; i < b.NumPoints(); ++i)
-                ASSERT_EQ(a.Points()[i % a.NumPoints()], b.Points()[i]) << w << " " << mask;
-        }
-    }
-    // Half discs ahead of each axis direction keep the diameter across it.
-    list.Clear();
-    AppendArc(list, c, 0xC3, s.radius, s.circle);
-    auto half = Polygons(list)[0];
-    for (const GPOINT& p : half)
-        EXPECT_GE(p.x, c.x);
-}
-
-// Distance from p to the segment a-b.
-double SegDist(GPOINT p, GPOINT a, GPOINT b)
-{
-    double dx = b.x - a.x, dy = b.y - a.y, l2 = dx * dx + dy * dy;
-    double t = l2 ? ((p.x - a.x) * dx + (p.y - a.y) * dy) / l2 : 0;
-    t = t < 0 ? 0 : t > 1 ? 1 : t;
-    return std::hypot(p.x - a.x - t * dx, p.y - a.y - t * dy);
-}
-
-TEST(NativeStroke, WideOutlinesCoverTheLineAndStayNearIt)
-{
-    Rng rng(5);
-    for (int iter = 0; iter < 2000; ++iter) {
-        std::int32_t w = 4 + (std::int32_t)rng.Below(iter % 3 ? 30 : 200);
-        int corner = (int)rng.Below(3), dash = (int)rng.Below(2);
-        bool dashed = rng.Chance(4);
-        LINEPARAMS p = Params(dashed ? 4 : 1, w, corner, dash);
-        const unsigned char stock[6] = {5, 3, 3, 3, 0, 0};
-        if (dashed)
-            std::copy(stock, stock + 6, p.pattern);
-        LINESTROKER st;
-        st.Init(p);
-        int n = 2 + (int)rng.Below(8);
-        bool closed = n > 2 && rng.Chance(3);
-        std::vector<GPOINT> pts;
-        std::int32_t span = 20 + (std::int32_t)rng.Below(400);
-        for (int i = 0; i < n; ++i)
-            pts.push_back(GPOINT{(std::int32_t)rng.Below(2 * span) - span, (std::int32_t)rng.Below(2 * span) - span});
-        StrokePolyline(st, pts.data(), n, closed);
-        auto polys = Polygons(st.List());
-        ASSERT_FALSE(st.Failed());
-
-        const LINESTATE& s = st.State();
-        // Half the width, stretched by at most the true length over the rounded-down one.
-        double stretch = 1;
-        int m = closed ? n : n - 1;
-        for (int i = 0; i < m; ++i) {
-            GPOINT a = pts[i], b = pts[(i + 1) % n];
-            std::int64_t d2 = (std::int64_t)(b.x - a.x) * (b.x - a.x) + (std::int64_t)(b.y - a.y) * (b.y - a.y);
-            if (d2)
-                stretch = std::max(stretch, std::sqrt((double)d2) / IntSqrt((std::uint64_t)d2));
-        }
-        double half = (s.width + 1) / 2 * stretch;
-        for (const auto& q : polys) {
-            ASSERT_LE(SignedArea2(q), 0) << iter; // one turn for all: WINDING never cancels
-            for (const GPOINT& v : q) {
-                double near = 1e18, joint = 1e18;
-                for (int i = 0; i < m; ++i) {
-                    near = std::min(near, SegDist(v, pts[i], pts[(i + 1) % n]));
-                    joint = std::min(joint, std::hypot(v.x - pts[i].x, v.y - pts[i].y));
-                }
-                joint = std::min(joint, std::hypot(v.x - pts[n - 1].x, v.y - pts[n - 1].y));
-                // Pieces and caps hug the line (each rounded offset may be a pixel off
-                // either way); only a mitre reaches further, never past the limit.
-                bool ok = near <= half + 2.2 || (s.cornerType == 1 && joint <= kMitreLimit * half + 3);
-                ASSERT_TRUE(ok) << iter << " vertex " << v.x << "," << v.y << " w " << w << " near " << near;
-            }
-        }
-        if (dashed)
-            continue;
-        // The centre line is covered at whole pixels, except within a pixel of a square-cut open end.
-        for (int i = 0; i < m; ++i) {
-            GPOINT a = pts[i], b = pts[(i + 1) % n];
-            for (int k = 0; k <= 16; ++k) {
-                double x = std::round(a.x + (b.x - a.x) * k / 16.0), y = std::round(a.y + (b.y - a.y) * k / 16.0);
-                if (!closed && !s.roundCaps &&
-                    (std::hypot(x - pts[0].x, y - pts[0].y) < 1.5 || std::hypot(x - pts[n - 1].x, y - pts[n - 1].y) < 1.5))
-                    continue;
-                ASSERT_NE(0, WindingAll(polys, x, y)) << iter << " seg " << i << " k " << k << " w " << w;
-            }
-        }
-    }
-}
-
-TEST(NativeStroke, TightCurvesNeverCancel)
-{
-    // Flattened curves come as chords without corner calls; below half the width
-    // of curvature radius the shared edges would fold.
-    Rng rng(19);
-    for (int iter = 0; iter < 400; ++iter) {
-        double radius = 3 + rng.Below(200), from = rng.Below(360) * 3.14159265358979 / 180;
-        int chords = 4 + (int)rng.Below(40);
-        double sweep = (rng.Chance(2) ? 1 : -1) * (0.2 + rng.Below(300) / 100.0);
-        std::vector<GPOINT> pts;
-        for (int i = 0; i <= chords; ++i) {
-            double a = from + sweep * i / chords;
-            GPOINT p{(std::int32_t)std::lround(radius * std::cos(a)), (std::int32_t)std::lround(radius * std::sin(a))};
-            if (pts.empty() || pts.back() != p)
-                pts.push_back(p);
-        }
-        LINESTROKER st;
-        st.Init(Params(1, 4 + (std::int32_t)rng.Below(400), 2, (int)rng.Below(2)));
-        StrokePolyline(st, pts.data(), (int)pts.size(), false, false);
-        auto polys = Polygons(st.List());
-        for (const auto& q : polys)
-            ASSERT_LE(SignedArea2(q), 0) << iter;
-        for (size_t i = 1; i + 1 < pts.size(); ++i)
-            ASSERT_NE(0, WindingAll(polys, pts[i].x, pts[i].y)) << iter << " " << i;
-    }
 }
 
 TEST(NativeStroke, CapsJoinsAndTheMitreLimit)
 {
-    // Round caps on an open line mirror about it at both ends; a closed square takes none.
     LINESTROKER st;
-    st.Init(Params(1, 21, 2, 0));
-    GPOINT line[2] = {{0, 50}, {200, 50}};
-    StrokePolyline(st, line, 2, false);
-    auto polys = Polygons(st.List());
-    ASSERT_EQ(3u, polys.size());
-    for (size_t i = 1; i < 3; ++i) {
-        for (const GPOINT& p : polys[i]) {
-            bool mirrored = false;
-            for (const GPOINT& q : polys[i])
-                mirrored |= q.x == p.x && q.y - 50 == 50 - p.y;
-            EXPECT_TRUE(mirrored);
-            EXPECT_TRUE(i == 1 ? p.x >= 200 : p.x <= 0) << i; // the end's cap comes first
-        }
-    }
     st.Init(Params(1, 21, 2, 0));
     GPOINT square[4] = {{0, 0}, {100, 0}, {100, 100}, {0, 100}};
     StrokePolyline(st, square, 4, true);
@@ -466,7 +186,7 @@ TEST(NativeStroke, CapsJoinsAndTheMitreLimit)
     EXPECT_EQ((std::vector<GPOINT>{{110, 0}, {110, -10}, {100, -10}, {100, 0}, {110, 0}}), Polygons(st.List())[0]);
 
     // Sharp turns: the mitre while its tip is within four half-widths, the bevel beyond.
-    for (int deg = 10; deg < 180; deg += 5) {
+    for (int deg : {10, 90, 145, 155, 175}) {
         double rad = deg * 3.14159265358979 / 180;
         GPOINT p[4] = {{-1000, 0}, {0, 0}, {(std::int32_t)std::lround(1000 * std::cos(rad)), (std::int32_t)std::lround(1000 * std::sin(rad))}, {0, 0}};
         st.Init(Params(1, 40, 1, 1));
@@ -488,34 +208,10 @@ TEST(NativeStroke, CapsJoinsAndTheMitreLimit)
     st.Init(Params(1, 100));
     GPOINT tight[3] = {{0, 0}, {10, 0}, {20, 3}};
     StrokePolyline(st, tight, 3, false, false);
-    polys = Polygons(st.List());
+    auto polys = Polygons(st.List());
     ASSERT_EQ(3u, polys.size());
     for (const auto& q : polys)
         EXPECT_LT(SignedArea2(q), 0);
-}
-
-TEST(NativeStroke, AnyInputFinishes)
-{
-    // fuzz_stroke explores further; this is its quick, always-run share.
-    Rng rng(77);
-    LINESTROKER st;
-    for (int iter = 0; iter < 3000; ++iter) {
-        LINEPARAMS p = Params((int)rng.Below(8), 0, (int)rng.Below(4), (int)rng.Below(4), rng.U32());
-        p.width = rng.Chance(3) ? (std::int32_t)rng.Edgy() : (std::int32_t)rng.Below(rng.Chance(4) ? 40000 : 64);
-        p.fastUpdate = rng.Chance(8);
-        for (int i = 0; i < 6; ++i)
-            p.pattern[i] = rng.Chance(2) ? 0 : rng.Byte();
-        st.Init(p);
-        int n = 1 + (int)rng.Below(8);
-        std::vector<GPOINT> pts;
-        bool small = rng.Chance(2);
-        for (int i = 0; i < n; ++i) {
-            std::int32_t x = (std::int32_t)rng.Edgy(), y = (std::int32_t)rng.Edgy();
-            pts.push_back(small ? GPOINT{x % 2000, y % 2000} : GPOINT{x, y});
-        }
-        StrokePolyline(st, pts.data(), n, rng.Chance(2));
-        ASSERT_TRUE(OutlineSane(st)) << iter;
-    }
 }
 
 // FNV-1a (a word at a time) over everything an outline hands to GDI: points, counts and blocks.

@@ -1,6 +1,6 @@
 // Fill brushes on a 256-colour screen whose palette is in the context: cube
 // colours by their palette index, others as an ordered dither of their
-// neighbouring cube colours; without the palette, the plain colour.
+// neighbouring cube colours.
 #include <windows.h>
 #include <gtest/gtest.h>
 #include <vector>
@@ -81,15 +81,6 @@ TEST(FillPalette, CubeColoursByIndexAndOthersDithered)
         EXPECT_TRUE(Same(got, want));
         SelectPalette(got.dc, (HPALETTE)oldPal, FALSE);
         d.ActivateDC();
-    }
-    {
-        SURFACE got(64, 48, 8, colours.data()), want(64, 48, 8, colours.data());
-        DEVICE d(got.dc);
-        PlainFill(d, vCOLOUR(100, 30, 220));
-        EXPECT_EQ(d.DrawRect(R(3, 5, 50, 40)), 1);
-        WITHBRUSH b(want.dc, RGB(100, 30, 220));
-        Rectangle(want.dc, 3, 5, 51, 41);
-        EXPECT_TRUE(Same(got, want));
     }
     DEVICE::SetScreenPalette(savedPal);
     vDEVICE::SetNoColours(savedColours);

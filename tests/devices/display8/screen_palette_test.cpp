@@ -50,39 +50,3 @@ TEST(MemDevice8, PaletteIndexWhiteAndTheScreensColours)
         EXPECT_TRUE(table[i].rgbRed == log[i].peRed && table[i].rgbGreen == log[i].peGreen &&
                     table[i].rgbBlue == log[i].peBlue) << i;
 }
-
-// Fills, arcs and pies in colours of the palette and between them; one-pixel
-// lines take the pen path when the colour is one of the palette's.
-TEST(MemDevice8, PrimitivesMatchGdi)
-{
-    for (const vCOLOUR& c : {vCOLOUR(255, 0, 0), vCOLOUR(200, 30, 40), vCOLOUR(0, 81, 133), vCOLOUR(0, 0, 0)}) {
-        SCOPED_TRACE(c.PackedRGB());
-        COLORREF rgb = (COLORREF)c.PackedRGB();
-        vMEMDEVICE d(vINT(64L), vINT(48L));
-        ORACLE want(d, 235);
-        PlainFill(d, c);
-        EXPECT_TRUE(d.DrawRect(R(3, 4, 30, 20)) == 1 && d.DrawEllipse(R(33, 2, 60, 25)) == 1);
-        d.LineSpec(vLINESPEC(vLT_SOLID, c, vINT(1L)));
-        EXPECT_TRUE(d.DrawArc(R(2, 26, 30, 46), P(30, 36), P(2, 36)) == 1 &&
-                    d.DrawPie(R(34, 26, 62, 46), P(62, 36), P(48, 26)) == 1);
-        {
-            WITHBRUSH b(want.dc, rgb);
-            Rectangle(want.dc, 3, 4, 31, 21);
-            Ellipse(want.dc, 33, 2, 60, 25);
-            WITHPEN pen(want.dc, 1, rgb);
-            Arc(want.dc, 2, 26, 30, 46, 30, 36, 2, 36);
-            Pie(want.dc, 34, 26, 62, 46, 62, 36, 48, 26);
-        }
-        EXPECT_TRUE(SameBytes(d, want));
-    }
-    vMEMDEVICE d(vINT(40L), vINT(30L));
-    ORACLE want(d, 235);
-    const PALETTEENTRY& e = vSCREEN::LogPalette()->palPalEntry[57];
-    d.LineSpec(vLINESPEC(vLT_SOLID, vCOLOUR(e.peRed, e.peGreen, e.peBlue), vINT(1L)));
-    EXPECT_TRUE(d.DrawLine(P(1, 1), P(38, 20)) == 1 && d.DrawLine(3, P(5, 28), P(20, 3), P(35, 28)) == 1);
-    const POINT a[] = {{1, 1}, {38, 20}}, b[] = {{5, 28}, {20, 3}, {35, 28}};
-    OraclePolyline(want.dc, a, 2, RGB(e.peRed, e.peGreen, e.peBlue));
-    OraclePolyline(want.dc, b, 3, RGB(e.peRed, e.peGreen, e.peBlue));
-    EXPECT_TRUE(SameBytes(d, want));
-    EXPECT_EQ(Pixel(d, 20, 3), 57u);
-}
