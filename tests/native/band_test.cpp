@@ -123,4 +123,33 @@ TEST(NativeBand, PatternTableAndFillKinds)
     EXPECT_TRUE(PolyFillMode(1) == 1 && PolyFillMode(0) == 2 && PolyFillMode(2) == 2);
 }
 
+TEST(NativeBand, AnyBoxFinishes)
+{
+    Rng rng(23);
+    GPOINT pts[2 * kMaxCirclePoints];
+    const std::int64_t bound = 8LL * rlstroke::kCoordLimit;
+    auto near = [&](GPOINT p) { return std::abs((std::int64_t)p.x) < bound && std::abs((std::int64_t)p.y) < bound; };
+    for (int iter = 0; iter < 8000; ++iter) {
+        GBOX b{(std::int32_t)rng.Edgy(), (std::int32_t)rng.Edgy(), (std::int32_t)rng.Edgy(), (std::int32_t)rng.Edgy()};
+        std::uint32_t c1 = rng.U32(), c2 = rng.U32();
+        int quality = (int)rng.Below(3) - 1;
+        LINEARBANDS lin;
+        PlanLinear(b, 3 + (int)rng.Below(5), (std::int32_t)rng.Edgy(), c1 & 0xFFFFFF, c2 & 0xFFFFFF, quality, &lin);
+        ASSERT_TRUE(lin.bands >= 2 && lin.bands <= 512);
+        GPOINT q[4];
+        for (std::int32_t i = 0; i <= lin.bands; ++i) {
+            ASSERT_EQ(0u, LinearBand(lin, i, q) >> 24);
+            ASSERT_TRUE(std::all_of(q, q + 4, near));
+        }
+        RADIALBANDS rad;
+        PlanRadial(b, 2 + (int)rng.Below(2), c1 & 0xFFFFFF, c2 & 0xFFFFFF, quality, &rad);
+        ASSERT_TRUE(rad.rings >= 2 && rad.rings <= 400) << rad.rings;
+        for (std::int32_t j = 0; j < rad.rings; ++j) {
+            int polys = 0;
+            RadialBand(rad, j, pts, &polys);
+            ASSERT_TRUE(std::all_of(pts, pts + polys * rad.points, near));
+        }
+    }
+}
+
 } // namespace

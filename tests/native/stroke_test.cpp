@@ -289,4 +289,28 @@ TEST(NativeStroke, BenchOutlinesArePinned)
     }
 }
 
+TEST(NativeStroke, AnyInputFinishes)
+{
+    // fuzz_stroke explores further; this is its quick, always-run share.
+    Rng rng(77);
+    LINESTROKER st;
+    for (int iter = 0; iter < 3000; ++iter) {
+        LINEPARAMS p = Params((int)rng.Below(8), 0, (int)rng.Below(4), (int)rng.Below(4), rng.U32());
+        p.width = rng.Chance(3) ? (std::int32_t)rng.Edgy() : (std::int32_t)rng.Below(rng.Chance(4) ? 40000 : 64);
+        p.fastUpdate = rng.Chance(8);
+        for (int i = 0; i < 6; ++i)
+            p.pattern[i] = rng.Chance(2) ? 0 : rng.Byte();
+        st.Init(p);
+        int n = 1 + (int)rng.Below(8);
+        std::vector<GPOINT> pts;
+        bool small = rng.Chance(2);
+        for (int i = 0; i < n; ++i) {
+            std::int32_t x = (std::int32_t)rng.Edgy(), y = (std::int32_t)rng.Edgy();
+            pts.push_back(small ? GPOINT{x % 2000, y % 2000} : GPOINT{x, y});
+        }
+        StrokePolyline(st, pts.data(), n, rng.Chance(2));
+        ASSERT_TRUE(OutlineSane(st)) << iter;
+    }
+}
+
 } // namespace
