@@ -1,14 +1,49 @@
-// vINT, vREAL and vANGLE against double arithmetic and hand-computed values,
-// with the pinned quirks.
+// vINT, vREAL and vANGLE against 64-bit integer or double arithmetic over
+// generated inputs, plus the pinned quirks.
 #include <gtest/gtest.h>
 #include <math.h>
 #include <stdint.h>
+#include <random>
+#include <vector>
 #include "rl132/core/vnumber.h"
 
 namespace {
 const long kOne = 65536;
 vREAL R(int64_t raw) { return vREAL::FromRaw((long)(int32_t)(uint32_t)raw); }
 long Raw(const vREAL& r) { return r(); }
+long Wrap(int64_t v) { return (long)(int32_t)(uint32_t)(uint64_t)v; }
+uint64_t Mag(int32_t v) { return v < 0 ? 0ull - (uint64_t)(int64_t)v : (uint64_t)v; }
+// Raw values biased toward where 16.16 arithmetic breaks: extremes, zero, whole numbers, halves.
+std::vector<int32_t> InterestingRaws(unsigned seed, int randomCount)
+{
+    std::vector<int32_t> v = {0, 1, -1, 0x7FFF, 0x8000, 0xFFFF, 0x10000, -0x10000, 0x7FFFFFFF, INT32_MIN, INT32_MIN + 1,
+                              0x7FFF0000, -0x7FFF0000, 0x18000, -0x18000};
+    std::mt19937 gen(seed);
+    for (int i = 0; i < randomCount; ++i) {
+        uint32_t bits = gen();
+        switch (i % 4) {
+        case 0: v.push_back((int32_t)bits); break;
+        case 1: v.push_back((int32_t)bits >> (bits % 24)); break;
+        case 2: v.push_back((int32_t)((int16_t)bits) * 65536); break;
+        case 3: v.push_back((int32_t)((int16_t)bits) * 65536 + (int32_t)(gen() % 3) - 1 + 32768); break;
+        }
+    }
+    return v;
+}
+// The quotient of the saturating division, from a 64-bit closed form.
+long ExpectedQuotient(int32_t n, int32_t d)
+{
+    bool negative = (n < 0) != (d <= 0);
+    uint64_t un = Mag(n), ud = Mag(d), q = un / ud, mag;
+    if (q >= 65535)
+        return negative ? (long)(int32_t)0x80000001u : 0x7FFFFFFFL;
+    // The first 15 fraction bits all ones: the division stops a step early, a whole unit short.
+    if (((un * 32768 / ud) & 32767) == 32767)
+        mag = (q - 1) * 65536 + 65535 + (2 * ((un * 32768) % ud) >= ud ? 1 : 0);
+    else
+        mag = (un * 131072 + ud) / (2 * ud);   // rounded half up
+    return (long)(int32_t)(negative ? 0u - (uint32_t)mag : (uint32_t)mag);
+}
 } // namespace
 
 TEST(Number, RoundingAroundEveryIntegerAndHalf)
@@ -30,17 +65,25 @@ TEST(Number, RoundingAroundEveryIntegerAndHalf)
 
 TEST(Number, Products)
 {
-    // Negated unless the raw values' XOR is positive: equal factors give a negative square.
-    const struct { int32_t a, b; long p; } cases[] = {{98304, 98304, -147456}, {-98304, 98304, -147456},
-        {-98304, -98304, -147456}, {0x7FFFFFFF, 0x7FFFFFFF, 65536}, {INT32_MIN, -1, 32768},
-        {19660800, 19660800, -1603272704}, {98304, 131072, 196608}};
-    for (const auto& c : cases)
-        EXPECT_EQ(Raw(R(c.a) * R(c.b)), c.p) << c.a << " * " << c.b;
-    // vINT * vREAL: the exact product, less twice the fraction's share for a
-    // negative real; the other order is exact; a sum drops the real's fraction.
-    EXPECT_TRUE(Raw(vINT(3L) * R(-98304)) == -491520 && Raw(vINT(-3L) * R(-98304)) == 491520 &&
-                Raw(vINT(1000L) * R(-32768)) == -98304000 && Raw(vINT(7L) * R(163840)) == 1146880);
-    EXPECT_TRUE(Raw(R(-98304) * vINT(3L)) == -294912 && (vINT(3L) + R(-98304))() == 2);
+    std::vector<int32_t> v = InterestingRaws(7, 6000);
+    std::mt19937 gen(17);
+    for (size_t i = 0; i < v.size(); ++i) {
+        for (size_t j : { i, (i * 31 + 5) % v.size() }) {
+            int32_t a = v[i], b = v[j];
+            // Negated unless the raw values' XOR is positive.
+            uint32_t mag = (uint32_t)((Mag(a) * Mag(b)) >> 16);
+            long expect = (a ^ b) > 0 ? Wrap(mag) : Wrap(-(int64_t)mag);
+            ASSERT_EQ(Raw(R(a) * R(b)), expect) << a << " * " << b;
+        }
+        // vINT * vREAL: the exact product, less twice the fraction's share for
+        // a negative real; the other order is exact.
+        int32_t raw = v[i];
+        int64_t n = (i % 3 == 0) ? (int32_t)gen() : (int32_t)(gen() % 2001) - 1000;
+        int64_t lo = raw & 0xFFFF, hi = raw >> 16;
+        ASSERT_EQ(Raw(vINT((long)n) * R(raw)), Wrap(n * raw - (hi < 0 ? 2 * lo * n : 0))) << n << " * raw " << raw;
+        ASSERT_EQ(Raw(R(raw) * vINT((long)n)), Wrap(n * raw)) << "raw " << raw << " * " << n;
+        ASSERT_EQ((vINT((long)n) + R(raw))(), Wrap(n + raw / 65536));
+    }
 }
 
 TEST(Number, SaturatingDivision)
@@ -49,14 +92,32 @@ TEST(Number, SaturatingDivision)
     EXPECT_TRUE(Raw(vREAL(3) / vREAL(0)) == 0x7FFFFFFFL && Raw(vREAL(-3) / vREAL(0)) == (long)(int32_t)0x80000001u);
     EXPECT_TRUE(Raw(vREAL(1) / vINT(0L)) == (long)INT32_MIN && (vINT(7L) / vINT(0L))() == 0);
 
-    // Magnitudes rounded half up; past 65,535 saturated; when the first 15 fraction bits
-    // are all ones the division stops a step early, a whole unit short (and 0 short of 1 wraps to 0).
-    const struct { int32_t n, d; long q; } cases[] = {{196608, 131072, 98304}, {-458752, 131072, -229376},
-        {-65536, 196608, -21845}, {-1, 2, -32768}, {0x7FFFFFFF, 0x7FFFFFFE, 65536}, {6553600, -65536, -6553600},
-        {0x7FFFFFFF, 0x8000, 0x7FFFFFFF}, {INT32_MIN, 0x8000, -0x7FFFFFFF}, {1376255, 196608, 393216}, {327679, 327680, 0}};
-    for (const auto& c : cases)
-        EXPECT_EQ(Raw(R(c.n) / R(c.d)), c.q) << c.n << " / " << c.d;
-    EXPECT_TRUE(Raw(vINT(3L) / R(131072)) == 98304 && Raw(R(458753) / vINT(-2L)) == -229376);
+    std::vector<int32_t> v = InterestingRaws(13, 8000);
+    std::mt19937 gen(19);
+    int earlyStops = 0;
+    for (size_t k = 0; k < v.size(); ++k) {
+        int32_t n = v[k];
+        int32_t d = v[(k * 17 + 7) % v.size()];
+        if (k % 4 == 1) {   // divisors near the dividend keep the quotient in range
+            d = (int32_t)((int64_t)n / (int64_t)(gen() % 20000 + 1)) + (int32_t)(gen() % 5) - 2;
+        } else if (k % 4 == 2) {   // dividends just under a multiple of a large divisor hit the early stop
+            d = (int32_t)(gen() % 0x7FFF0000u) + 0x8000;
+            int64_t nn = (int64_t)(gen() % 100) * d + d - 1 - (int64_t)(gen() % (((uint32_t)d >> 16) + 1));
+            n = (int32_t)(nn > 0x7FFFFFFF ? d - 1 : nn);
+            if (gen() & 1) n = -n;
+            if (gen() & 1) d = -d;
+        }
+        if (d == 0)
+            continue;
+        if (Mag(n) / Mag(d) < 65535 && ((Mag(n) * 32768 / Mag(d)) & 32767) == 32767)
+            ++earlyStops;
+        ASSERT_EQ(Raw(R(n) / R(d)), ExpectedQuotient(n, d)) << n << " / " << d;
+        int32_t i = (int32_t)(n >> (gen() % 32));
+        ASSERT_EQ(Raw(vINT((long)i) / R(d)), ExpectedQuotient((int32_t)((uint32_t)i << 16), d)) << i << " / raw " << d;
+        int64_t m = (gen() & 1) ? (int32_t)gen() >> (gen() % 31) : (int32_t)(gen() % 41) - 20;
+        ASSERT_TRUE(m == 0 || (n == INT32_MIN && m == -1) || Raw(R(n) / vINT((long)m)) == Wrap((int64_t)n / m)) << n << " / " << m;
+    }
+    EXPECT_GT(earlyStops, 500);
 }
 
 TEST(Number, NewtonRootsAreNotTheNearestNorTheFloor)
