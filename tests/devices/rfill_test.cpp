@@ -81,14 +81,14 @@ TEST(FillRender, GradedFillsCoverTheShapeBandByBand)
 // first), and a bitmap fill tiling its image as a packed DIB pattern brush does.
 TEST(FillRender, BrushFillsPaintThePolygonsWithTheirBrush)
 {
-    auto check = [](const vFILLSPEC& spec, HBRUSH brush, int minInk) {
+    auto check = [](const vFILLSPEC& style, HBRUSH brush, int minInk) {
         SURFACE got(120, 100), want(120, 100);
         DEVICE d(got.dc);
-        d.FillSpec(spec);
+        d.FillSpec(style);
         d.LineSpec(vLINESPEC(vLT_NONE));
         EXPECT_EQ(d.DrawShape(Holed()), 1);
         PaintHoled(want.dc, brush);
-        EXPECT_TRUE(Same(got, want)) << spec.Type();
+        EXPECT_TRUE(Same(got, want)) << style.Type();
         EXPECT_GT(got.Count(0xFFFFFF), minInk);
     };
     const vCOLOUR colour(200, 40, 90);
