@@ -103,6 +103,46 @@ unsigned long Pixel(const std::string& f, long x, long y)
     return bits == 24 ? Get(f, row + 3 * x, 3) : Get(f, 54 + 4 * (unsigned char)f[row + x], 3);
 }
 
+// A fresh empty folder, so a test can tell that nothing was left behind in it.
+std::string TempFolder(const char* stem)
+{
+    std::string dir = rltest::TempPath(stem);
+    CreateDirectoryA(dir.c_str(), nullptr);
+    return dir;
+}
+
+// Counts the folder's files; removes them and the folder when asked.
+int FilesIn(const std::string& dir, bool remove = false)
+{
+    WIN32_FIND_DATAA fd;
+    HANDLE h = FindFirstFileA((dir + "\\*").c_str(), &fd);
+    int n = 0;
+    if (h != INVALID_HANDLE_VALUE) {
+        do
+            if (strcmp(fd.cFileName, ".") && strcmp(fd.cFileName, "..") && ++n && remove)
+                DeleteFileA((dir + "\\" + fd.cFileName).c_str());
+        while (FindNextFileA(h, &fd));
+        FindClose(h);
+    }
+    if (remove)
+        RemoveDirectoryA(dir.c_str());
+    return n;
+}
+
+struct Zeros {   // zeros fed to the compressor without ever being held in memory
+    unsigned long long left;
+    std::string packed;
+};
+unsigned ZeroRead(char* buf, unsigned* size, void* param)
+{
+    Zeros& z = *static_cast<Zeros*>(param);
+    unsigned n = z.left < *size ? unsigned(z.left) : *size;
+    memset(buf, 0, n);
+    z.left -= n;
+    return n;
+}
+void PackedWrite(char* buf, unsigned* size, void* param) { static_cast<Zeros*>(param)->packed.append(buf, *size); }
+
 } // namespace
 
 // Numbers once went through strtoul: "-4294967291" wrapped to 5, " +5" was 5.
@@ -259,4 +299,99 @@ TEST(Rltool, WindowsMetafileInfoAndConversion)
     EXPECT_EQ(before, Slurp(out));
     EXPECT_FALSE(Exists(out + ".part"));
     DeleteFileA(out.c_str());
+}
+
+TEST(Rltool, ProgressIsPaintedAFewTimesASecond)
+{
+    std::string bmp = rltest::TempPath("pgb"), raw = rltest::TempPath("pgr"), out = rltest::TempPath("pgo"), err;
+    Spill(bmp, Picture(1000, 1600, 3));
+    Spill(raw, std::string(12u << 20, 'x'));
+    SetEnvironmentVariableA("RLTOOL_PROGRESS", "1");
+    struct Case { std::string args, last; } cases[] = {
+        {"resize " + Quoted(bmp) + " " + Quoted(out) + " --width 500 --bits 8", "resizing [" + std::string(40, '#') + "] 100%"},
+        {"implode " + Quoted(raw) + " " + Quoted(out), "implode: 100% (12.0 of 12.0 MB)"}};
+    for (const Case& c : cases) {
+        DWORD start = GetTickCount();
+        ASSERT_EQ(RunTool(c.args, nullptr, &err), 0) << c.args << err;
+        DWORD elapsed = GetTickCount() - start;
+        // Each paint starts with "\r"; the last state stays and the line is ended.
+        ASSERT_GE(err.size(), 2u);
+        EXPECT_EQ(err.substr(err.size() - 2), "\r\n");
+        err.resize(err.size() - 2);
+        size_t paints = std::count(err.begin(), err.end(), '\r');
+        EXPECT_GE(paints, 1u) << err;
+        EXPECT_LE(paints, elapsed / 250 + 2) << c.args << " in " << elapsed << " ms";
+        EXPECT_EQ(err.substr(err.rfind('\r') + 1), c.last) << err;
+    }
+    SetEnvironmentVariableA("RLTOOL_PROGRESS", "0");
+    EXPECT_EQ(RunTool("implode " + Quoted(raw) + " " + Quoted(out), nullptr, &err), 0);
+    EXPECT_EQ(err, "");
+    SetEnvironmentVariableA("RLTOOL_PROGRESS", nullptr);
+    Remove({bmp, raw, out});
+}
+
+TEST(Rltool, DumpOfAFrameExpandingPastTheSpillSize)
+{
+    Zeros z = {101000000ull, std::string()};
+    std::vector<char> work(CMP_BUFFER_SIZE);
+    unsigned type = CMP_BINARY, dict = 4096;
+    ASSERT_EQ(implode(ZeroRead, PackedWrite, work.data(), &z, &type, &dict), CMP_NO_ERROR);
+    std::string file(8, '\0'), path = rltest::TempPath("dmb"), text;
+    for (int i = 0; i < 4; ++i)
+        file[i] = char(vSTREAM_BLOCKMAGIC >> (8 * i)), file[4 + i] = char(z.packed.size() >> (8 * i));
+    Spill(path, file + z.packed + std::string("\x05\x00tail!", 7));
+    ASSERT_EQ(RunTool("dump " + Quoted(path), &text), 0) << text;
+    char want[160];
+    snprintf(want, sizeof want, "00000000  frame   %-9lu 8+%lu -> 101000000 bytes (binary literals, 4096-byte dictionary)  "
+             "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ...", (unsigned long)z.packed.size() + 8, (unsigned long)z.packed.size());
+    EXPECT_TRUE(Has(text, want) && Has(text, "string  5         \"tail!\"") && Has(text, "1 frame, 1 string, 0 raw runs"));
+    DeleteFileA(path.c_str());
+}
+
+TEST(Rltool, ShortReadIsAnError)
+{
+    const std::string shrinking = "Z:\\sys\\devices\\system\\cpu\\online";
+    if (!Exists(shrinking))
+        GTEST_SKIP() << "no sysfs on this machine";
+    std::string dir = TempFolder("imr"), err;
+    EXPECT_EQ(RunTool("implode " + shrinking + " " + Quoted(dir + "\\out.imp"), nullptr, &err), 1);
+    EXPECT_TRUE(Has(err, "of its 4096 bytes"));
+    EXPECT_EQ(FilesIn(dir, true), 0);
+}
+
+TEST(Rltool, ImplodeExplodeRoundTripsAndLeavesNoPartialOutput)
+{
+    std::string plain, err, p;
+    for (int i = 0; i < 4000; ++i)
+        plain += "line " + std::to_string(i % 37) + " of the test text\r\n";
+    std::string dir = TempFolder("imd"), in = dir + "\\in.txt", packed = dir + "\\packed.imp", out = dir + "\\out.txt";
+    std::string files = " " + Quoted(packed) + " " + Quoted(out);
+    Spill(in, plain);
+    for (const char* opts : {"", " --ascii --dict 1024 --level 9"}) {
+        ASSERT_EQ(RunTool("implode " + Quoted(in) + " " + Quoted(packed) + opts), 0) << opts;
+        p = Slurp(packed);
+        EXPECT_EQ(p.substr(0, 2), *opts ? std::string("\1\4") : std::string("\0\6", 2));
+        EXPECT_LT(p.size(), plain.size() / 4);
+        ASSERT_EQ(RunTool("explode" + files), 0);
+        EXPECT_TRUE(Slurp(out) == plain);
+    }
+    EXPECT_EQ(FilesIn(dir), 3);   // results replaced the old files: no temporaries beside them
+    // A failure half-way leaves no partial output, over an earlier result
+    // (which stays) or where there was none.
+    Spill(packed, p.substr(0, p.size() / 2));
+    EXPECT_EQ(RunTool("explode" + files, nullptr, &err), 1);
+    EXPECT_TRUE(Has(err, "corrupt or truncated"));
+    EXPECT_TRUE(Slurp(out) == plain);
+    DeleteFileA(out.c_str());
+    EXPECT_EQ(RunTool("explode" + files), 1);
+    EXPECT_FALSE(Exists(out));
+    Spill(packed, std::string("\x00\x07\x01\x02\x03\x04", 6));
+    EXPECT_EQ(RunTool("explode" + files, nullptr, &err), 1);
+    EXPECT_TRUE(Has(err, "dictionary"));
+    EXPECT_EQ(RunTool("explode " + Quoted(in + ".missing") + " " + Quoted(out), nullptr, &err), 1);
+    EXPECT_TRUE(Has(err, "cannot open"));
+    EXPECT_EQ(RunTool("implode " + Quoted(in) + " " + Quoted(dir + "\\no such folder\\x")), 1);
+    EXPECT_EQ(RunTool("explode " + Quoted(in)), 2);
+    EXPECT_FALSE(Exists(out));
+    EXPECT_EQ(FilesIn(dir, true), 2);
 }
