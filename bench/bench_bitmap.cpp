@@ -138,14 +138,17 @@ int main()
         for (int& x : v)
             x = pick(rng);
     };
+    auto readRecord = [&](int i) {
+        LARGE_INTEGER at;
+        at.QuadPart = (LONGLONG)i * recordBytes;
+        SetFilePointerEx(raw, at, nullptr, FILE_BEGIN);
+        DWORD got = 0;
+        ReadFile(raw, buf.data(), recordBytes, &got, nullptr);
+    };
     auto bareWhole = [&] {
         refill(rawPicks);
         for (int i : rawPicks) {
-            LARGE_INTEGER at;
-            at.QuadPart = (LONGLONG)i * recordBytes;
-            SetFilePointerEx(raw, at, nullptr, FILE_BEGIN);
-            DWORD got = 0;
-            ReadFile(raw, buf.data(), recordBytes, &got, nullptr);
+            readRecord(i);
             const BITMAPINFO* bi = reinterpret_cast<const BITMAPINFO*>(buf.data() + 14);
             HBITMAP b = CreateDIBitmap(screen, &bi->bmiHeader, CBM_INIT, buf.data() + 54, bi, DIB_RGB_COLORS);
             DeleteObject(b);
@@ -154,11 +157,7 @@ int main()
     auto bareStrips = [&] {
         refill(rawPicks);
         for (int i : rawPicks) {
-            LARGE_INTEGER at;
-            at.QuadPart = (LONGLONG)i * recordBytes;
-            SetFilePointerEx(raw, at, nullptr, FILE_BEGIN);
-            DWORD got = 0;
-            ReadFile(raw, buf.data(), recordBytes, &got, nullptr);
+            readRecord(i);
             BITMAPINFOHEADER h = reinterpret_cast<const BITMAPINFO*>(buf.data() + 14)->bmiHeader;
             const long rowsPer = kSide / 4;
             h.biHeight = rowsPer;
@@ -171,24 +170,15 @@ int main()
                 DeleteObject(b);
         }
     };
-    bench::RESULT r = bench::Compare(
-        15,
-        [&] {
-            refill(libPicks);
-            for (int i : libPicks)
-                bitmaps[i].Valid();
-        },
-        bareWhole);
+    auto libraryPageIns = [&] {
+        refill(libPicks);
+        for (int i : libPicks)
+            bitmaps[i].Valid();
+    };
+    bench::RESULT r = bench::Compare(15, libraryPageIns, bareWhole);
     // The same against the same strips made directly: what the library adds
     // beyond the strip rule itself.
-    bench::RESULT rs = bench::Compare(
-        15,
-        [&] {
-            refill(libPicks);
-            for (int i : libPicks)
-                bitmaps[i].Valid();
-        },
-        bareStrips);
+    bench::RESULT rs = bench::Compare(15, libraryPageIns, bareStrips);
     // What the strip rule itself costs on this system: the same bytes made
     // into four bitmaps instead of one, both by plain GDI.
     bench::RESULT rr = bench::Compare(15, bareStrips, bareWhole);

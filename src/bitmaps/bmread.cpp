@@ -217,18 +217,17 @@ SCREENDC::SCREENDC() : dc(nullptr), trueColour32(false), old(nullptr)
         st.displayDC = CreateDCA("DISPLAY", nullptr, nullptr, nullptr);
         if (!st.displayDC)
             return;
-        st.screenPalette = (GetDeviceCaps(st.displayDC, RASTERCAPS) & RC_PALETTE) != 0;
-        st.screenBits = GetDeviceCaps(st.displayDC, BITSPIXEL) * GetDeviceCaps(st.displayDC, PLANES);
         // Under Wine every bitmap made on the display's context asks the
         // display driver for the screen's format, a fixed cost several times
         // that of converting a strip's rows. A memory context holding a
         // bitmap of that format makes the same bitmaps without asking. A
         // palette screen keeps the display's context, whose realised palette
         // the colours are matched against.
-        if (!st.screenPalette) {
+        if (!(GetDeviceCaps(st.displayDC, RASTERCAPS) & RC_PALETTE)) {
             st.formatDC = CreateCompatibleDC(st.displayDC);
             st.formatBitmap = st.formatDC ? CreateCompatibleBitmap(st.displayDC, 1, 1) : nullptr;
             st.formatOld = st.formatBitmap ? SelectObject(st.formatDC, st.formatBitmap) : nullptr;
+            st.trueColour32 = GetDeviceCaps(st.displayDC, BITSPIXEL) * GetDeviceCaps(st.displayDC, PLANES) == 32;
             if (!st.formatOld) {
                 if (st.formatBitmap)
                     DeleteObject(st.formatBitmap);
@@ -241,7 +240,7 @@ SCREENDC::SCREENDC() : dc(nullptr), trueColour32(false), old(nullptr)
     }
     if (st.formatDC) {
         dc = st.formatDC;
-        trueColour32 = st.screenBits == 32;
+        trueColour32 = st.trueColour32;
         return;
     }
     dc = st.displayDC;

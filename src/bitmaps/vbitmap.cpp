@@ -225,6 +225,15 @@ vINT vBITMAP::Write(vSTREAM& stream, int compress) const
         return vINT(0L);
     }
     BITMAPINFOHEADER* h = reinterpret_cast<BITMAPINFOHEADER*>(dib);
+    // GetDIBits writes into the header it is given, so it is set anew each time.
+    auto setHeader = [&](long rows) {
+        std::memset(h, 0, 40);
+        h->biSize = 40;
+        h->biWidth = width;
+        h->biHeight = rows;
+        h->biPlanes = 1;
+        h->biBitCount = depth;
+    };
     // Strip 0 holds the bottom rows, so the strips fill the rows in table order.
     unsigned long offset = head;
     for (unsigned short i = 0; i < resource->StripCount(); ++i) {
@@ -232,23 +241,13 @@ vINT vBITMAP::Write(vSTREAM& stream, int compress) const
         HBITMAP strip = m->GetStrip(resource, i, &rows);
         if (offset + stride * rows > size)
             break;
-        std::memset(h, 0, 40);
-        h->biSize = 40;
-        h->biWidth = width;
-        h->biHeight = rows;
-        h->biPlanes = 1;
-        h->biBitCount = depth;
+        setHeader(rows);
         if (strip)
             GetDIBits(dc, strip, 0, rows, dib + offset, reinterpret_cast<BITMAPINFO*>(dib), DIB_RGB_COLORS);
         offset += stride * rows;
     }
     // The header of the whole image, whatever GetDIBits left in it.
-    std::memset(h, 0, 40);
-    h->biSize = 40;
-    h->biWidth = width;
-    h->biHeight = height;
-    h->biPlanes = 1;
-    h->biBitCount = depth;
+    setHeader(height);
     h->biSizeImage = stride * (unsigned long)height;
     SelectPalette(dc, oldPal, FALSE);
     ReleaseDC(nullptr, dc);

@@ -25,7 +25,7 @@ PCDACCESS pcdAccess;
 DEVSTATE devState = {nullptr, nullptr, nullptr, nullptr, 0, 0, nullptr, nullptr, nullptr};
 DISPLAYBITSPROC displayBits = nullptr;
 
-BMSTATE bmState = {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 0, false};
+BMSTATE bmState = {nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, false};
 
 // The line and point work objects are defined with the outline renderer
 // (src/devices/vdevice_line.cpp); the rest of the drawing half joins here, in

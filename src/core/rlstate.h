@@ -163,13 +163,12 @@ struct BMSTATE {
     HDC displayDC;
     // On a screen without a palette: a memory context holding a one-pixel
     // bitmap of the screen's format (and what it replaced), which strips are
-    // made on instead. The screen's depth and palette capability are read
-    // once, with the display context.
+    // made on instead, and whether that format is 32-bit true colour. The
+    // screen is asked once, with the display context.
     HDC formatDC;
     HBITMAP formatBitmap;
     HGDIOBJ formatOld;
-    int screenBits;
-    bool screenPalette;
+    bool trueColour32;
 };
 extern BMSTATE bmState;
 
