@@ -44,6 +44,20 @@ long PictureHeight(const gdiRESOURCE* r)
     return h;
 }
 
+// Calls draw(strip, rows, top) for each strip, paging it in; top is its first
+// row counted from the picture's top. Strip 0 is the bottom one: the strips
+// are stacked upwards from the picture's last row.
+template <class F> void ForEachStrip(vBITMAPMAN* m, gdiRESOURCE* r, long height, F draw)
+{
+    long below = 0;
+    for (unsigned short i = 0; i < r->StripCount(); ++i) {
+        unsigned short rows = 0;
+        HBITMAP strip = m->GetStrip(r, i, &rows);
+        below += rows;
+        draw(strip, rows, height - below);
+    }
+}
+
 } // namespace
 
 int vBITMAP::Blit(HDC dc, int x, int y, const RECT* target, const RECT* source) const
@@ -64,18 +78,11 @@ int vBITMAP::Blit(HDC dc, int x, int y, const RECT* target, const RECT* source) 
         return 0;
     int oldMode = same ? 0 : SetStretchBltMode(dc, COLORONCOLOR);
     int drawn = 0;
-    // Strip 0 is the bottom one: the strips are stacked upwards from the
-    // picture's last row.
-    long below = 0;
-    for (unsigned short i = 0; i < resource->StripCount(); ++i) {
-        unsigned short rows = 0;
-        HBITMAP strip = m->GetStrip(resource, i, &rows);
-        const long top = height - below - rows;
-        below += rows;
+    ForEachStrip(m, resource, height, [&](HBITMAP strip, unsigned short rows, long top) {
         const long a = top > s.top ? top : s.top;
         const long b = top + rows < s.bottom ? top + rows : s.bottom;
         if (a >= b || !strip)
-            continue;
+            return;
         mem.Select(strip);
         if (same) {
             drawn |= BitBlt(dc, t.left, t.top + (a - s.top), sw, b - a, mem.dc, s.left, a - top, SRCCOPY) != 0;
@@ -86,7 +93,7 @@ int vBITMAP::Blit(HDC dc, int x, int y, const RECT* target, const RECT* source) 
             if (y0 != y1)
                 drawn |= StretchBlt(dc, t.left, y0, tw, y1 - y0, mem.dc, s.left, a - top, sw, b - a, SRCCOPY) != 0;
         }
-    }
+    });
     if (!same)
         SetStretchBltMode(dc, oldMode);
     return drawn;
@@ -102,14 +109,9 @@ int vBITMAP::BlitTransparent(HDC dc, int x, int y, COLORREF transparent) const
     if (!src.dc || !maskDC.dc || !copyDC.dc)
         return 0;
     int drawn = 0;
-    long below = 0;
-    for (unsigned short i = 0; i < resource->StripCount(); ++i) {
-        unsigned short rows = 0;
-        HBITMAP strip = m->GetStrip(resource, i, &rows);
-        const long top = height - below - rows;
-        below += rows;
+    ForEachStrip(m, resource, height, [&](HBITMAP strip, unsigned short rows, long top) {
         if (!strip || !rows)
-            continue;
+            return;
         HBITMAP mask = CreateBitmap(width, rows, 1, 1, nullptr);
         HBITMAP copy = CreateCompatibleBitmap(dc, width, rows);
         if (mask && copy) {
@@ -140,7 +142,7 @@ int vBITMAP::BlitTransparent(HDC dc, int x, int y, COLORREF transparent) const
             DeleteObject(mask);
         if (copy)
             DeleteObject(copy);
-    }
+    });
     return drawn;
 }
 
