@@ -163,3 +163,31 @@ TEST(DrawDib, SeparatedNegativeAndTintedPagesOnBothRoads)
     Road(true);
     EXPECT_TRUE(GetModuleHandleA("LEAD51N.DLL") == nullptr && unloads >= 1) << "released with the bridge";
 }
+
+TEST(DrawDib, TransparentColourIsNotDrawn)
+{
+    for (int scale : {1, 2}) {
+        std::unique_ptr<oMEMDIB> dib = MakeDib(11, 8, 24, 64);
+        COLORREF key = DibPixel(*dib, 3, 2);
+        // A block and a scatter of key-coloured pixels.
+        unsigned char* rows = const_cast<unsigned char*>(dib->Bits());
+        for (int y = 0; y < 8; ++y)
+            for (int x = 0; x < 11; ++x)
+                if ((x >= 5 && y >= 4) || (x * 7 + y * 3) % 5 == 0) {
+                    unsigned char* p = rows + (7 - y) * dib->Stride() + 3 * x;
+                    p[0] = GetBValue(key), p[1] = GetGValue(key), p[2] = GetRValue(key);
+                }
+        vMEMDEVICE d(vINT((long)kTW), vINT((long)kTH));
+        ORACLE want(d, 0xFF);
+        Backdrop(d, want);
+        vCOLOUR transparent((long)key, 0);
+        EXPECT_EQ(d.DrawDIB(*dib, R(2, 3, 2 + 11 * scale, 3 + 8 * scale), &transparent), 1);
+        int hidden = 0;
+        for (int y = 0; y < 8 * scale; ++y)
+            for (int x = 0; x < 11 * scale; ++x) {
+                COLORREF c = DibPixel(*dib, x / scale, y / scale);
+                c == key ? (void)++hidden : (void)SetPixel(want.dc, 2 + x, 3 + y, c);
+            }
+        EXPECT_TRUE(hidden > 0 && SameBytes(d, want)) << "scale " << scale;
+    }
+}
