@@ -35,13 +35,9 @@ TEST(LineStyle, LineTypesInstallTheirPatternsAndComparisonIgnoresThem)
     const unsigned char other[6] = {1, 1, 1, 1, 1, 1};
     vLINESPEC a(vLT_USER, vCOLOUR(0, 0, 255), vINT(3), (vCORNERTYPE)1, (vDASHTYPE)2, kUser);
     EXPECT_TRUE(a == vLINESPEC(vLT_USER, vCOLOUR(0, 0, 255), vINT(3), (vCORNERTYPE)1, (vDASHTYPE)2, other));
-    vLINESPEC changed[3] = {a, a, a};
-    EXPECT_TRUE(changed[0] == a && PatternOf(changed[0]) == (P{9, 8, 7, 6, 5, 4}));
-    changed[0].Colour(vCOLOUR(vRGB, 0xFF0000, 99, 0));  // same RGB, other tint
-    changed[1].Colour(vCOLOUR(0xFF0000L, 1));            // same value, system flag
-    changed[2].DashType((vDASHTYPE)0);
-    for (const vLINESPEC& x : changed)
-        EXPECT_TRUE(x != a && !(x == a)) << &x - changed;
+    vLINESPEC changed = a;
+    changed.Colour(vCOLOUR(vRGB, 0xFF0000, 99, 0));  // same RGB, other tint
+    EXPECT_TRUE(changed != a && !(changed == a));
 }
 
 TEST(LineStyle, StreamFormIsTwentyFourBytes)

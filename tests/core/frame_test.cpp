@@ -6,12 +6,6 @@
 #include "rl132.h"
 #include "rltest.h"
 
-// The application framework's door to the default exception's report.
-class vAPPFRAME {
-public:
-    static int Report(HWND window) { return vSYSTEM::GetDefaultException().HandleException(window); }
-};
-
 namespace {
 // Restores the process-wide switches a test changes.
 struct FrameState {
@@ -89,24 +83,6 @@ TEST(Frame, PageOutLoopArithmetic)
         EXPECT_EQ(vSYSTEM::GetDefaultException().NewFailureException(0), c.result) << c.limit;
         EXPECT_TRUE(vPAGEOUT::GetResidentLimit() == c.after && gPageOutCall == c.calls) << c.limit;
     }
-}
-
-TEST(Frame, ReportShowsWarningOnceThenSevere)
-{
-    FrameState keep;
-    rltest::MessageBoxes boxes;
-    DEFEXCEP& e = vSYSTEM::GetDefaultException();
-    bool warningLeft = e.WarningText() != nullptr;
-    vSYSTEM::SetExceptionFlag(1);
-    EXPECT_EQ(vAPPFRAME::Report(nullptr), 1);
-    EXPECT_TRUE(vSYSTEM::GetExceptionFlag() == 0 && e.WarningText() == nullptr);
-    vSYSTEM::SetExceptionFlag(1);
-    boxes.Answer(IDCANCEL);   // not acknowledged with OK: the flag stays set
-    EXPECT_TRUE(vAPPFRAME::Report(nullptr) == 0 && vSYSTEM::GetExceptionFlag() == 1);
-    ASSERT_EQ(boxes.Calls().size(), 2u);
-    EXPECT_TRUE(!warningLeft || boxes.Calls()[0].text == "Error: Free Memory is getting low.\nTry closing some of your other applications.");
-    EXPECT_EQ(boxes.Calls()[1].text, "Error: Free Memory is extremely low.\nTry closing some of your other applications.");
-    EXPECT_TRUE(boxes.Calls()[0].caption == "" && boxes.Calls()[1].type == (unsigned)(MB_OK | MB_ICONHAND | MB_SYSTEMMODAL));
 }
 
 #if GTEST_HAS_DEATH_TEST

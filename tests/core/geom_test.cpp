@@ -41,14 +41,3 @@ TEST(Geometry, PointComparisonsDistancesAndExpansion)
     vRECT d(0L, 0L, 10L, 10L);
     EXPECT_TRUE(d.DistFrom(vPOINT(10L, 10L))() == 0 && d.DistFrom(vPOINT(13L, 14L))() == 5 && d.DistFrom(vPOINT(5L, -7L))() == 7);
 }
-
-TEST(Geometry, OverlapUnionIntersection)
-{
-    // Edges are inclusive: corner contact overlaps, in a single point. A union
-    // takes each edge on its own, even from a turned rectangle.
-    vRECT r(0L, 0L, 4L, 4L), corner(4L, 4L, 6L, 6L), apart(5L, 0L, 6L, 4L), inside(1L, 1L, 2L, 3L);
-    EXPECT_TRUE(RectIs(r + apart, 0, 0, 6, 4) && RectIs(vRECT(4L, 4L, 0L, 0L) + inside, 1, 1, 2, 3));
-    EXPECT_TRUE((r & corner) && (corner & r) && !(r & apart) && !(apart & r) && (r & inside));
-    EXPECT_TRUE(RectIs(r ^ corner, 4, 4, 4, 4) && RectIs(r ^ apart, 0, 0, 0, 0) && RectIs(r ^ inside, 1, 1, 2, 3));
-    EXPECT_TRUE((r ^ vPOINT(4L, 4L)) && !(r ^ vPOINT(5L, 4L)) && !(r ^ vPOINT(2L, -1L)));
-}

@@ -8,7 +8,6 @@
 #include "rl132/core/vnumber.h"
 
 namespace {
-const long kOne = 65536;
 vREAL R(int64_t raw) { return vREAL::FromRaw((long)(int32_t)(uint32_t)raw); }
 long Raw(const vREAL& r) { return r(); }
 long Wrap(int64_t v) { return (long)(int32_t)(uint32_t)(uint64_t)v; }
@@ -134,33 +133,4 @@ TEST(Number, NewtonRootsAreNotTheNearestNorTheFloor)
         ASSERT_EQ(Sqrt(n), nearer) << n;
         ASSERT_EQ(Sqrt(-n), nearer) << n;
     }
-}
-
-TEST(Number, AngleResultsFollowTheirDegreeFactor)
-{
-    // 57.29577951 degrees per radian is a little short: truncation loses one raw unit. aSin is the arc tangent.
-    const long got[] = {Raw(vANGLE(30).Sin()), Raw(vANGLE(150).Sin()), Raw(vANGLE(60).Cos()), Raw(vANGLE(135).Tan()),
-                        Raw(vANGLE(90).Tan()), vREAL(1).aTan()(), vREAL(0.5).aSin()(), vREAL(0.5).aCos()(),
-                        vREAL(-1).aCos()(), vREAL(2).aCos()()};
-    const long want[] = {32768, 32767, 32767, -kOne + 1, (long)INT32_MIN, 45 * kOne - 1, vREAL(0.5).aTan()(),
-                         60 * kOne - 1, 180 * kOne - 1, (long)INT32_MIN};   // 90: past by a hair; 2: outside
-    for (size_t i = 0; i < sizeof got / sizeof got[0]; ++i)
-        EXPECT_EQ(got[i], want[i]) << i;
-}
-
-TEST(Number, TableSineCosineAndLog)
-{
-    // Every short against the rounded double sine, scaled by 25,600.
-    const double pi = 3.14159265358979323846;
-    auto scaled = [](double v) { int e = (int)floor(fabs(v) * 25600.0 + 0.5); return v < 0 ? -e : e; };
-    for (int deg = -32768; deg <= 32767; ++deg) {
-        int d = ((deg % 360) + 360) % 360;
-        ASSERT_EQ(Sin((short)deg), scaled(sin(d * pi / 180.0))) << deg;
-        if (deg <= 32767 - 90) {
-            ASSERT_EQ(Cos((short)deg), scaled(cos(d * pi / 180.0))) << deg;
-        }
-    }
-    // The cosine's +90 wraps in 16 bits: Cos(32767) is the sine of -279 degrees.
-    EXPECT_EQ(Cos(32767), Sin(81));
-    EXPECT_TRUE(Log(255) == 63 && Log(32767) == 64);
 }

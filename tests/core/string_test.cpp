@@ -1,5 +1,5 @@
 // vSTRING's helpers: comparisons against the locale's order over generated text,
-// extracts worked by hand, and the intended quirks: formatted extracts, counting.
+// and the intended quirks: formatting cut short, formatted extracts.
 #include <windows.h>
 #include <gtest/gtest.h>
 #include <random>
@@ -33,22 +33,6 @@ TEST(String, ComparisonsKeepTheirReversedSense)
     }
 }
 
-TEST(String, Extracts)
-{
-    // Word counts only blank-terminated words; otherwise the whole text.
-    vSTRING v("ab  c a"), none("abc");
-    EXPECT_TRUE(S(v.Word(0)) == "ab" && S(v.Word(1)) == "c" && S(v.Word(2)) == "ab  c a" && S(none.Word(0)) == "abc");
-    // Fields between commas, and the text before the n-th comma.
-    vSTRING f("a,,bc,");
-    EXPECT_TRUE(S(f.GetDelimitedSubString(',', 2)) == "bc" && S(f.GetDelimitedSubString(',', 3)) == "" &&
-                S(f.GetDelimitedSubString(',', 4)) == "" && f.NoOfOccurance(vCHAR(',')) == 3);
-    EXPECT_TRUE(S(f.GetPreDelimitedSubString(',', 2)) == "a," && S(f.GetPreDelimitedSubString(',', 0)) == "" &&
-                S(f.GetPreDelimitedSubString(',', 4)) == "");
-    vSTRING cut("..a.b.."), trim("..a.b..");
-    EXPECT_TRUE(S(cut.RemoveFromEnd('.')) == "" && S(cut) == "..a.b.");
-    EXPECT_TRUE(S(trim.RemoveLeadAndTrailing('.')) == "a.b" && S(vSTRING(".x.y.").StripLTChar('.')) == "xy");
-}
-
 TEST(String, FormattingIsCutAtTheScratchBufferAndPercentInExtractsIsAFormat)
 {
     std::string big(3000, 'q');
@@ -72,15 +56,3 @@ TEST(String, FormattingIsCutAtTheScratchBufferAndPercentInExtractsIsAFormat)
     EXPECT_EQ(S(Plain(wide + " ").Word(0)), expect.substr(0, 1023));
 }
 
-TEST(String, CountingCaseAndLanguages)
-{
-    // Pattern occurrences count the string's own start at every position.
-    EXPECT_EQ(vSTRING("abcabc").NoOfOccurance(vSTRING("abc")), 6);
-    vSTRING s("\xe9t\xc9 PARIS");
-    EXPECT_EQ(S(s.Capitalise()), "\xe9t\xc9 paris");   // only ASCII letters change case
-    // United States English, and every language the table does not name, read the French block.
-    const struct { unsigned short id, offset; } languages[] = {
-        {2057, 0}, {1033, 200}, {1031, 400}, {1053, 600}, {65535, 200}};
-    for (const auto& l : languages)
-        EXPECT_EQ(vSTRING::LanguageOffset(l.id), l.offset) << l.id;
-}

@@ -152,21 +152,12 @@ inline ::testing::AssertionResult SameBytes(vMEMDEVICE& device, const SURFACE& w
 }
 
 // The memory device's pixel at (x, y), y from the top: 0x00RRGGBB at 32 bits,
-// the index at 8; and its pixels in [x0, x1) x [y0, y1) other than `background`.
+// the index at 8.
 inline unsigned long Pixel(vMEMDEVICE& d, int x, int y)
 {
     unsigned long bpp = d.BitsPerPixel(), stride = ((unsigned long)d.Width()() * bpp + 31) / 32 * 4;
     const unsigned char* p = d.GetDIB() + (unsigned long)(d.Height()() - 1 - y) * stride + x * bpp / 8;
     return bpp == 8 ? p[0] : (p[0] | p[1] << 8 | (unsigned long)p[2] << 16);
-}
-
-inline int Ink(vMEMDEVICE& d, int x0, int y0, int x1, int y1, unsigned long background)
-{
-    int n = 0;
-    for (int y = y0; y < y1; ++y)
-        for (int x = x0; x < x1; ++x)
-            n += Pixel(d, x, y) != background;
-    return n;
 }
 
 // Logical to device as the mapping defines it, in 64-bit arithmetic.

@@ -1,7 +1,6 @@
 // The outline renderer by its pixels: wide pieces, dashes, pen outlines and
 // brush blocks against the plain GDI polygons, pen runs and blocks the width
-// rules give; shape clipping against GDI's own region; the rectangle and
-// ellipse point tables.
+// rules give.
 #include <gtest/gtest.h>
 #include <cmath>
 #include <vector>
@@ -124,58 +123,4 @@ TEST(LineRender, ThinOutlinesArePenRunsOrBlocks)
         }
         EXPECT_TRUE(Same(gotBlocks, wantBlocks)) << "block width " << w;
     }
-}
-
-// A shape replaces the clip area with its polygons under the fill rule; a fill
-// over everything lands exactly where GDI's region of the same polygons lets it.
-TEST(LineRender, ClipAreaByShapeMatchesGdiRegions)
-{
-    for (int mode : {1, 2}) {
-        SURFACE got(120, 100), want(120, 100);
-        {
-            DEVICE d(got.dc);
-            vFILLSPEC f(vFT_SOLID, vCOLOUR(200, 30, 40), vCOLOUR(200, 30, 40));
-            f.Mode((vFILLMODE)mode);
-            d.FillSpec(f);
-            d.LineSpec(vLINESPEC(vLT_NONE));
-            EXPECT_EQ(d.ClipArea(Path({{10, 10}, {110, 20}, {90, 90}, {20, 80}}, true, {{40, 35}, {70, 40}, {60, 65}})),
-                      1);
-            EXPECT_EQ(d.DrawRect(R(0, 0, 119, 99)), 1);
-            d.ClearClipArea();
-        }
-        POINT pts[9] = {{10, 10}, {110, 20}, {90, 90}, {20, 80}, {10, 10}, {40, 35}, {70, 40}, {60, 65}, {40, 35}};
-        INT counts[2] = {5, 4};
-        HRGN rgn = CreatePolyPolygonRgn(pts, counts, 2, mode == 1 ? ALTERNATE : WINDING);
-        SelectClipRgn(want.dc, rgn);
-        {
-            WITHBRUSH b(want.dc, RGB(200, 30, 40));
-            Rectangle(want.dc, 0, 0, 120, 100);
-        }
-        DeleteObject(rgn);
-        EXPECT_TRUE(Same(got, want)) << "fill mode " << mode;
-        EXPECT_EQ(got.Pixel(50, 45) == 0xFFFFFFu, mode == 1);
-    }
-}
-
-// The rectangle's corners; the ellipse's Bezier points from the top centre,
-// control offsets 0.27614 of the size, truncated toward zero (100 x 50: 27 and 13).
-TEST(Shape, RectangleAndEllipseTables)
-{
-    auto table = [](const vSHAPE& s) {
-        std::vector<long> v;
-        for (unsigned short i = 0; i < s.NoPoint(); ++i)
-            v.insert(v.end(), {s[i].point.x(), s[i].point.y(), (long)s[i].flags});
-        const vRECT& b = s.BoundBox();
-        v.insert(v.end(), {b.left(), b.top(), b.right(), b.bottom(), (long)s.Closed(), (long)s.NoOfContours()});
-        return v;
-    };
-    EXPECT_EQ((std::vector<long>{10, 20, 9, 110, 20, 8, 110, 70, 8, 10, 70, 10, 10, 20, 110, 70, 1, 1}),
-              table(vRECTSHAPE(R(10, 20, 110, 70))));
-    EXPECT_EQ((std::vector<long>{50, 0, 0x11, 77, 0, 0x20, 100, 12, 0x20, 100, 25, 0x10, 100, 38, 0x20, 77, 50, 0x20,
-                                 50, 50, 0x10, 23, 50, 0x20, 0, 38, 0x20, 0, 25, 0x12, 0, 12, 0x20, 23, 0, 0x20,
-                                 0, 0, 100, 50, 1, 1}),
-              table(vELPSSHAPE(R(0, 0, 100, 50))));
-    // Odd sizes round the centre up; right to left keeps the signs.
-    vELPSSHAPE odd(R(-7, -3, 0, 0)), back(R(100, 0, 0, 50));
-    EXPECT_TRUE(odd[0].point.x() == -3 && odd[3].point.y() == -1 && back[1].point.x() == 50 - 27);
 }

@@ -1,6 +1,6 @@
 // Windows metafile playback judged by its pixels: the corpus against the
 // system's player given the records the filter passes, generated metafiles
-// against plain GDI; and the native metafile made from a recording.
+// against plain GDI.
 #include <windows.h>
 #include <fstream>
 #include <iterator>
@@ -213,13 +213,9 @@ TEST(WmfPlay, FilterCasesAgainstPlainDrawing)
 {
     struct Case { const char* name; Bytes file; RECT area; int result; void (*expect)(HDC dc, const RECT& area); };
     auto rect = [](HDC dc, const RECT& a) { BaseState(dc, a), Rectangle(dc, 10, 10, 60, 40), Release(dc); };
-    Bytes viewport = Base().Rec(fnSetViewportOrg, {30, 30}).Rec(fnSetViewportExt, {10, 10}).Rec(fnOffsetViewportOrg, {5, 5})
-                         .Rec(fnScaleViewportExt, {1, 2, 1, 2}).Rec(fnOffsetWindowOrg, {7, 7})
-                         .Rec(fnIntersectClipRect, Box(0, 0, 20, 20)).Rec(fnRectangle, Box(10, 10, 60, 40)).Done();
     Bytes cutRecord = Base().Rec(fnRectangle, Box(10, 10, 60, 40)).Done();
     cutRecord[cutRecord.size() - 6] = 100;   // META_EOF now claims 100 words
     const Case cases[] = {
-        {"viewport records have no effect", viewport, kUp, 1, rect},
         {"arc, y flipped: ends exchanged", Base(100, 100, true).Rec(fnArc, Arc(90, 50, 50, 10)).Done(), kFlipY, 1,
          [](HDC dc, const RECT& a) { BaseState(dc, a, 100, 100, true), ::Arc(dc, 10, 10, 90, 90, 50, 10, 90, 50), Release(dc); }},
         {"record past the data ends playback", cutRecord, kUp, 0, rect},
@@ -232,47 +228,6 @@ TEST(WmfPlay, FilterCasesAgainstPlainDrawing)
         EXPECT_TRUE(devtest::SameBuffers(device.GetDIB(), oracle, device.BufferSize())) << c.name;
         EXPECT_TRUE(oracle.Count(0xFFFFFF) > 50) << c.name;
     }
-}
-
-namespace {
-
-Bytes BitsOf(HMETAFILE h)
-{
-    Bytes b(GetMetaFileBitsEx(h, 0, nullptr));
-    GetMetaFileBitsEx(h, (UINT)b.size(), b.data());
-    return b;
-}
-
-// Played into 120 x 120 of a fresh surface.
-void PlayNative(devtest::SURFACE& s, HMETAFILE h)
-{
-    SetMapMode(s.dc, MM_ANISOTROPIC);
-    SetViewportExtEx(s.dc, 120, 120, nullptr);
-    PlayMetaFile(s.dc, h);
-}
-
-} // namespace
-
-// The library's own recordings go onto an A4 page shrunk to their aspect,
-// which becomes the recording's window.
-TEST(WmfNative, OwnRecordingsGoOntoAShrunkA4Page)
-{
-    vMETAFILE m;
-    m.DrawRect(vRECT(vINT(100L), vINT(0L), vINT(600L), vINT(1000L)));
-    m.EndMetaFile();
-    vNATIVEMETA native(m);
-    EXPECT_TRUE(native.PageWidth() == 14850 && native.PageHeight() == 29700);
-    HMETAFILE h = native.RemoveFileHandle();
-    ASSERT_TRUE(h != nullptr);
-    Bytes bits = BitsOf(h);
-    bool window = false;
-    for (size_t at = 18, words; at + 10 <= bits.size() && (words = Long(&bits[at])) >= 3; at += words * 2)
-        if (Word(&bits[at + 4]) == fnSetWindowExt)
-            window = (short)Word(&bits[at + 6]) == 29700 && (short)Word(&bits[at + 8]) == 14850;
-    devtest::SURFACE s(120, 120);
-    PlayNative(s, h);
-    EXPECT_TRUE(window && s.Count(0xFFFFFF) > 0);
-    DeleteMetaFile(h);
 }
 
 TEST(WmfPlay, ProgressAndStopping)

@@ -95,14 +95,6 @@ std::string Picture(long w, long h, unsigned seed)
     return v;
 }
 
-// A pixel of a bottom-up bitmap file at 24 or 8 bits, from the top, as 0xRRGGBB.
-unsigned long Pixel(const std::string& f, long x, long y)
-{
-    unsigned long bits = Get(f, 28, 2), stride = (Get(f, 18, 4) * bits + 31) / 32 * 4;
-    size_t row = Get(f, 10, 4) + (size_t)(Get(f, 22, 4) - 1 - y) * stride;
-    return bits == 24 ? Get(f, row + 3 * x, 3) : Get(f, 54 + 4 * (unsigned char)f[row + x], 3);
-}
-
 // A fresh empty folder, so a test can tell that nothing was left behind in it.
 std::string TempFolder(const char* stem)
 {
@@ -221,7 +213,6 @@ TEST(Rltool, ResizeAndBitmapRecords)
     const std::string f = Slurp(out);   // from 127 x 64
     EXPECT_TRUE(f.substr(0, 2) == "BM" && Get(f, 18, 4) == 60 && Get(f, 22, 4) == 30 && Get(f, 28, 2) == 8);
     DeleteFileA(out.c_str());
-    EXPECT_EQ(RunTool("resize " + Corpus("bmp/bad/shortfile.bmp") + " " + out), 1);
     EXPECT_EQ(RunTool("resize " + Corpus("bmp/good/rgb24.bmp") + " " + out + " --bits 3"), 2);
     EXPECT_FALSE(Exists(out));
 
@@ -240,37 +231,6 @@ TEST(Rltool, ResizeAndBitmapRecords)
     DeleteFileA(rec.c_str());
     EXPECT_TRUE(RunTool("bitmap unpack " + back + " " + rec) == 1 && !Exists(rec));
     Remove({in, back});
-}
-
-// showcase draws a sheet with ink in every panel. Recorded into a metafile
-// and rendered back at its own size (the identity mapping) it gives the same
-// pixels, but for the four process plates: the drawing mode that makes one is
-// device state a metafile does not record, so each shows the plain picture.
-TEST(Rltool, ShowcaseDrawnAndRecorded)
-{
-    const long kW = 960, kH = 720;
-    std::string direct = rltest::TempPath("scd"), rlm = rltest::TempPath("scm") + ".rlm", rendered = rltest::TempPath("scr"), log;
-    ASSERT_EQ(RunTool("showcase " + Quoted(direct), &log), 0) << log;
-    ASSERT_EQ(RunTool("showcase " + Quoted(rlm), &log), 0) << log;
-    EXPECT_EQ(Slurp(rlm).substr(0, 9), "TAVRLMETA");
-    ASSERT_EQ(RunTool("render " + Quoted(rlm) + " " + Quoted(rendered) + " --width 960 --height 720", &log), 0) << log;
-    const std::string a = Slurp(direct), b = Slurp(rendered);
-    ASSERT_TRUE(a.size() == 54 + (size_t)kW * kH * 3 && b.size() == a.size()) << a.size() << " " << b.size();
-    // The plates: pictures at x = 200 + 188 i, 170 x 120 at y 510, with their outlines.
-    long ink = 0, differ = 0, plateDiffer = 0;
-    for (long y = 0; y < kH; ++y)
-        for (long x = 0; x < kW; ++x) {
-            ink += Pixel(a, x, y) != 0xFFFFFF;
-            if (x >= 190 && y >= 500 && y < 640) {
-                long i = (x - 190) / 188, dx = 190 + 188 * i;
-                plateDiffer += i < 4 && x - dx < 185 && Pixel(b, x, y) != Pixel(b, x - dx, y);
-            } else {
-                differ += Pixel(a, x, y) != Pixel(b, x, y);
-            }
-        }
-    EXPECT_TRUE(ink > kW * kH / 10 && differ == 0 && plateDiffer == 0) << ink << " " << differ << " " << plateDiffer;
-    EXPECT_EQ(RunTool("showcase " + rlm + " --bits 8"), 2);
-    Remove({rlm, direct, rendered});
 }
 
 // info on Windows metafile headers, and wmf, the conversion to a native metafile file.
@@ -293,11 +253,6 @@ TEST(Rltool, WindowsMetafileInfoAndConversion)
     std::string before = Slurp(out);
     ASSERT_GE(before.size(), 18u);
     EXPECT_EQ(1, before[0]);   // a standard header: the placeable one is left out
-    // Refused input, the output over the input and wrong arguments change nothing.
-    EXPECT_EQ(1, RunTool("wmf " + Corpus("wmf/libwmf/gd_Readme_NOT_A_WMF.wmf") + " " + Quoted(out)));
-    EXPECT_EQ(2, RunTool("wmf " + Quoted(out) + " " + Quoted(out)));
-    EXPECT_EQ(before, Slurp(out));
-    EXPECT_FALSE(Exists(out + ".part"));
     DeleteFileA(out.c_str());
 }
 

@@ -1,6 +1,5 @@
 // The screen and the memory device on a real 256-colour display (Xvfb at
-// depth 8): the palette built over the system's reserved entries,
-// and 8-bit bitmaps in the screen's colours drawn as plain GDI draws them.
+// depth 8): the palette built over the system's reserved entries.
 #include <gtest/gtest.h>
 #include <cstring>
 #include "../devcore_support.h"
@@ -33,20 +32,4 @@ TEST(Screen8, PaletteFromTheSystemsReservedColours)
         }
         EXPECT_EQ(memcmp(&made[i], &log->palPalEntry[i], 3), 0) << i;
     }
-}
-
-// A memory device is an 8-bit bitmap in the screen's colours, starting as
-// index 235 whatever that entry holds.
-TEST(MemDevice8, PaletteIndexWhiteAndTheScreensColours)
-{
-    vMEMDEVICE d(vINT(13L), vINT(7L));
-    ASSERT_TRUE(d.GetDIB() && d.BitsPerPixel() == 8 && d.BufferSize() == 16u * 7u);
-    for (unsigned long i = 0; i < d.BufferSize(); ++i)
-        ASSERT_EQ(d.GetDIB()[i], 235) << i;
-    RGBQUAD table[256];
-    ASSERT_EQ(GetDIBColorTable(d.GetWinDC(), 0, 256, table), 256u);
-    const PALETTEENTRY* log = vSCREEN::LogPalette()->palPalEntry;
-    for (int i = 0; i < 256; ++i)
-        EXPECT_TRUE(table[i].rgbRed == log[i].peRed && table[i].rgbGreen == log[i].peGreen &&
-                    table[i].rgbBlue == log[i].peBlue) << i;
 }
