@@ -72,14 +72,12 @@ TEST(NativeStroke, InitRows)
         {1, 3, 0, 0, 0x808080, kMethodBlocks},  // mid-grey would dither: blocks
         {1, 3, 0, 0, 0x0FF00F, kMethodPen},     // every channel within 15 of an end
         {1, 3, 0, 0, 0x10FFFF, kMethodBlocks},  // red 16 is not
-        {1, 2, 0, 0, 0xEF0000, kMethodBlocks},  // blue 239 is not (folds to 16)
         {1, 3, 1, 0, 0x808080, kMethodPen},     // fast update: always the pen
         {1, 3, 0, 2, 0x808080, kMethodPen},     // device type 2: the pen
         {2, 1, 0, 0, 0x808080, kMethodBlocks},  // width 1 is thin whatever the type
         {2, 2, 0, 0, 0x000000, kMethodPolygons}, // patterned and 2 wide: polygons
         {1, 4, 0, 0, 0x000000, kMethodPolygons},
         {1, 0, 0, 0, 0x000000, kMethodPen},     // raised to 1
-        {1, -5, 0, 0, 0x000000, kMethodPen},
     };
     for (const Row& r : rows) {
         LINEPARAMS p = Params(r.lineType, r.width, 2, 1, r.rgb);
