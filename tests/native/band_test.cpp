@@ -1,15 +1,13 @@
-// The graded fills' counts and blends by hand, the bands' tiling and the
-// pattern table (any input is fuzz_bands' part).
+// The graded fills' counts and blends by hand and the bands' tiling (any
+// input is fuzz_bands' part).
 #include <gtest/gtest.h>
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <vector>
 #include "attributes/vcolourmath.h"
 #include "devices/geom/bandplan.h"
-#include "devices/geom/fillpattern.h"
 #include "devices/geom/linemath.h"
 #include "rl132/core/vnumber.h"
 #include "native_support.h"
@@ -92,35 +90,6 @@ TEST(NativeBand, BandsTileTheFrameAndRunBetweenTheColours)
             std::copy(pts, pts + rad.points, outer);
         }
     }
-}
-
-TEST(NativeBand, PatternTableAndFillKinds)
-{
-    using namespace rlfill;
-    struct Row {
-        int type, kind, hatch, style, index, entry;
-    } rows[] = {
-        {0, kFillNothing, 0, 0, 0, -2},  {1, kFillSolid, 0, 0, 0, -2},   {2, kFillRadial, 0, 0, 0, -2},
-        {3, kFillRadial, 0, 0, 0, -2},   {4, kFillLinear, 0, 0, 0, -2},  {6, kFillLinear, 0, 0, 0, -2},
-        {7, kFillNothing, 0, 0, 0, -2},  {8, kFillHatch, 0, 0, 0, -2},   {13, kFillHatch, 5, 0, 0, -2},
-        {14, kFillBitmap, 0, 0, 0, -2},  {15, kFillPattern, 0, 2, 1, 0}, {38, kFillPattern, 0, 2, 24, 23},
-        {39, kFillPattern, 0, 3, 1, 24}, {50, kFillPattern, 0, 3, 12, 35}, {51, kFillNothing, 0, 0, 0, -2},
-        {-1, kFillNothing, 0, 0, 0, -2},
-    };
-    for (const Row& r : rows) {
-        FILLBRUSH b = ClassifyFill(r.type);
-        EXPECT_TRUE(r.kind == b.kind && r.hatch == b.hatch && r.style == b.style && r.index == b.index) << r.type;
-        EXPECT_TRUE(r.entry == -2 || r.entry == PatternEntry(b.style, b.index)) << r.type;
-        EXPECT_EQ(r.type == 1 || (r.type >= 8 && r.type <= 50), BrushFill(r.type));
-    }
-    for (int bad : {PatternEntry(1, 5), PatternEntry(2, 0), PatternEntry(2, 38), PatternEntry(3, 13),
-                    PatternEntry(3, -2147483647 - 1)})
-        EXPECT_EQ(-1, bad);
-    EXPECT_EQ(35, PatternEntry(2, 36)); // style 2 reads on into the hatches, as the table lies
-    const unsigned char grey[8] = {0xaa, 0x55, 0xaa, 0x55, 0xaa, 0x55, 0xaa, 0x55};
-    EXPECT_EQ(0, std::memcmp(grey, PatternRows(-1), 8));
-    EXPECT_EQ(0, std::memcmp(grey, PatternRows(99), 8));
-    EXPECT_TRUE(PolyFillMode(1) == 1 && PolyFillMode(0) == 2 && PolyFillMode(2) == 2);
 }
 
 TEST(NativeBand, AnyBoxFinishes)

@@ -67,28 +67,6 @@ TEST(NativeDib, PlansForHostileHeaders)
     EXPECT_TRUE(ok > 10000 && tooBig > 1000) << ok << " accepted, " << tooBig << " too big";
 }
 
-TEST(NativeDib, DitherPins)
-{
-    // The 16 standard colours map to themselves, two to a byte, high nibble first;
-    // blue 51, green 102, red 153 is cube entry (3 × 6 + 2) × 6 + 1 + 20.
-    Ditherer d4;
-    unsigned char row16[48], out16[8], out[3], quads[1024];
-    for (int i = 0; i < 48; ++i)
-        row16[i] = kPalette16[i / 3][2 - i % 3];
-    ASSERT_TRUE(d4.Init(16));
-    d4.Line4(row16, out16);
-    for (int i = 0; i < 16; ++i)
-        EXPECT_EQ(i & 1 ? out16[i / 2] & 15 : out16[i / 2] >> 4, i);
-    FillCubePalette(quads);
-    EXPECT_EQ(std::vector<int>(quads + 4 * 141, quads + 4 * 141 + 3), (std::vector<int>{51, 102, 153}));
-    // White, then black: 235 and 20.
-    Ditherer bw;
-    const unsigned char px[6] = {255, 255, 255, 0, 0, 0};
-    ASSERT_TRUE(bw.Init(2));
-    bw.Line8(px, out);
-    EXPECT_TRUE(out[0] == 235 && out[1] == 20);
-}
-
 TEST(NativeDib, DitherInExactBuffers)
 {
     Rng rng(22);

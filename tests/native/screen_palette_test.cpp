@@ -1,4 +1,4 @@
-// The screen palette's entries by hand, and the pattern block.
+// The screen palette's entries by hand.
 #include <gtest/gtest.h>
 #include "devices/screenpal.h"
 #include "native_support.h"
@@ -30,20 +30,6 @@ TEST(NativeScreenPalette, SystemEntriesAndLoweredRepeats)
     };
     for (const auto& r : rows)
         EXPECT_TRUE(is(r.i, r.r, r.g, r.b, 4)) << r.i;
-}
-
-TEST(NativeScreenPalette, PatternBlock)
-{
-    Exact block(rlscreen::kPatternBlockSize);
-    rlnative::Rng(5).Fill(block.p, block.n);
-    rlscreen::BuildPatternBlock(block.p);
-    static const unsigned char kHeader[40] = {40, 0, 0, 0, 8, 0, 0, 0, 8, 0, 0, 0, 1, 0, 8, 0, 0, 0, 0, 0,
-                                              64, 0, 0, 0, 0xA0, 0x0F, 0, 0, 0xA0, 0x0F, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0};
-    EXPECT_EQ(0, memcmp(block.p, kHeader, 40));
-    for (int i = 0; i < 256; ++i)
-        ASSERT_EQ(block[40 + 2 * i] | block[41 + 2 * i] << 8, i);
-    for (int i = 0; i < 64; ++i)
-        ASSERT_EQ(block[rlscreen::kPatternPixels + i], 0);
 }
 
 } // namespace

@@ -1,6 +1,5 @@
-// The shape walk's properties, its thresholds, LISTINFO and the hit test.
+// The shape walk's properties, LISTINFO and the hit test.
 #include <gtest/gtest.h>
-#include <cmath>
 #include <cstdint>
 #include <algorithm>
 #include "devices/geom/listinfo.h"
@@ -136,30 +135,6 @@ TEST(ShapeWalk, MappingAndMidpoints)
         GPOINT a = P((std::int32_t)rng.Edgy() / 2, (std::int32_t)rng.Edgy() / 2), b = P((std::int32_t)l, (std::int32_t)o);
         ASSERT_EQ(P((a.x + b.x) / 2, (a.y + b.y) / 2), MidPoint(a, b));
     }
-}
-
-TEST(ShapeWalk, CornerAndStraightnessThresholds)
-{
-    // 5 degrees is no corner, 8 is one, on legs either side of the squares' 10,000 branch.
-    const double kPi = 3.14159265358979;
-    for (double len : {40.0, 70.0, 99.0, 101.0, 500.0, 1400.0}) {
-        for (double bend : {0.0, 5.0, 8.0, 30.0, 90.0, 179.0}) {
-            GPOINT a = P(0, 0), b = P((std::int32_t)len, 0);
-            GPOINT c = P(b.x + (std::int32_t)std::lround(len * std::cos(bend * kPi / 180)),
-                         (std::int32_t)std::lround(len * std::sin(bend * kPi / 180)));
-            // Legs under 60 pixels round a 5-degree bend too far to say.
-            if (len >= 60 || bend != 5.0) {
-                EXPECT_EQ(bend >= 8.0, DetectCorner(a, b, c, 0)) << len << " " << bend;
-            }
-        }
-    }
-    EXPECT_TRUE(DetectCorner(P(5, 5), P(5, 5), P(9, 1), 0) && DetectCorner(P(0, 0), P(5, 5), P(5, 5), 0));
-    EXPECT_FALSE(DetectCorner(P(0, 0), P(4096 * 10, 0), P(4096 * 20, 0), 1));
-    EXPECT_TRUE(DetectCorner(P(0, 0), P(4096 * 10, 0), P(4096 * 20, 4096 * 2), 1));
-
-    // A bulge of 1 pixel on a 100-pixel chord is not straight, 1/8 pixel is (20.12).
-    EXPECT_FALSE(IsBezierStraight(P(0, 0), P(50 * 4096, 4096), P(100 * 4096, 0), 1));
-    EXPECT_TRUE(IsBezierStraight(P(0, 0), P(50 * 4096, 512), P(100 * 4096, 0), 1));
 }
 
 TEST(ShapeWalk, ListInfoKeepsDistinctPointsPerContour)

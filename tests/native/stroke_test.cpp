@@ -61,51 +61,6 @@ TEST(NativeStroke, SquareRootAndDividerAreExact)
     }
 }
 
-TEST(NativeStroke, InitRows)
-{
-    struct Row {
-        int lineType, width, fast, devType;
-        std::uint32_t rgb;
-        int method;
-    } rows[] = {
-        {1, 1, 0, 0, 0x000000, kMethodPen},     // black hairline: the pen
-        {1, 3, 0, 0, 0x808080, kMethodBlocks},  // mid-grey would dither: blocks
-        {1, 3, 0, 0, 0x0FF00F, kMethodPen},     // every channel within 15 of an end
-        {1, 3, 0, 0, 0x10FFFF, kMethodBlocks},  // red 16 is not
-        {1, 3, 1, 0, 0x808080, kMethodPen},     // fast update: always the pen
-        {1, 3, 0, 2, 0x808080, kMethodPen},     // device type 2: the pen
-        {2, 1, 0, 0, 0x808080, kMethodBlocks},  // width 1 is thin whatever the type
-        {2, 2, 0, 0, 0x000000, kMethodPolygons}, // patterned and 2 wide: polygons
-        {1, 4, 0, 0, 0x000000, kMethodPolygons},
-        {1, 0, 0, 0, 0x000000, kMethodPen},     // raised to 1
-    };
-    for (const Row& r : rows) {
-        LINEPARAMS p = Params(r.lineType, r.width, 2, 1, r.rgb);
-        p.fastUpdate = r.fast, p.deviceType = r.devType;
-        LINESTATE s;
-        InitLineState(p, &s);
-        EXPECT_EQ(r.method, s.method) << r.width << " " << std::hex << r.rgb;
-        EXPECT_TRUE(s.width >= 1 && s.firstMove == 1);
-    }
-
-    // A pattern of zeros has nothing to cut: drawn solid.
-    LINEPARAMS p = Params(6, 6, 2, 2);
-    LINESTATE s;
-    InitLineState(p, &s);
-    EXPECT_FALSE(s.dashed);
-
-    // Narrow wide lines lose round joins and caps; mitres stay.
-    const int corners[][3] = {{8, 0, 2}, {8, 1, 1}, {8, 3, 2}, {12, 0, 0}, {12, 1, 1}};
-    for (const auto& c : corners) {
-        InitLineState(Params(1, c[0], c[1], 0), &s);
-        EXPECT_EQ(c[2], s.cornerType) << c[0] << " " << c[1];
-        EXPECT_EQ(c[0] >= 10, (bool)s.roundCaps);
-    }
-
-    InitLineState(Params(1, 12, 2, 1), &s); // neither round: no circle
-    EXPECT_EQ(0, s.radius);
-}
-
 TEST(NativeStroke, WidePiecesAndDashes)
 {
     // One piece, half the width to each side: 3-4-5 at width 10 rounds the
@@ -151,20 +106,6 @@ TEST(NativeStroke, WidePiecesAndDashes)
     StrokePolyline(st, path, 3, false);
     EXPECT_EQ(want, Polygons(st.List()));
     EXPECT_TRUE(st.HasLastPixel() && st.LastPixel() == want.back().back());
-}
-
-TEST(NativeStroke, OctantMasksAndArcs)
-{
-    struct Row {
-        GPOINT d;
-        unsigned char mask;
-    } rows[] = {
-        {{2, -2}, 0xFF}, {{0, -5}, 0x0F}, {{0, 5}, 0xF0}, {{-5, 0}, 0x3C}, {{5, 0}, 0xC3},
-        {{-9, -3}, 0x3E}, {{-3, -9}, 0x1F}, {{-9, 3}, 0x7C}, {{-3, 9}, 0xF8},
-        {{9, -3}, 0xC7}, {{3, -9}, 0x8F}, {{9, 3}, 0xE3}, {{3, 9}, 0xF1}, {{-4, -4}, 0x1F},
-    };
-    for (const Row& r : rows)
-        EXPECT_EQ(r.mask, CalcCircleSegments(GPOINT{100, 100}, GPOINT{100 + r.d.x, 100 + r.d.y})) << r.d.x << "," << r.d.y;
 }
 
 TEST(NativeStroke, CapsJoinsAndTheMitreLimit)
