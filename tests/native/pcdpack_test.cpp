@@ -146,4 +146,57 @@ TEST(PcdPack, DamagedPacksGiveAStatus)
     EXPECT_EQ(ParseInfo(info.data(), 39, &vi), PCD_ERR_NOT_PCD);
 }
 
+Bytes ReadAll(const std::string& path)
+{
+    Bytes b;
+    FILE* f = fopen(path.c_str(), "rb");
+    for (int c; f && (c = fgetc(f)) != EOF;)
+        b.push_back((uint8_t)c);
+    if (f)
+        fclose(f);
+    return b;
+}
+
+// ImageMagick maps the whole Photo YCC range onto 0..255 (Kodak's values / 1.3584) where we
+// clip at 255: its values scaled back agree within 4 levels wherever neither side clipped.
+TEST(PcdPack, AgreesWithImageMagicksDecoding)
+{
+    if (std::system("/usr/bin/convert -version >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "no ImageMagick convert";
+    char dir[] = "/tmp/pcdpackXXXXXX";
+    ASSERT_TRUE(mkdtemp(dir));
+    std::string d = dir, in = d + "/in.ppm", pcd = d + "/in.pcd", back = d + "/back.ppm";
+    std::string text = "P6\n768 512\n255\n";
+    for (int r = 0; r < 512; ++r)
+        for (int x = 0; x < 768; ++x)
+            text += {(char)(40 + 150 * x / 768), (char)(60 + 120 * r / 512), (char)(int)(90 + 80 * std::sin(x / 90.0 + r / 70.0))};
+    FILE* f = fopen(in.c_str(), "wb");
+    ASSERT_TRUE(f && fwrite(text.data(), 1, text.size(), f) == text.size());
+    fclose(f);
+    std::string cmd = "/usr/bin/convert -limit thread 1 " + in + " " + pcd + " && /usr/bin/convert -limit thread 1 " +
+                      pcd + " -depth 8 " + back;
+    ASSERT_EQ(std::system(cmd.c_str()), 0);
+    Bytes file = ReadAll(pcd), ppm = ReadAll(back);
+    std::system(("rm -rf " + d).c_str());
+    ASSERT_GE(ppm.size(), 768u * 512 * 3);
+    PackHeader h;
+    Plane plane;
+    ASSERT_TRUE(ParseHeader(file.data(), std::min<size_t>(file.size(), kHeaderBytes), file.size(), &h) == PCD_OK &&
+                FindPlane(h, file.size(), PCD_BASE, &plane) == PCD_OK);
+    std::vector<uint8_t> ours(768 * 512 * 3);
+    ASSERT_EQ(DecodePlanes(plane, file.data() + plane.offset, plane.bytes, ours.data(), 768 * 3, nullptr), PCD_OK);
+    const uint8_t* theirs = ppm.data() + ppm.size() - 768 * 512 * 3;
+    long compared = 0, worst = 0;
+    for (size_t i = 0; i < 768 * 512; ++i)
+        for (int k = 0; k < 3; ++k) {
+            int t = theirs[i * 3 + 2 - k];
+            double scaled = t * 1.3584;
+            if (t == 0 || scaled > 254.5)
+                continue;
+            ++compared;
+            worst = std::max(worst, std::labs(ours[i * 3 + k] - lround(scaled)));
+        }
+    EXPECT_TRUE(compared > 768L * 512 * 3 / 2 && worst <= 4) << compared << " " << worst;
+}
+
 }  // namespace
