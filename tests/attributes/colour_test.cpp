@@ -74,25 +74,6 @@ TEST(Colour, ConversionsWorkedByHand)
     }
 }
 
-TEST(Colour, FlagsComparisonTintFormatAndTintOfBlack)
-{
-    EXPECT_TRUE(vCOLOUR(0x102030L, 5).Flags() == 1 && vCOLOUR(vCMYK, 1, 100, 9).Flags() == 16);  // system; spot only
-    vCOLOUR a = Rgb(1, 2, 3, 60, 1);
-    for (const vCOLOUR& other : {Rgb(1, 2, 4, 60, 1), vCOLOUR(vHLS, a.Value(), 60, 1), Rgb(1, 2, 3, 60, 0)})
-        EXPECT_TRUE(a != other && !a.EqualsWithoutTint(other));
-    EXPECT_TRUE(a != Rgb(1, 2, 3, 61, 1) && a.EqualsWithoutTint(Rgb(1, 2, 3, 0, 1)));
-    // Conversions carry tint and spot flag; the system flag stays with the system's colour.
-    EXPECT_TRUE(vCOLOUR(0x0000FFL, 1).HLSFormat().Flags() == 0 && Hls(120, 50, 100, 50, 1).RGBFormat() == Rgb(0, 255, 0, 50, 1));
-    // TintFormat scales the tint in a 32-bit product: 100 * 30,000,000 wraps and clamps to 0.
-    EXPECT_TRUE(vCOLOUR(vCMYK, 0x10203040, 100, 1).TintFormat(30000000UL) == vCOLOUR(vCMYK, 0x10203040, 0, 1));
-    EXPECT_EQ(Rgb(0, 0, 0, 50).GreyScale(), 50u);   // the tint lightens grey first
-
-    const struct { vCOLOUR c; bool black; } blacks[] = {{Rgb(0, 0, 0, 30), true}, {Hls(200, 0, 77), true},
-        {Cmyk(50, 50, 50, 50), true}, {Cmyk(51, 50, 50, 50), false}, {vCOLOUR(vPANTONE, 0, 100, 0), false}};
-    for (const auto& c : blacks)
-        EXPECT_EQ(c.c.IsTintOfBlack() != 0, c.black) << c.c.GetNativeFormat() << " " << std::hex << c.c.Value();
-}
-
 // The stand-in answers red = marker low byte, green = simtype * 4, blue = index low byte.
 TEST(Colour, PantoneResolvesThroughTheLibraryOrFailsQuietly)
 {

@@ -1,4 +1,4 @@
-// rltool run as a separate process, as a user meets it: numbers, progress,
+// rltool run as a separate process, as a user meets it: numbers,
 // messages and exit codes, and the files each command leaves on disk.
 #include <windows.h>
 #include <algorithm>
@@ -121,20 +121,6 @@ int FilesIn(const std::string& dir, bool remove = false)
     return n;
 }
 
-struct Zeros {   // zeros fed to the compressor without ever being held in memory
-    unsigned long long left;
-    std::string packed;
-};
-unsigned ZeroRead(char* buf, unsigned* size, void* param)
-{
-    Zeros& z = *static_cast<Zeros*>(param);
-    unsigned n = z.left < *size ? unsigned(z.left) : *size;
-    memset(buf, 0, n);
-    z.left -= n;
-    return n;
-}
-void PackedWrite(char* buf, unsigned* size, void* param) { static_cast<Zeros*>(param)->packed.append(buf, *size); }
-
 } // namespace
 
 // Numbers once went through strtoul: "-4294967291" wrapped to 5, " +5" was 5.
@@ -254,64 +240,6 @@ TEST(Rltool, WindowsMetafileInfoAndConversion)
     ASSERT_GE(before.size(), 18u);
     EXPECT_EQ(1, before[0]);   // a standard header: the placeable one is left out
     DeleteFileA(out.c_str());
-}
-
-TEST(Rltool, ProgressIsPaintedAFewTimesASecond)
-{
-    std::string bmp = rltest::TempPath("pgb"), raw = rltest::TempPath("pgr"), out = rltest::TempPath("pgo"), err;
-    Spill(bmp, Picture(1000, 1600, 3));
-    Spill(raw, std::string(12u << 20, 'x'));
-    SetEnvironmentVariableA("RLTOOL_PROGRESS", "1");
-    struct Case { std::string args, last; } cases[] = {
-        {"resize " + Quoted(bmp) + " " + Quoted(out) + " --width 500 --bits 8", "resizing [" + std::string(40, '#') + "] 100%"},
-        {"implode " + Quoted(raw) + " " + Quoted(out), "implode: 100% (12.0 of 12.0 MB)"}};
-    for (const Case& c : cases) {
-        DWORD start = GetTickCount();
-        ASSERT_EQ(RunTool(c.args, nullptr, &err), 0) << c.args << err;
-        DWORD elapsed = GetTickCount() - start;
-        // Each paint starts with "\r"; the last state stays and the line is ended.
-        ASSERT_GE(err.size(), 2u);
-        EXPECT_EQ(err.substr(err.size() - 2), "\r\n");
-        err.resize(err.size() - 2);
-        size_t paints = std::count(err.begin(), err.end(), '\r');
-        EXPECT_GE(paints, 1u) << err;
-        EXPECT_LE(paints, elapsed / 250 + 2) << c.args << " in " << elapsed << " ms";
-        EXPECT_EQ(err.substr(err.rfind('\r') + 1), c.last) << err;
-    }
-    SetEnvironmentVariableA("RLTOOL_PROGRESS", "0");
-    EXPECT_EQ(RunTool("implode " + Quoted(raw) + " " + Quoted(out), nullptr, &err), 0);
-    EXPECT_EQ(err, "");
-    SetEnvironmentVariableA("RLTOOL_PROGRESS", nullptr);
-    Remove({bmp, raw, out});
-}
-
-TEST(Rltool, DumpOfAFrameExpandingPastTheSpillSize)
-{
-    Zeros z = {101000000ull, std::string()};
-    std::vector<char> work(CMP_BUFFER_SIZE);
-    unsigned type = CMP_BINARY, dict = 4096;
-    ASSERT_EQ(implode(ZeroRead, PackedWrite, work.data(), &z, &type, &dict), CMP_NO_ERROR);
-    std::string file(8, '\0'), path = rltest::TempPath("dmb"), text;
-    for (int i = 0; i < 4; ++i)
-        file[i] = char(vSTREAM_BLOCKMAGIC >> (8 * i)), file[4 + i] = char(z.packed.size() >> (8 * i));
-    Spill(path, file + z.packed + std::string("\x05\x00tail!", 7));
-    ASSERT_EQ(RunTool("dump " + Quoted(path), &text), 0) << text;
-    char want[160];
-    snprintf(want, sizeof want, "00000000  frame   %-9lu 8+%lu -> 101000000 bytes (binary literals, 4096-byte dictionary)  "
-             "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ...", (unsigned long)z.packed.size() + 8, (unsigned long)z.packed.size());
-    EXPECT_TRUE(Has(text, want) && Has(text, "string  5         \"tail!\"") && Has(text, "1 frame, 1 string, 0 raw runs"));
-    DeleteFileA(path.c_str());
-}
-
-TEST(Rltool, ShortReadIsAnError)
-{
-    const std::string shrinking = "Z:\\sys\\devices\\system\\cpu\\online";
-    if (!Exists(shrinking))
-        GTEST_SKIP() << "no sysfs on this machine";
-    std::string dir = TempFolder("imr"), err;
-    EXPECT_EQ(RunTool("implode " + shrinking + " " + Quoted(dir + "\\out.imp"), nullptr, &err), 1);
-    EXPECT_TRUE(Has(err, "of its 4096 bytes"));
-    EXPECT_EQ(FilesIn(dir, true), 0);
 }
 
 TEST(Rltool, ImplodeExplodeRoundTripsAndLeavesNoPartialOutput)
