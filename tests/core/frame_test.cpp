@@ -1,4 +1,4 @@
-// The library frame: the memory shortage path and the page-out loop.
+// The library frame: trace lines, profile switches, the memory shortage path.
 #include <gtest/gtest.h>
 #include <cstring>
 #include <string>
@@ -20,11 +20,36 @@ struct FrameState {
         vPAGEOUT::SetProc(nullptr);
     }
 };
+// A thread start runs the library's entry point, which reads the profile again.
+DWORD WINAPI NothingToDo(LPVOID) { return 0; }
+void ReadProfile(const char* traceLevel, const char* checkHeap)
+{
+    rltest::ProfileLock lock;
+    WriteProfileStringA("Rillgate", "TraceLevel", traceLevel);
+    WriteProfileStringA("Rillgate", "CheckHeap", checkHeap);
+    HANDLE t = CreateThread(nullptr, 0, NothingToDo, nullptr, 0, nullptr);
+    WaitForSingleObject(t, INFINITE);
+    CloseHandle(t);
+}
 // Each pass of the page-out procedure frees the next scripted count.
 std::vector<unsigned short> gPageOuts;
 size_t gPageOutCall = 0;
 unsigned short ScriptedPageOut() { return gPageOutCall < gPageOuts.size() ? gPageOuts[gPageOutCall++] : (++gPageOutCall, 0); }
 } // namespace
+
+TEST(Frame, TraceAndProfileSwitches)
+{
+    FrameState keep;
+    rltest::DebugOutput out;
+    vSYSTEM::SetTraceLevel(3);
+    vTrace(3, "vTEST::At()");
+    vTrace(4, "vTEST::Above()");
+    EXPECT_EQ(out.Writes(), (std::vector<std::string>{"Trace: ", "vTEST::At()", "\n"}));
+    // Capacity 4 including the terminator: "12345" reads as "123"; only a case-insensitive "Yes" is yes.
+    ReadProfile("12345", "yES");
+    EXPECT_TRUE(vSYSTEM::GetTraceLevel() == 123 && vSYSTEM::CheckHeap() == 1);
+    ReadProfile(nullptr, nullptr);
+}
 
 TEST(Frame, FailedResizeKeepsTheOldBlockAndAsksTheUser)
 {
